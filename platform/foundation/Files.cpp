@@ -1,0 +1,107 @@
+#include "platform/foundation/Files.hpp"
+
+#include <cerrno>
+#include <cstdlib>
+#include <vector>
+
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/foundation/FileDescriptor.hpp"
+#include "platform/foundation/UUID.hpp"
+
+namespace zelto {
+namespace {
+
+bool writeAll(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(fd, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return true;
+}
+
+bool syncFolder(const std::filesystem::path& folder) {
+    const FileDescriptor fd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return fd && fsync(fd.get()) == 0;
+}
+
+}  // namespace
+
+std::optional<std::string> readFile(const std::filesystem::path& path) {
+    const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (!fd || fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+
+    // Sized once, so that a large file is held once. Files of the kernel say 0 and are read as they come.
+    constexpr std::size_t step = 16 * 1024;
+    std::string bytes(status.st_size > 0 ? static_cast<std::size_t>(status.st_size) : step, '\0');
+    std::size_t end = 0;
+    while (true) {
+        if (end == bytes.size()) {
+            char next = 0;
+            const ssize_t more = read(fd.get(), &next, 1);
+            if (more < 0 && errno == EINTR) continue;
+            if (more < 0) return std::nullopt;
+            if (more == 0) break;
+            bytes.resize(bytes.size() + step);
+            bytes[end++] = next;
+        }
+        const ssize_t count = read(fd.get(), bytes.data() + end, bytes.size() - end);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) return std::nullopt;
+        if (count == 0) break;
+        end += static_cast<std::size_t>(count);
+    }
+    bytes.resize(end);
+    return bytes;
+}
+
+bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+    const auto folder = path.parent_path();
+    const auto temporary = folder / ("." + path.filename().string() + "." + UUID::random().text());
+    // O_EXCL refuses whatever stands there already, a planted symbolic link included.
+    FileDescriptor fd(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    if (!fd) return false;
+    const bool filled = writeAll(fd.get(), bytes) && fsync(fd.get()) == 0;
+    fd.reset();
+    if (!filled || rename(temporary.c_str(), path.c_str()) != 0) {
+        unlink(temporary.c_str());
+        return false;
+    }
+    return syncFolder(folder);
+}
+
+HomeLookup HomeLookup::system() {
+    return {
+        .userDatabase = []() -> std::optional<std::string> {
+            std::vector<char> buffer(16 * 1024);
+            passwd entry{};
+            passwd* found = nullptr;
+            if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found ||
+                !found->pw_dir || *found->pw_dir == '\0')
+                return std::nullopt;
+            return found->pw_dir;
+        },
+        .environment = []() -> std::optional<std::string> {
+            const char* home = std::getenv("HOME");
+            if (!home || *home == '\0') return std::nullopt;
+            return home;
+        },
+    };
+}
+
+HomeLookup HomeLookup::fixed(std::string home) {
+    return {.userDatabase = [home] { return home; }, .environment = [home] { return home; }};
+}
+
+std::filesystem::path HomeLookup::home() const {
+    if (const auto fromDatabase = userDatabase()) return *fromDatabase;
+    return environment().value_or("/");
+}
+
+}  // namespace zelto

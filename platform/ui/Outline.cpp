@@ -1,0 +1,131 @@
+#include "platform/ui/Outline.hpp"
+
+#include <cmath>
+
+#include "platform/foundation/NumberText.hpp"
+#include "platform/ui/ViewFields.hpp"
+
+namespace zelto::ui {
+namespace {
+
+using Kind = Schema::Kind;
+
+void appendHexByte(std::string& out, double component) {
+    static constexpr char digits[] = "0123456789ABCDEF";
+    const auto byte = static_cast<unsigned>(std::ceil(std::min(std::max(component, 0.0), 1.0) * 255 - 0.5));
+    out += digits[byte >> 4];
+    out += digits[byte & 0x0F];
+}
+
+std::string quoted(const std::string& text) {
+    std::string out = "\"";
+    for (const char c : text) {
+        if (c == '"' || c == '\\') out += '\\';
+        if (c == '\n')
+            out += "\\n";
+        else
+            out += c;
+    }
+    return out + '"';
+}
+
+std::string lowerFirst(std::string_view name) {
+    std::string out(name);
+    if (out.size() > 1 && std::islower(static_cast<unsigned char>(out[1])) != 0)
+        out[0] = static_cast<char>(std::tolower(static_cast<unsigned char>(out[0])));
+    return out;
+}
+
+std::string valueText(const Schema& schema, const void* value);
+
+/// The fields of a record as "name=value", a lone field without its name; absent optionals and children left
+/// out.
+std::string fieldsText(const Schema& schema, const void* record) {
+    std::string out;
+    for (const auto& field : schema.fields) {
+        const Schema& inner = field.schema();
+        const void* member = schema.address(field, record);
+        if (&inner == &schemaOf<Views>() || (inner.kind == Kind::optional && inner.count(member) == 0))
+            continue;
+        if (!out.empty()) out += ' ';
+        if (schema.fields.size() > 1) out += std::string(field.name) + '=';
+        out += valueText(inner, member);
+    }
+    return out;
+}
+
+std::string valueText(const Schema& schema, const void* value) {
+    switch (schema.kind) {
+        case Kind::boolean: return *static_cast<const bool*>(value) ? "true" : "false";
+        case Kind::integer: return std::to_string(*static_cast<const std::int64_t*>(value));
+        case Kind::unsignedInteger: return std::to_string(*static_cast<const std::uint64_t*>(value));
+        case Kind::real: {
+            if (&schema != &schemaOf<Date>()) return briefNumber(*static_cast<const double*>(value));
+            std::string out;
+            appendNumber(out, *static_cast<const double*>(value));
+            return out;
+        }
+        case Kind::string: return quoted(*static_cast<const std::string*>(value));
+        case Kind::token: {
+            if (&schema == &schemaOf<Bytes>())
+                return std::to_string(static_cast<const Bytes*>(value)->bytes.size()) + " bytes";
+            std::string out;
+            schema.print(value, out);
+            return out;
+        }
+        case Kind::optional: return valueText(schema.element(), schema.at(value, 0));
+        case Kind::list: {
+            std::string out = "[";
+            for (std::size_t i = 0; i < schema.count(value); ++i)
+                out += (i > 0 ? " " : "") + valueText(schema.element(), schema.at(value, i));
+            return out + "]";
+        }
+        case Kind::record: {
+            if (&schema == &schemaOf<Color>()) return hexText(*static_cast<const Color*>(value));
+            if (&schema == &schemaOf<LinearGradient>()) {
+                const auto& gradient = *static_cast<const LinearGradient*>(value);
+                return hexText(gradient.top) + ".." + hexText(gradient.bottom);
+            }
+            const std::string fields = fieldsText(schema, value);
+            return lowerFirst(schema.name) + (fields.empty() ? "" : "(" + fields + ")");
+        }
+        case Kind::choice: return valueText(schema.cases[schema.count(value)].schema(), schema.at(value, 0));
+    }
+    return {};
+}
+
+void appendView(std::string& out, const View& view, std::size_t depth) {
+    const Schema& nodes = schemaOf<Node>();
+    const Schema& kind = nodes.cases[view.node.index()].schema();
+    out.append(2 * depth, ' ');
+    out += kind.name;
+    if (const std::string fields = fieldsText(kind, nodes.at(&view.node, 0)); !fields.empty())
+        out += ' ' + fields;
+    for (const Modifier& modifier : view.modifiers) {
+        const Schema& modifiers = schemaOf<Modifier>();
+        const Schema& applied = modifiers.cases[modifier.index()].schema();
+        out += " ." +
+               (&applied == &schemaOf<modifier::WidgetURL>() ? "widgetURL" : lowerFirst(applied.name)) + '(' +
+               fieldsText(applied, modifiers.at(&modifier, 0)) + ')';
+    }
+    out += '\n';
+    if (const Views* children = childrenOf(view.node))
+        for (const View& child : *children) appendView(out, child, depth + 1);
+}
+
+}  // namespace
+
+std::string hexText(const Color& color) {
+    std::string out = "#";
+    for (const double component : {color.red, color.green, color.blue}) appendHexByte(out, component);
+    if (color.opacity != 1) appendHexByte(out, color.opacity);
+    return out;
+}
+
+std::string outline(const View& view) {
+    std::string out;
+    appendView(out, view, 0);
+    return out;
+}
+
+}  // namespace zelto::ui

@@ -1,0 +1,106 @@
+#include "platform/widgetkit/Service.hpp"
+
+#include <algorithm>
+
+#include "platform/foundation/JSONEncoder.hpp"
+#include "platform/widgetkit/LineServer.hpp"
+
+namespace zelto {
+namespace {
+
+/// What can still be read of a request that cannot be read whole.
+struct RequestHead {
+    std::optional<std::int64_t> id;
+};
+
+std::string errorLine(std::optional<std::int64_t> id, std::string error) {
+    Reply reply;
+    reply.id = id;
+    reply.error = std::move(error);
+    return encodeReply(reply).value_or(R"({"error":"the fault cannot be told in UTF-8"})");
+}
+
+std::string familyNames(const WidgetDescription& widget) {
+    std::string out;
+    for (const WidgetFamily family : widget.families) {
+        if (!out.empty()) out += ", ";
+        out += Names<WidgetFamily>::names[static_cast<std::size_t>(family)];
+    }
+    return out;
+}
+
+}  // namespace
+}  // namespace zelto
+
+ZELTO_RECORD(zelto::RequestHead, id);
+
+namespace zelto {
+namespace {
+
+/// The id of a request that is faulty elsewhere, also when it breaks off behind its id.
+std::optional<std::int64_t> idOf(std::string_view line) {
+    RequestHead head;
+    DecodingError error;
+    decodeJSON(line, schemaOf<RequestHead>(), &head, &error, 1);
+    return error.place == "id" ? std::nullopt : head.id;
+}
+
+}  // namespace
+
+Service::Service(std::vector<WidgetConfiguration> widgets, Environment environment, std::function<Date()> now)
+    : widgets_(std::move(widgets)), environment_(std::move(environment)), now_(std::move(now)) {}
+
+std::string Service::answer(std::string_view line) const {
+    if (line.size() > longestLine)
+        return errorLine({}, "a request line holds at most " + std::to_string(longestLine) + " bytes");
+    DecodingError error;
+    const auto request = decodeJSON<Request>(line, &error);
+    if (!request) {
+        return errorLine(idOf(line), error.text());
+    }
+    Reply out = reply(*request);
+    out.id = request->id;
+    if (auto encoded = encodeReply(out)) return *std::move(encoded);
+    return errorLine(request->id, "the view holds a number that is not finite or a text that is not UTF-8");
+}
+
+Reply Service::reply(const Request& request) const {
+    Reply out;
+    if (request.request == RequestKind::bundle) {
+        auto& widgets = out.widgets.emplace();
+        for (const auto& widget : widgets_) widgets.push_back(widget.info());
+        return out;
+    }
+
+    const auto fail = [&](std::string error) {
+        out.error = std::move(error);
+        return out;
+    };
+    if (!request.kind) return fail("kind: missing");
+    if (!request.family) return fail("family: missing");
+    const auto widget =
+        std::ranges::find(widgets_, *request.kind, [](const auto& w) { return w.info().kind; });
+    if (widget == widgets_.end()) return fail("kind: no widget \"" + *request.kind + "\"");
+    if (std::ranges::find(widget->info().families, *request.family) == widget->info().families.end())
+        return fail("family: " + *request.kind + " offers " + familyNames(widget->info()));
+    if (request.timeZone && !isKnownTimeZone(*request.timeZone)) return fail("timeZone: unknown");
+    if (request.locale && !isKnownLocale(*request.locale)) return fail("locale: unknown");
+
+    const Formatting formatting(
+        {request.locale.value_or(environment_.locale), request.timeZone.value_or(environment_.timeZone)});
+    const TimelineProviderContext context{*request.family, request.preview.value_or(false)};
+    const EnvironmentValues values{*request.family, formatting, now_};
+    switch (request.request) {
+        case RequestKind::bundle: break;
+        case RequestKind::placeholder: out.entry = widget->placeholder(context, values); break;
+        case RequestKind::snapshot: out.entry = widget->snapshot(context, values); break;
+        case RequestKind::timeline: out.timeline = widget->timeline(context, values); break;
+    }
+    return out;
+}
+
+bool Service::serve(int input, int output) const {
+    return serveLines(input, output, longestLine, [this](std::string_view line) { return answer(line); });
+}
+
+}  // namespace zelto

@@ -1,0 +1,87 @@
+#include "widget/Common/LiveReader.hpp"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+
+#include "widget/Common/Rounding.hpp"
+
+namespace zelto::LiveReader {
+namespace {
+
+template <class T>
+std::optional<T> value(const PowerSourceDescription& source, const char* key) {
+    const auto found = source.find(key);
+    if (found == source.end() || !std::holds_alternative<T>(found->second)) return std::nullopt;
+    return std::get<T>(found->second);
+}
+
+double cpuLoad(const SystemReadings& system) {
+    const auto first = cpuUsage(system);
+    if (!first) return 0;
+    system.sleep(std::chrono::microseconds(500'000));
+    const auto second = cpuUsage(system);
+    if (!second || !(second->total > first->total)) return 0;
+    return (second->busy - first->busy) / (second->total - first->total);
+}
+
+}  // namespace
+
+LiveData read(const SystemReadings& system) {
+    const auto battery = batteryState(system);
+    const double cpu = cpuLoad(system);
+    const double memory = memoryUsage(system);
+    const DiskUsage disk = diskUsage(system);
+    return {
+        .battery = battery ? std::optional(battery->percent) : std::nullopt,
+        .charging = battery && battery->charging,
+        .cpu = cpu,
+        .memory = memory,
+        .disk = disk.fraction,
+        .diskFree = disk.free,
+        .diskTotal = disk.total,
+    };
+}
+
+std::optional<BatteryState> batteryState(const SystemReadings& system) {
+    const auto sources = system.powerSources();
+    if (!sources) return std::nullopt;
+    for (const auto& source : *sources) {
+        const auto current = value<std::int64_t>(source, "Current Capacity");
+        const auto maximum = value<std::int64_t>(source, "Max Capacity");
+        if (!current || !maximum || *maximum < 1) continue;
+        return BatteryState{
+            .percent = nearestInteger(static_cast<double>(*current) / static_cast<double>(*maximum) * 100),
+            .charging = value<bool>(source, "Is Charging").value_or(false)};
+    }
+    return std::nullopt;
+}
+
+std::optional<CPUUsage> cpuUsage(const SystemReadings& system) {
+    const auto ticks = system.cpuTicks();
+    if (!ticks) return std::nullopt;
+    const double busy = static_cast<double>(ticks->user) + static_cast<double>(ticks->system) +
+                        static_cast<double>(ticks->nice);
+    return CPUUsage{.busy = busy, .total = busy + static_cast<double>(ticks->idle)};
+}
+
+double memoryUsage(const SystemReadings& system) {
+    const auto pages = system.virtualMemory();
+    const std::uint64_t physical = system.physicalMemory();
+    if (!pages || physical == 0) return 0;
+    const std::uint64_t app = pages->internal - std::min(pages->internal, pages->purgeable);
+    const double used = (static_cast<double>(app) + static_cast<double>(pages->wired) +
+                         static_cast<double>(pages->compressor)) *
+                        static_cast<double>(system.pageSize());
+    return std::min(used / static_cast<double>(physical), 1.0);
+}
+
+DiskUsage diskUsage(const SystemReadings& system) {
+    const auto volume = system.volume("/");
+    if (!volume || !volume->total || *volume->total < 1 || !volume->availableForImportantUsage)
+        return {0, 0, 0};
+    const std::uint64_t free = *volume->availableForImportantUsage, total = *volume->total;
+    return {1 - static_cast<double>(free) / static_cast<double>(total), free, total};
+}
+
+}  // namespace zelto::LiveReader

@@ -1,0 +1,40 @@
+#include "widget/Common/Ring.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/Rounding.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+double Ring::arcFraction() const {
+    return std::isnan(value) ? 0.01 : std::max(std::min(value, 1.0), 0.01);
+}
+
+View Ring::body() const {
+    return VStack(
+        {.spacing = 4},
+        ZStack(
+            Stroked(Circle{}, {.style = Palette::track, .lineWidth = lineWidth}),
+            Stroked(Circle{}, arcFraction(), {.style = color, .lineWidth = lineWidth, .cap = LineCap::round})
+                .rotation(-90),
+            VStack(
+                {.spacing = 0},
+                Text(centerText.value_or(roundedPercent(value)))
+                    .font(fontSize, Weight::bold, Design::rounded)
+                    .lineLimit(1)
+                    .minimumScale(0.5),
+                ifPresent(
+                    caption,
+                    [](const auto& text) { return Text(text).font(8).foreground(secondary).lineLimit(1); }))
+                .padding(Edges::horizontal, lineWidth)),
+        ifPresent(label, [](const auto& text) {
+            return Text(text).font(10, Weight::semibold).foreground(secondary);
+        }));
+}
+
+}  // namespace zelto

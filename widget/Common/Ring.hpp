@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/ui/View.hpp"
+
+namespace zelto {
+
+/// A circular gauge that takes the room that it is offered.
+struct Ring {
+    double value;  // 0 is empty, 1 is full
+    ui::Color color;
+    std::optional<std::string> label;       // under the ring
+    std::optional<std::string> caption;     // a small second line inside it
+    double lineWidth;                       // points
+    double fontSize;                        // points, of the centre text
+    std::optional<std::string> centerText;  // instead of the percentage
+
+    ui::View body() const;
+
+    /// The part of the circle that is filled: never less than a stub, never more than all.
+    double arcFraction() const;
+};
+
+}  // namespace zelto

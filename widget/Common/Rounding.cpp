@@ -1,0 +1,30 @@
+#include "widget/Common/Rounding.hpp"
+
+#include <cmath>
+#include <limits>
+
+namespace zelto {
+namespace {
+
+std::int64_t saturated(double integral) {
+    if (std::isnan(integral)) return 0;
+    if (integral >= 0x1p63) return std::numeric_limits<std::int64_t>::max();
+    if (integral < -0x1p63) return std::numeric_limits<std::int64_t>::min();
+    return static_cast<std::int64_t>(integral);
+}
+
+}  // namespace
+
+std::int64_t nearestInteger(double value) {
+    return saturated(std::round(value));
+}
+
+std::string roundedPercent(double fraction) {
+    return std::to_string(nearestInteger(fraction * 100)) + "%";
+}
+
+std::string truncatedPercent(double fraction) {
+    return std::to_string(saturated(std::trunc(fraction * 100))) + "%";
+}
+
+}  // namespace zelto

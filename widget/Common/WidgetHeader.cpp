@@ -1,0 +1,27 @@
+#include "widget/Common/WidgetHeader.hpp"
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/Palette.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+View WidgetHeader::body() const {
+    return HStack(
+        {.spacing = 4},
+        Symbol(icon).foreground(color),
+        Text(title).font(11, Weight::bold),
+        Spacer(),
+        ifPresent(trailing, [](const auto& text) { return Text(text).font(9).foreground(secondary); }));
+}
+
+View OpenAppNote::body() const {
+    return Label("exclamationmark.circle", "Abra o Zelto para atualizar").font(9).foreground(secondary);
+}
+
+View zeltoBackground(View view) {
+    return std::move(view).containerBackground(Palette::background);
+}
+
+}  // namespace zelto

@@ -1,0 +1,91 @@
+// zelto-widgets: the widget extension. A host starts it and talks to it over its standard input and output
+// (docs/extension-protocol.md). It draws nothing, writes no file and starts nothing.
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <malloc.h>
+#include <optional>
+#include <string>
+
+#include <unistd.h>
+
+#include "platform/widgetkit/Service.hpp"
+#include "widget/Common/LiveReader.hpp"
+#include "widget/Widgets/ZeltoWidgetBundle.hpp"
+
+namespace {
+
+constexpr const char* usage =
+    "Usage: zelto-widgets [--home DIR] [--machine DIR]\n"
+    "\n"
+    "Answers widget requests, one JSON object a line on standard input, one reply a line on\n"
+    "standard output, until the input ends. Try: echo '{\"id\":1,\"request\":\"bundle\"}' | zelto-widgets\n"
+    "\n"
+    "  --home DIR     look for the snapshot below DIR instead of the user's home\n"
+    "  --machine DIR  take the readings from DIR/proc and DIR/sys instead of the kernel's\n";
+
+struct Options {
+    zelto::HomeLookup home = zelto::HomeLookup::system();
+    std::string machine = "/";
+    bool help = false;
+};
+
+/// Absent, with the first word that makes no sense, when there is one.
+std::optional<Options> parse(int argc, char** argv, std::string& unknown) {
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string option = argv[i];
+        if (option == "--help" || option == "-h") {
+            options.help = true;
+        } else if (option == "--home" && i + 1 < argc) {
+            options.home = zelto::HomeLookup::fixed(argv[++i]);
+        } else if (option == "--machine" && i + 1 < argc) {
+            options.machine = argv[++i];
+        } else {
+            unknown = option;
+            return std::nullopt;
+        }
+    }
+    return options;
+}
+
+int run(int argc, char** argv) {
+    std::string unknown;
+    const auto options = parse(argc, argv, unknown);
+    if (!options) {
+        std::fprintf(stderr, "zelto-widgets: '%s' makes no sense here; try --help\n", unknown.c_str());
+        return 2;
+    }
+    if (options->help) {
+        std::fputs(usage, stdout);
+        return 0;
+    }
+    // A host that goes away is seen as a failed write, not as a signal.
+    std::signal(SIGPIPE, SIG_IGN);
+    // Every request has a thread of its own; one arena for all keeps the memory of eleven at that of one.
+    mallopt(M_ARENA_MAX, 1);
+
+    const zelto::ProviderSources sources{
+        .now = zelto::Date::now,
+        .live =
+            [machine = options->machine] {
+                return zelto::LiveReader::read(zelto::SystemReadings::ofLinux(machine));
+            },
+        .snapshot = [home = options->home] { return zelto::WidgetSnapshot::load(home); },
+    };
+    const zelto::Service service(
+        zelto::ZeltoWidgetBundle{sources}.body(), zelto::Environment::current(), zelto::Date::now);
+    return service.serve(STDIN_FILENO, STDOUT_FILENO) ? 0 : 1;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    try {
+        return run(argc, argv);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "zelto-widgets: %s\n", error.what());
+        return 1;
+    }
+}

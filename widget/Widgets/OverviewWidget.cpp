@@ -1,0 +1,107 @@
+#include "widget/Widgets/OverviewWidget.hpp"
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/Ring.hpp"
+#include "widget/Common/Rounding.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration OverviewWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::overview,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return OverviewView{environment.family, entry, environment.formatting}.body();
+               })
+        .configurationDisplayName("Zelto · Visão geral")
+        .description("Bateria, CPU, memória e disco do seu Mac.")
+        .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
+}
+
+View OverviewView::body() const {
+    const bool small = family == WidgetFamily::systemSmall;
+    return VStack(
+               {.spacing = 8},
+               WidgetHeader{
+                   .title = "Zelto",
+                   .icon = "waveform.path.ecg",
+                   .color = Palette::accent,
+                   .trailing = formatting.shortTime(entry.date)},
+               small ? smallContent() : list(mediumContent()))
+        .widgetURL(deepLink("open?tab=home"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+Views OverviewView::smallContent() const {
+    const LiveData& live = entry.live;
+    const auto ring = [](double value, Color color, const char* caption) {
+        return Ring{
+            .value = value,
+            .color = color,
+            .label = {},
+            .caption = caption,
+            .lineWidth = 9,
+            .fontSize = 22,
+            .centerText = {}}
+            .body();
+    };
+    const auto batteryRing = [&](std::int64_t percent) {
+        const bool low = !live.charging && percent <= 20;
+        return ring(
+                   static_cast<double>(percent) / 100,
+                   low ? Palette::danger : Palette::accent,
+                   live.charging ? "carregando" : "bateria")
+            .padding(Edges::horizontal, 10);
+    };
+    return list(
+        live.battery ? batteryRing(*live.battery) : ring(live.cpu, Palette::loadColor(live.cpu), "CPU"),
+        HStack(
+            {},
+            Label("cpu", truncatedPercent(live.cpu)),
+            Spacer(),
+            Label("memorychip", truncatedPercent(live.memory)))
+            .font(10, Weight::semibold));
+}
+
+View OverviewView::mediumContent() const {
+    const LiveData& live = entry.live;
+    const auto ring =
+        [](double value, Color color, const char* label, std::optional<std::string> caption = {}) {
+            return Ring{
+                .value = value,
+                .color = color,
+                .label = label,
+                .caption = std::move(caption),
+                .lineWidth = 6,
+                .fontSize = 14,
+                .centerText = {}};
+        };
+    return HStack(
+        {.spacing = 10},
+        ifPresent(
+            live.battery,
+            [&](std::int64_t percent) {
+                return ring(
+                           static_cast<double>(percent) / 100,
+                           Palette::accent,
+                           "Bateria",
+                           live.charging ? std::optional<std::string>("carregando") : std::nullopt)
+                    .body();
+            }),
+        ring(live.cpu, Palette::loadColor(live.cpu), "CPU"),
+        ring(live.memory, Palette::memory, "Memória"),
+        ring(
+            live.disk,
+            Palette::loadColor(live.disk),
+            "Disco",
+            formatting.byteCount(static_cast<std::int64_t>(live.diskFree)) + " livres"));
+}
+
+}  // namespace zelto

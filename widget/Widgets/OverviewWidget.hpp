@@ -1,0 +1,27 @@
+#pragma once
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// Battery, CPU, memory and disk at a glance, from live readings alone.
+struct OverviewWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct OverviewView {
+    WidgetFamily family;
+    const ZeltoEntry& entry;
+    const Formatting& formatting;
+
+    ui::View body() const;
+
+  private:
+    ui::Views smallContent() const;
+    ui::View mediumContent() const;
+};
+
+}  // namespace zelto
