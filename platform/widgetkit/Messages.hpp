@@ -21,11 +21,11 @@ enum class RequestKind : std::uint8_t { bundle, placeholder, snapshot, timeline 
 struct Request {
     std::int64_t id = 0;
     RequestKind request = RequestKind::bundle;
-    std::optional<std::string> kind;
-    std::optional<WidgetFamily> family;
-    std::optional<bool> preview;
-    std::optional<std::string> locale;
-    std::optional<std::string> timeZone;
+    std::optional<std::string> kind = {};
+    std::optional<WidgetFamily> family = {};
+    std::optional<bool> preview = {};
+    std::optional<std::string> locale = {};
+    std::optional<std::string> timeZone = {};
 
     bool operator==(const Request&) const = default;
 };

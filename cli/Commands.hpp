@@ -1,0 +1,58 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+// The commands of `zelto`, each with what a person can tell it. They print to standard output and raise Failure.
+namespace zelto::cli {
+
+/// Which extension is asked, and what it is told to look at.
+struct ExtensionOptions {
+    std::string program;  // the installed one when empty
+    std::string home, machine;
+};
+
+struct GalleryOptions {
+    ExtensionOptions extension;
+    bool json = false;
+};
+void gallery(const GalleryOptions& options);
+
+struct PreviewOptions {
+    std::string kind;
+    std::string family;
+    std::string snapshot;  // a file, "-" or empty for the user's own
+    bool sample = false, noSnapshot = false;
+    std::string live;  // a file, "-" or empty for real readings
+    bool placeholder = false;
+    std::string date, now;
+    std::string locale, timeZone;
+    std::string format;  // text, json, png, svg or empty
+    double scale = 2;
+    std::string output = {};
+};
+void preview(const PreviewOptions& options);
+
+struct TimelineOptions {
+    ExtensionOptions extension;
+    std::string kind;
+    std::string family;
+    bool preview = false, json = false;
+};
+void timeline(const TimelineOptions& options);
+
+struct RenderOptions {
+    ExtensionOptions extension;
+    std::vector<std::string> kinds;  // all when empty
+    bool preview = false;
+    double scale = 2;
+    std::string output = "zelto-pictures";
+};
+void render(const RenderOptions& options);
+
+void snapshotSample();
+/// A file, "-" or empty for the user's own.
+void snapshotCheck(const std::string& file);
+
+}  // namespace zelto::cli

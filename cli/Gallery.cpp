@@ -1,0 +1,22 @@
+#include <iostream>
+
+#include "cli/Commands.hpp"
+#include "cli/Extension.hpp"
+#include "cli/Failure.hpp"
+#include "cli/Input.hpp"
+#include "platform/foundation/JSONEncoder.hpp"
+
+namespace zelto::cli {
+
+void gallery(const GalleryOptions& options) {
+    const auto widgets = Extension(options.extension).widgets();
+    if (options.json) {
+        std::cout << encodeJSON(widgets).value_or("") << '\n';
+        return;
+    }
+    for (const WidgetDescription& widget : widgets)
+        std::cout << widget.kind << "  " << familyNames(widget.families) << "\n    " << widget.displayName << "\n    "
+                  << widget.description << '\n';
+}
+
+}  // namespace zelto::cli

@@ -1,0 +1,92 @@
+#include "cli/Input.hpp"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include "cli/Failure.hpp"
+#include "platform/foundation/FileDescriptor.hpp"
+#include "platform/foundation/ISO8601.hpp"
+
+namespace zelto::cli {
+namespace {
+
+constexpr std::array<std::pair<std::string_view, WidgetFamily>, 3> families{
+    {{"small", WidgetFamily::systemSmall},
+     {"medium", WidgetFamily::systemMedium},
+     {"large", WidgetFamily::systemLarge}}};
+
+std::string readAll(int fd, const std::string& name) {
+    std::string out;
+    std::array<char, 64 * 1024> buffer;
+    while (true) {
+        const ssize_t count = read(fd, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw Failure(name + ": " + std::strerror(errno));
+        if (count == 0) return out;
+        out.append(buffer.data(), static_cast<std::size_t>(count));
+    }
+}
+
+void writeAll(int fd, std::string_view bytes, const std::string& name) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(fd, bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) throw Failure(name + ": " + std::strerror(errno));
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+}  // namespace
+
+std::string readInput(const std::string& path) {
+    if (path == "-") return readAll(STDIN_FILENO, "standard input");
+    const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    if (!fd) throw Failure(path + ": " + std::strerror(errno));
+    return readAll(fd.get(), path);
+}
+
+void writeOutput(const std::string& path, const std::string& bytes) {
+    if (path == "-") {
+        writeAll(STDOUT_FILENO, bytes, "standard output");
+        return;
+    }
+    const FileDescriptor fd(open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+    if (!fd) throw Failure(path + ": " + std::strerror(errno));
+    writeAll(fd.get(), bytes, path);
+}
+
+Date parseDate(const std::string& text, const std::string& option) {
+    if (const auto date = parseISO8601(text)) return *date;
+    double seconds = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), seconds);
+    if (error == std::errc() && end == text.data() + text.size() && std::isfinite(seconds)) return {seconds};
+    throw Failure(
+        option + ": '" + text + "' is neither a date like 2026-03-11T14:05:00-03:00 nor seconds since 2001");
+}
+
+WidgetFamily parseFamily(const std::string& text) {
+    for (const auto& [name, family] : families)
+        if (name == text) return family;
+    throw Failure("--family: '" + text + "' is not small, medium or large");
+}
+
+std::string familyName(WidgetFamily family) {
+    for (const auto& [name, value] : families)
+        if (value == family) return std::string(name);
+    return {};
+}
+
+std::string familyNames(const std::vector<WidgetFamily>& offered) {
+    std::string out;
+    for (const WidgetFamily family : offered) out += (out.empty() ? "" : ", ") + familyName(family);
+    return out;
+}
+
+}  // namespace zelto::cli

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/foundation/Date.hpp"
+#include "platform/widgetkit/WidgetFamily.hpp"
+
+namespace zelto::cli {
+
+/// A file's bytes, or standard input's for "-". Raises Failure.
+std::string readInput(const std::string& path);
+
+/// Writes a whole file, or standard output for "-". Raises Failure.
+void writeOutput(const std::string& path, const std::string& bytes);
+
+/// ISO 8601 with an offset, or seconds since 2001. Raises Failure, which names the option.
+Date parseDate(const std::string& text, const std::string& option);
+
+/// "small", "medium" or "large". Raises Failure.
+WidgetFamily parseFamily(const std::string& text);
+
+/// "small", "medium" or "large".
+std::string familyName(WidgetFamily family);
+
+/// "small, medium"
+std::string familyNames(const std::vector<WidgetFamily>& families);
+
+}  // namespace zelto::cli

@@ -1,0 +1,114 @@
+#include <iostream>
+#include <memory>
+
+#include <unistd.h>
+
+#include "cli/Commands.hpp"
+#include "cli/Extension.hpp"
+#include "cli/Failure.hpp"
+#include "cli/Input.hpp"
+#include "platform/drawing/PNG.hpp"
+#include "platform/drawing/Renderer.hpp"
+#include "platform/foundation/JSONDecoder.hpp"
+#include "platform/foundation/JSONEncoder.hpp"
+#include "platform/layout/Layout.hpp"
+#include "platform/ui/Outline.hpp"
+#include "shared/WidgetSnapshotFields.hpp"
+#include "widget/Common/LiveDataFields.hpp"
+#include "widget/Common/LiveReader.hpp"
+#include "widget/Widgets/ZeltoWidgetBundle.hpp"
+
+namespace zelto::cli {
+namespace {
+
+template <class T>
+T decodeInput(const std::string& path) {
+    DecodingError error;
+    auto value = decodeJSON<T>(readInput(path), &error);
+    if (!value) throw Failure((path == "-" ? "standard input" : path) + ": " + error.text());
+    return *std::move(value);
+}
+
+std::optional<WidgetSnapshot> snapshotFor(const PreviewOptions& options, Date date) {
+    if (options.noSnapshot) return std::nullopt;
+    if (options.sample) return WidgetSnapshot::sample(date);
+    if (options.snapshot.empty()) return WidgetSnapshot::load();
+    return decodeInput<WidgetSnapshot>(options.snapshot);
+}
+
+LiveData liveDataFor(const PreviewOptions& options) {
+    if (options.placeholder) return placeholderLiveData();
+    if (options.live.empty()) return LiveReader::read(SystemReadings::ofLinux());
+    return decodeInput<LiveData>(options.live);
+}
+
+Environment environmentFor(const PreviewOptions& options) {
+    Environment environment = Environment::current();
+    if (!options.locale.empty()) environment.locale = options.locale;
+    if (!options.timeZone.empty()) environment.timeZone = options.timeZone;
+    if (!isKnownLocale(environment.locale)) throw Failure("--locale: '" + environment.locale + "' is not known");
+    if (!isKnownTimeZone(environment.timeZone))
+        throw Failure("--time-zone: '" + environment.timeZone + "' is not known");
+    return environment;
+}
+
+/// As asked, else by the output file's ending, else text.
+std::string formatFor(const PreviewOptions& options) {
+    if (!options.format.empty()) return options.format;
+    if (options.output.empty() || options.output == "-") return "text";
+    for (const std::string format : {"svg", "json"})
+        if (options.output.ends_with("." + format)) return format;
+    return options.output.ends_with(".txt") ? "text" : "png";
+}
+
+std::string drawn(const ArchivedEntry& entry, WidgetFamily family, Date now, const std::string& format, double scale) {
+    const WidgetSize size = sizeOf(family);
+    drawing::Renderer renderer;
+    const auto placement = layout::layOut(
+        entry.view, {.size = {size.width, size.height}, .now = now}, renderer.measuring());
+    auto bytes = format == "svg" ? renderer.svg(placement)
+                                 : drawing::encodePNG(renderer.draw(placement, scale));
+    if (!bytes) throw Failure("the picture could not be made");
+    return *std::move(bytes);
+}
+
+}  // namespace
+
+void preview(const PreviewOptions& options) {
+    const WidgetFamily family = parseFamily(options.family);
+    const Environment environment = environmentFor(options);
+    const std::string format = formatFor(options);
+    if (format == "png" && (options.output.empty() || options.output == "-") && isatty(STDOUT_FILENO) != 0)
+        throw Failure("a PNG is nothing for a terminal: name a file with --output");
+
+    const Date date = options.date.empty() ? Date::now() : parseDate(options.date, "--date");
+    const Date now = options.now.empty() ? date : parseDate(options.now, "--now");
+
+    // The widget is asked through its own configuration, with sources that give what the options say.
+    std::optional<ArchivedEntry> entry;
+    const ProviderSources sources{
+        .now = [&] { return date; },
+        .live = [&] { return liveDataFor(options); },
+        .snapshot = [&] { return snapshotFor(options, date); }};
+    const auto widgets = ZeltoWidgetBundle{sources}.body();
+    std::vector<WidgetDescription> descriptions;
+    for (const auto& widget : widgets) descriptions.push_back(widget.info());
+    const WidgetDescription& found = findWidget(descriptions, options.kind);
+    requireFamily(found, family);
+    const auto& widget = widgets[static_cast<std::size_t>(&found - descriptions.data())];
+
+    const Formatting formatting(environment);
+    entry = widget.snapshot({family, false}, {family, formatting, [&] { return now; }});
+    if (const auto fault = faultOf(entry->view)) throw Failure("the view cannot be drawn: " + *fault);
+
+    std::string out;
+    if (format == "text")
+        out = ui::outline(entry->view);
+    else if (format == "json")
+        out = encodeJSON(*entry).value_or("") + "\n";
+    else
+        out = drawn(*entry, family, now, format, options.scale);
+    writeOutput(options.output.empty() ? "-" : options.output, out);
+}
+
+}  // namespace zelto::cli

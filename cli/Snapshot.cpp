@@ -1,0 +1,38 @@
+#include <algorithm>
+#include <iostream>
+
+#include "cli/Commands.hpp"
+#include "cli/Failure.hpp"
+#include "cli/Input.hpp"
+#include "platform/foundation/ISO8601.hpp"
+#include "platform/foundation/JSONDecoder.hpp"
+#include "platform/foundation/JSONEncoder.hpp"
+#include "shared/WidgetSnapshotFields.hpp"
+
+namespace zelto::cli {
+namespace {
+
+std::string counted(std::size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
+}  // namespace
+
+void snapshotSample() { std::cout << encodeJSON(WidgetSnapshot::sample()).value_or("") << '\n'; }
+
+void snapshotCheck(const std::string& file) {
+    const std::string path = file.empty() ? WidgetSnapshot::url().string() : file;
+    const std::string bytes = readInput(path);
+    DecodingError error;
+    const auto snapshot = decodeJSON<WidgetSnapshot>(bytes, &error);
+    if (!snapshot) throw Failure((path == "-" ? "standard input" : path) + ": " + error.text());
+    std::cout << "ok: taken " << iso8601(snapshot->date) << ", "
+              << (snapshot->battery ? "battery " + std::to_string(snapshot->battery->percent) + "%" : "no battery")
+              << ", " << counted(snapshot->fans.size(), "fan", "fans") << ", "
+              << counted(snapshot->clips.size(), "clip", "clips") << ", "
+              << counted(snapshot->events.size(), "event", "events") << ", "
+              << counted(snapshot->clockZones.size(), "clock zone", "clock zones") << ", "
+              << counted(snapshot->careItems.size(), "finding", "findings") << '\n';
+}
+
+}  // namespace zelto::cli

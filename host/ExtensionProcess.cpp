@@ -1,0 +1,203 @@
+#include "host/ExtensionProcess.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/foundation/JSONEncoder.hpp"
+
+namespace zelto::host {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// How long a process that was asked to end, by closing its input, may take.
+constexpr std::chrono::milliseconds patience{2000};
+
+struct Pipe {
+    FileDescriptor read, write;
+    static std::optional<Pipe> make() {
+        std::array<int, 2> ends{};
+        if (pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
+        return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+    }
+};
+
+void makeNonBlocking(int fd) { fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK); }
+
+int remaining(Clock::time_point deadline) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    return static_cast<int>(std::max<decltype(left)>(left, 0));
+}
+
+std::string describe(int status) {
+    if (WIFSIGNALED(status))
+        return "the widget extension died (signal " + std::to_string(WTERMSIG(status)) + ", " +
+               strsignal(WTERMSIG(status)) + ")";
+    return "the widget extension ended by itself (status " + std::to_string(WEXITSTATUS(status)) + ")";
+}
+
+}  // namespace
+
+std::optional<ExtensionProcess> ExtensionProcess::start(
+    const std::filesystem::path& program,
+    const std::vector<std::string>& arguments,
+    std::string& why) {
+    auto toChild = Pipe::make(), fromChild = Pipe::make();
+    if (!toChild || !fromChild) {
+        why = std::string("no pipe for the widget extension: ") + std::strerror(errno);
+        return std::nullopt;
+    }
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, toChild->read.get(), STDIN_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, fromChild->write.get(), STDOUT_FILENO);
+
+    std::vector<std::string> words{program.string()};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<char*> argv;
+    for (auto& word : words) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    pid_t pid = -1;
+    const int error = posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ);
+    posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) {
+        why = "cannot start the widget extension " + program.string() + ": " + std::strerror(error);
+        return std::nullopt;
+    }
+    makeNonBlocking(toChild->write.get());
+    makeNonBlocking(fromChild->read.get());
+    return ExtensionProcess(pid, std::move(toChild->write), std::move(fromChild->read));
+}
+
+ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
+    : pid_(std::exchange(other.pid_, -1)),
+      input_(std::move(other.input_)),
+      output_(std::move(other.output_)),
+      received_(std::move(other.received_)),
+      lastID_(other.lastID_) {}
+
+ExtensionProcess::~ExtensionProcess() {
+    if (pid_ < 0) return;
+    input_.reset();
+    // Its output ends when it does; what still comes is of no interest.
+    const auto deadline = Clock::now() + patience;
+    std::array<char, 4096> rest;
+    pollfd waiting{output_.get(), POLLIN, 0};
+    while (remaining(deadline) > 0 && poll(&waiting, 1, remaining(deadline)) > 0) {
+        const ssize_t count = read(output_.get(), rest.data(), rest.size());
+        if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) break;
+    }
+    if (waitpid(pid_, nullptr, WNOHANG) == 0) {
+        if (remaining(deadline) == 0) kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+    }
+}
+
+std::string ExtensionProcess::farewell() {
+    input_.reset();
+    int status = 0;
+    if (waitpid(pid_, &status, WNOHANG) == 0) {
+        // It closed its output without ending: it is of no use any more.
+        kill(pid_, SIGKILL);
+        waitpid(pid_, &status, 0);
+    }
+    pid_ = -1;
+    return describe(status);
+}
+
+bool ExtensionProcess::sendSome(std::string& pending) {
+    const ssize_t count = write(input_.get(), pending.data(), pending.size());
+    if (count < 0) return errno == EAGAIN || errno == EINTR;
+    pending.erase(0, static_cast<std::size_t>(count));
+    return true;
+}
+
+bool ExtensionProcess::receiveSome() {
+    std::array<char, 64 * 1024> buffer;
+    const ssize_t count = read(output_.get(), buffer.data(), buffer.size());
+    if (count < 0) return errno == EAGAIN || errno == EINTR;
+    received_.append(buffer.data(), static_cast<std::size_t>(count));
+    return count > 0;
+}
+
+/// Moves whole lines into the outcomes that wait for them; tells what is wrong with one that makes no sense.
+std::string ExtensionProcess::takeReplies(std::map<std::int64_t, Outcome>& outcomes) {
+    std::size_t begin = 0;
+    for (auto end = received_.find('\n'); end != std::string::npos; end = received_.find('\n', begin)) {
+        std::string why;
+        auto reply = decodeReply(std::string_view(received_).substr(begin, end - begin), &why);
+        begin = end + 1;
+        if (!reply) return "the widget extension answered nonsense: " + why;
+        const auto waiting = reply->id ? outcomes.find(*reply->id) : outcomes.end();
+        if (waiting == outcomes.end() || waiting->second.reply || !waiting->second.error.empty())
+            return "the widget extension answered what nobody asked";
+        if (reply->error)
+            waiting->second.error = *reply->error;
+        else
+            waiting->second.reply = std::move(reply);
+    }
+    received_.erase(0, begin);
+    return received_.size() > longestLine ? "the widget extension answered without an end" : "";
+}
+
+std::vector<Outcome> ExtensionProcess::exchange(std::vector<Request> requests, std::chrono::milliseconds patience_) {
+    std::map<std::int64_t, Outcome> outcomes;
+    std::vector<std::int64_t> order;
+    std::string pending, failure;
+    for (Request& request : requests) {
+        request.id = ++lastID_;
+        order.push_back(request.id);
+        outcomes[request.id];
+        if (const auto line = encodeJSON(request))
+            pending += *line + '\n';
+        else
+            outcomes[request.id].error = "a request that is not UTF-8";
+    }
+    const auto isOpen = [](const auto& entry) { return !entry.second.reply && entry.second.error.empty(); };
+    const auto deadline = Clock::now() + patience_;
+    if (pid_ < 0) failure = "the widget extension has ended";
+    while (failure.empty() && std::ranges::any_of(outcomes, isOpen)) {
+        std::array<pollfd, 2> ends{
+            pollfd{output_.get(), POLLIN, 0}, pollfd{pending.empty() ? -1 : input_.get(), POLLOUT, 0}};
+        const int ready = poll(ends.data(), ends.size(), remaining(deadline));
+        if (ready == 0) {
+            failure = "the widget extension did not answer in time";
+        } else if (ready > 0) {
+            // A broken input shows on the output too, as its end.
+            if (ends[1].revents != 0 && !sendSome(pending)) pending.clear();
+            if (ends[0].revents != 0 && !receiveSome()) failure = farewell();
+            if (const std::string nonsense = takeReplies(outcomes); !nonsense.empty()) failure = nonsense;
+        } else if (errno != EINTR) {
+            failure = std::string("cannot wait for the widget extension: ") + std::strerror(errno);
+        }
+    }
+    std::vector<Outcome> out;
+    for (const std::int64_t id : order) {
+        auto& outcome = outcomes[id];
+        if (!outcome.reply && outcome.error.empty()) outcome.error = failure;
+        out.push_back(std::move(outcome));
+    }
+    if (!failure.empty() && pid_ > 0) {
+        kill(pid_, SIGKILL);
+        waitpid(pid_, nullptr, 0);
+        pid_ = -1;
+    }
+    return out;
+}
+
+std::filesystem::path installedExtension() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / "zelto-widgets";
+}
+
+}  // namespace zelto::host

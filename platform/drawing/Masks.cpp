@@ -1,0 +1,99 @@
+#include "platform/drawing/Masks.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <numbers>
+
+namespace zelto::drawing {
+namespace {
+
+/// How many masks are kept before all are dropped.
+constexpr std::size_t mostMasks = 512;
+
+/// The coverage of single pixels, relative to the arc's centre.
+class ArcCoverage {
+  public:
+    explicit ArcCoverage(const ArcStroke& arc)
+        : radius_(static_cast<float>(arc.radius)),
+          reach_(static_cast<float>(arc.lineWidth / 2) + 0.5F),
+          whole_(arc.sweep >= 2 * std::numbers::pi),
+          middleX_(static_cast<float>(std::cos(arc.start + arc.sweep / 2))),
+          middleY_(static_cast<float>(std::sin(arc.start + arc.sweep / 2))),
+          spread_(static_cast<float>(std::cos(arc.sweep / 2))),
+          startX_(static_cast<float>(std::cos(arc.start) * arc.radius)),
+          startY_(static_cast<float>(std::sin(arc.start) * arc.radius)),
+          endX_(static_cast<float>(std::cos(arc.start + arc.sweep) * arc.radius)),
+          endY_(static_cast<float>(std::sin(arc.start + arc.sweep) * arc.radius)) {}
+
+    std::uint8_t operator()(float x, float y) const {
+        const float r = std::sqrt(x * x + y * y);
+        float distance = std::fabs(r - radius_);
+        // Beyond the arc's ends the nearest points are the ends themselves, which makes their caps round.
+        if (!whole_ && x * middleX_ + y * middleY_ < r * spread_)
+            distance = std::sqrt(
+                std::min(square(x - startX_) + square(y - startY_), square(x - endX_) + square(y - endY_)));
+        return static_cast<std::uint8_t>(std::clamp(reach_ - distance, 0.0F, 1.0F) * 255.0F + 0.5F);
+    }
+
+  private:
+    static float square(float v) { return v * v; }
+
+    float radius_, reach_;
+    bool whole_;
+    float middleX_, middleY_, spread_;
+    float startX_, startY_, endX_, endY_;
+};
+
+/// Half the width of a circle's chord at a distance from its centre; 0 outside.
+double halfChord(double radius, double distance) {
+    return radius > std::fabs(distance) ? std::sqrt(radius * radius - distance * distance) : 0;
+}
+
+}  // namespace
+
+Mask arcMask(const ArcStroke& arc) {
+    // One pixel more than the stroke reaches, for its soft edge.
+    const double outer = arc.radius + arc.lineWidth / 2 + 1, inner = arc.radius - arc.lineWidth / 2 - 1;
+    Mask mask;
+    mask.x = static_cast<int>(std::floor(arc.centerX - outer));
+    mask.y = static_cast<int>(std::floor(arc.centerY - outer));
+    const int width = static_cast<int>(std::ceil(arc.centerX + outer)) - mask.x;
+    const int height = static_cast<int>(std::ceil(arc.centerY + outer)) - mask.y;
+    mask.surface.reset(cairo_image_surface_create(CAIRO_FORMAT_A8, width, height));
+    unsigned char* pixels = cairo_image_surface_get_data(mask.surface.get());
+    if (!pixels) return mask;
+    const int stride = cairo_image_surface_get_stride(mask.surface.get());
+
+    const ArcCoverage coverage(arc);
+    const double left = arc.centerX - mask.x, top = arc.centerY - mask.y;
+    for (int row = 0; row < height; ++row) {
+        const double y = row + 0.5 - top;
+        const double reach = halfChord(outer, y), hole = halfChord(inner, y);
+        unsigned char* line = pixels + static_cast<std::ptrdiff_t>(row) * stride;
+        const auto run = [&](double from, double to) {
+            const int begin = std::max(static_cast<int>(std::floor(left + from)), 0);
+            const int end = std::min(static_cast<int>(std::ceil(left + to)), width);
+            for (int column = begin; column < end; ++column)
+                line[column] =
+                    coverage(static_cast<float>(column + 0.5 - left), static_cast<float>(y));
+        };
+        if (reach <= 0) continue;
+        if (hole > 1) {
+            run(-reach, -hole);
+            run(hole, reach);
+        } else {
+            run(-reach, reach);
+        }
+    }
+    cairo_surface_mark_dirty(mask.surface.get());
+    return mask;
+}
+
+const Mask& MaskCache::get(const std::string& key, const std::function<Mask()>& make) {
+    if (const auto found = masks_.find(key); found != masks_.end()) return found->second;
+    if (masks_.size() >= mostMasks) masks_.clear();
+    return masks_.emplace(key, make()).first->second;
+}
+
+}  // namespace zelto::drawing

@@ -1,0 +1,304 @@
+#include "platform/drawing/Painter.hpp"
+
+#include <cmath>
+#include <numbers>
+
+#include "platform/drawing/Paths.hpp"
+#include "platform/drawing/Symbols.hpp"
+#include "platform/drawing/TypesetText.hpp"
+
+namespace zelto::drawing {
+namespace {
+
+/// Around a text's own box, for strokes and overhanging glyphs, in pixels.
+constexpr int maskPadding = 3;
+/// Coordinates beyond this are a stranger's joke, and more than Cairo's fixed-point numbers hold.
+constexpr double farthest = 1e5;
+
+void setSource(cairo_t* context, const ui::Color& color) {
+    cairo_set_source_rgba(context, color.red, color.green, color.blue, color.opacity);
+}
+
+bool isPaintable(const layout::Rect& r) {
+    return std::fabs(r.x) < farthest && std::fabs(r.y) < farthest && r.width > 0 && r.height > 0 &&
+           r.width < farthest && r.height < farthest;
+}
+
+/// How user space lies on the device, when it is only shifted, turned and scaled evenly.
+struct Similarity {
+    double scale, angle;
+    bool upright;  // not turned
+
+    static Similarity of(cairo_t* context) {
+        cairo_matrix_t m;
+        cairo_get_matrix(context, &m);
+        double deviceX = 1, deviceY = 1;
+        cairo_surface_get_device_scale(cairo_get_target(context), &deviceX, &deviceY);
+        return {std::hypot(m.xx, m.yx) * deviceX, std::atan2(m.yx, m.xx), m.yx == 0 && m.xx > 0};
+    }
+};
+
+void drawSymbol(cairo_t* context, const Symbol& symbol) {
+    for (const SymbolPath& path : symbol.paths) {
+        for (std::size_t i = 0; i < path.data.size();) {
+            const double* at = path.data.data() + i + 1;
+            switch (static_cast<int>(path.data[i])) {
+                case 0:
+                    cairo_move_to(context, at[0], at[1]);
+                    i += 3;
+                    break;
+                case 1:
+                    cairo_line_to(context, at[0], at[1]);
+                    i += 3;
+                    break;
+                case 2:
+                    cairo_curve_to(context, at[0], at[1], at[2], at[3], at[4], at[5]);
+                    i += 7;
+                    break;
+                default:
+                    cairo_close_path(context);
+                    i += 1;
+                    break;
+            }
+        }
+        cairo_set_fill_rule(context, path.evenOdd ? CAIRO_FILL_RULE_EVEN_ODD : CAIRO_FILL_RULE_WINDING);
+        if (path.filled) cairo_fill_preserve(context);
+        if (path.strokeWidth > 0) {
+            cairo_set_line_width(context, path.strokeWidth);
+            cairo_set_line_cap(context, path.roundCap ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
+            cairo_set_line_join(context, path.roundJoin ? CAIRO_LINE_JOIN_ROUND : CAIRO_LINE_JOIN_MITER);
+            cairo_stroke_preserve(context);
+        }
+        cairo_new_path(context);
+    }
+}
+
+/// A text's outlines, thickened by the stroke that rounds them.
+void drawRounded(cairo_t* context, const TypesetText& text) {
+    pango_cairo_layout_path(context, text.layout.get());
+    cairo_set_line_width(context, text.roundingStroke);
+    cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);
+    cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
+    cairo_fill_preserve(context);
+    cairo_stroke(context);
+}
+
+/// A mask of a drawing that begins at the origin and is `size` points large at `scale`; `shift` pixels are added to its
+/// place so that what should fall on a pixel's edge does.
+template <class Draw>
+Mask drawnMask(layout::Size size, double scale, double shiftY, Draw draw) {
+    Mask mask;
+    mask.x = mask.y = -maskPadding;
+    mask.surface.reset(cairo_image_surface_create(
+        CAIRO_FORMAT_A8,
+        static_cast<int>(std::ceil(size.width * scale)) + 2 * maskPadding,
+        static_cast<int>(std::ceil(size.height * scale)) + 2 * maskPadding + 1));
+    const Context context(cairo_create(mask.surface.get()));
+    cairo_translate(context.get(), maskPadding, maskPadding + shiftY);
+    cairo_scale(context.get(), scale, scale);
+    draw(context.get());
+    return mask;
+}
+
+class ItemPainter {
+  public:
+    ItemPainter(cairo_t* context, const PaintingTools& tools) : context_(context), tools_(tools) {}
+
+    void operator()(const layout::PlacedText& text) const {
+        if (!isPaintable(text.frame)) return;
+        const auto width = text.width ? std::optional(*text.width / text.scale) : std::nullopt;
+        const TypesetText& typeset = tools_.typesetter.typeset(text.text, text.font, width, text.lines);
+        const SavedState saved(context_);
+        setSource(context_, text.color);
+        cairo_translate(context_, text.frame.x, text.frame.y);
+        cairo_scale(context_, text.scale, text.scale);
+        if (typeset.roundingStroke > 0)
+            paintRounded(text, typeset, width);
+        else
+            paintPlain(typeset);
+    }
+    void operator()(const layout::PlacedCountdown& countdown) const { (*this)(countdown.text); }
+
+    void operator()(const layout::PlacedSymbol& placed) const {
+        const Symbol* symbol = symbolNamed(placed.name);
+        if (!symbol || !isPaintable(placed.frame)) return;
+        const SavedState saved(context_);
+        setSource(context_, placed.color);
+        cairo_translate(context_, placed.frame.x, placed.frame.y);
+        const double unit = symbolSide(placed.fontSize) / 24;
+        const auto draw = [&](cairo_t* target) {
+            cairo_scale(target, unit, unit);
+            cairo_translate(target, -symbol->left, 0);
+            drawSymbol(target, *symbol);
+        };
+        const Similarity space = Similarity::of(context_);
+        if (tools_.toPixels && space.upright) {
+            const std::string key =
+                placed.name + '\n' + std::to_string(placed.fontSize) + '\n' + std::to_string(space.scale);
+            const Mask& mask = tools_.masks.get(key, [&] {
+                return drawnMask({placed.frame.width, placed.frame.height}, space.scale, 0, draw);
+            });
+            paintMask(mask, 0, 0);
+            return;
+        }
+        // Its outlines overlap; together they are one shape of one opacity.
+        cairo_push_group(context_);
+        cairo_set_source_rgb(context_, placed.color.red, placed.color.green, placed.color.blue);
+        draw(context_);
+        cairo_pop_group_to_source(context_);
+        cairo_paint_with_alpha(context_, placed.color.opacity);
+    }
+
+    void operator()(const layout::PlacedShape& shape) const {
+        if (!isPaintable(shape.frame)) return;
+        if (const auto* stroke = std::get_if<ui::Stroke>(&shape.paint)) {
+            paintStroke(shape, *stroke);
+            return;
+        }
+        setSource(context_, std::get<ui::Color>(std::get<ui::Fill>(shape.paint).style));
+        addPath(context_, shape.frame, shape.geometry);
+        cairo_set_fill_rule(context_, CAIRO_FILL_RULE_WINDING);
+        cairo_fill(context_);
+    }
+
+    void operator()(const layout::PlacedImage& placed) const {
+        if (!isPaintable(placed.frame)) return;
+        const auto width = static_cast<int>(placed.image.width), height = static_cast<int>(placed.image.height);
+        const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
+        unsigned char* data = cairo_image_surface_get_data(surface.get());
+        const int stride = cairo_image_surface_get_stride(surface.get());
+        const std::uint8_t* from = placed.image.pixels.bytes.data();
+        for (int y = 0; data && y < height; ++y)
+            for (int x = 0; x < width; ++x, from += 4) {
+                const std::uint32_t opacity = from[3];
+                const auto by = [&](std::uint32_t c) { return (c * opacity + 127) / 255; };
+                reinterpret_cast<std::uint32_t*>(data + static_cast<std::ptrdiff_t>(y) * stride)[x] =
+                    opacity << 24 | by(from[0]) << 16 | by(from[1]) << 8 | by(from[2]);
+            }
+        cairo_surface_mark_dirty(surface.get());
+        const SavedState saved(context_);
+        cairo_translate(context_, placed.frame.x, placed.frame.y);
+        cairo_scale(context_, placed.frame.width / width, placed.frame.height / height);
+        cairo_set_source_surface(context_, surface.get(), 0, 0);
+        cairo_pattern_set_extend(cairo_get_source(context_), CAIRO_EXTEND_PAD);
+        cairo_rectangle(context_, 0, 0, width, height);
+        cairo_fill(context_);
+    }
+
+    void operator()(const layout::BeginClip& clip) const {
+        cairo_save(context_);
+        addPath(context_, clip.frame, clip.geometry);
+        cairo_clip(context_);
+    }
+    void operator()(const layout::BeginRotation& rotation) const {
+        cairo_save(context_);
+        cairo_translate(context_, rotation.center.x, rotation.center.y);
+        cairo_rotate(context_, rotation.degrees * std::numbers::pi / 180);
+        cairo_translate(context_, -rotation.center.x, -rotation.center.y);
+    }
+    void operator()(const layout::End&) const { cairo_restore(context_); }
+
+  private:
+    /// Paints a mask whose origin is at user coordinates (x, y), on whole pixels.
+    void paintMask(const Mask& mask, double x, double y) const {
+        double deviceX = 1, deviceY = 1;
+        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+        cairo_user_to_device(context_, &x, &y);
+        const SavedState saved(context_);
+        cairo_identity_matrix(context_);
+        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
+        cairo_mask_surface(
+            context_,
+            mask.surface.get(),
+            std::round(x * deviceX) + mask.x,
+            std::round(y * deviceY) + mask.y);
+    }
+
+    void paintPlain(const TypesetText& typeset) const {
+        double x = 0, y = typeset.extent.baseline;
+        if (tools_.toPixels && Similarity::of(context_).upright) {
+            // The baseline falls on a pixel's edge, or feet of letters would be grey.
+            double deviceX = 1, deviceY = 1;
+            cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+            cairo_user_to_device(context_, &x, &y);
+            y = std::round(y * deviceY) / deviceY;
+            cairo_device_to_user(context_, &x, &y);
+        }
+        cairo_move_to(context_, 0, y - typeset.extent.baseline);
+        pango_cairo_show_layout(context_, typeset.layout.get());
+    }
+
+    void paintRounded(
+        const layout::PlacedText& text,
+        const TypesetText& typeset,
+        const std::optional<double>& width) const {
+        const Similarity space = Similarity::of(context_);
+        if (!tools_.toPixels || !space.upright) {
+            cairo_move_to(context_, 0, 0);
+            drawRounded(context_, typeset);
+            return;
+        }
+        const std::string key = "\x01" + text.text + '\n' + std::to_string(text.font.size) + '\n' +
+                                std::to_string(width.value_or(-1)) + '\n' + std::to_string(space.scale);
+        const double baseline = typeset.extent.baseline * space.scale;
+        const double shift = std::ceil(baseline) - baseline;
+        const Mask& mask = tools_.masks.get(key, [&] {
+            return drawnMask(typeset.extent.size, space.scale, shift, [&](cairo_t* target) {
+                cairo_move_to(target, 0, 0);
+                drawRounded(target, typeset);
+            });
+        });
+        paintMask(mask, 0, -shift / space.scale);
+    }
+
+    void paintStroke(const layout::PlacedShape& shape, const ui::Stroke& stroke) const {
+        setSource(context_, std::get<ui::Color>(stroke.style));
+        const double trim = shape.trim.value_or(1);
+        const bool isArc = std::holds_alternative<ui::Circle>(shape.geometry) &&
+                           (trim >= 1 || stroke.cap == ui::LineCap::round);
+        if (tools_.toPixels && isArc) {
+            paintArc(shape.frame, trim, stroke.lineWidth);
+            return;
+        }
+        addPath(context_, shape.frame, shape.geometry, trim);
+        cairo_set_line_width(context_, stroke.lineWidth);
+        cairo_set_line_cap(
+            context_, stroke.cap == ui::LineCap::round ? CAIRO_LINE_CAP_ROUND : CAIRO_LINE_CAP_BUTT);
+        cairo_set_line_join(
+            context_, stroke.join == ui::LineJoin::round ? CAIRO_LINE_JOIN_ROUND : CAIRO_LINE_JOIN_MITER);
+        cairo_set_miter_limit(context_, stroke.miterLimit);
+        cairo_stroke(context_);
+    }
+
+    void paintArc(const layout::Rect& frame, double trim, double lineWidth) const {
+        const Similarity space = Similarity::of(context_);
+        double deviceX = 1, deviceY = 1;
+        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+        double x = frame.center().x, y = frame.center().y;
+        cairo_user_to_device(context_, &x, &y);
+        const Mask mask = arcMask(
+            {.centerX = x * deviceX,
+             .centerY = y * deviceY,
+             .radius = std::min(frame.width, frame.height) / 2 * space.scale,
+             .lineWidth = lineWidth * space.scale,
+             .start = space.angle,
+             .sweep = 2 * std::numbers::pi * trim});
+        const SavedState saved(context_);
+        cairo_identity_matrix(context_);
+        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
+        cairo_mask_surface(context_, mask.surface.get(), mask.x, mask.y);
+    }
+
+    cairo_t* context_;
+    const PaintingTools& tools_;
+};
+
+}  // namespace
+
+void paint(cairo_t* context, const layout::Placement& placement, const PaintingTools& tools) {
+    const ItemPainter painter(context, tools);
+    for (const layout::PlacedItem& item : placement.items) std::visit(painter, item);
+}
+
+}  // namespace zelto::drawing

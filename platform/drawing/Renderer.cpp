@@ -1,0 +1,164 @@
+#include "platform/drawing/Renderer.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include <cairo-svg.h>
+
+#include "platform/drawing/Painter.hpp"
+#include "platform/drawing/Paths.hpp"
+
+namespace zelto::drawing {
+namespace {
+
+/// Cairo paints into the picture's own pixels.
+Surface surfaceOver(Picture& picture) {
+    return Surface(cairo_image_surface_create_for_data(
+        reinterpret_cast<unsigned char*>(picture.pixels.data()),
+        CAIRO_FORMAT_ARGB32,
+        picture.width,
+        picture.height,
+        picture.width * static_cast<int>(sizeof(std::uint32_t))));
+}
+
+Picture blankPicture(layout::Size size, double scale) {
+    Picture picture;
+    picture.width = std::max(1, static_cast<int>(std::lround(size.width * scale)));
+    picture.height = std::max(1, static_cast<int>(std::lround(size.height * scale)));
+    picture.pixels.resize(
+        static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height));
+    return picture;
+}
+
+std::uint32_t opaquePixel(const ui::LinearGradient& gradient, double t) {
+    const auto channel = [t](double top, double bottom) {
+        return static_cast<std::uint32_t>(std::clamp(top + (bottom - top) * t, 0.0, 1.0) * 255 + 0.5);
+    };
+    return 0xFF000000U | channel(gradient.top.red, gradient.bottom.red) << 16 |
+           channel(gradient.top.green, gradient.bottom.green) << 8 |
+           channel(gradient.top.blue, gradient.bottom.blue);
+}
+
+/// Rows of one colour each: what a gradient from top to bottom comes to, at the price of filling the pixels.
+void fillBackground(Picture& picture, const ui::LinearGradient& gradient) {
+    auto row = picture.pixels.begin();
+    for (int y = 0; y < picture.height; ++y, row += picture.width)
+        std::fill_n(row, picture.width, opaquePixel(gradient, (y + 0.5) / picture.height));
+}
+
+Pattern gradientPattern(const ui::LinearGradient& gradient, double height) {
+    Pattern pattern(cairo_pattern_create_linear(0, 0, 0, height));
+    const auto& [top, bottom] = gradient;
+    cairo_pattern_add_color_stop_rgba(pattern.get(), 0, top.red, top.green, top.blue, top.opacity);
+    cairo_pattern_add_color_stop_rgba(pattern.get(), 1, bottom.red, bottom.green, bottom.blue, bottom.opacity);
+    return pattern;
+}
+
+void clearCorners(cairo_t* context, layout::Size size, double radius) {
+    cairo_rectangle(context, 0, 0, size.width, size.height);
+    addContinuousRectangle(context, {0, 0, size.width, size.height}, radius);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_set_operator(context, CAIRO_OPERATOR_CLEAR);
+    cairo_fill(context);
+}
+
+/// A soft shadow: the widget's outline, widened step by step.
+void paintShadow(cairo_t* context, layout::Size size) {
+    constexpr int steps = 12;
+    for (int i = 0; i < steps; ++i) {
+        const double grow = i;
+        addContinuousRectangle(
+            context,
+            {-grow, 4 - grow, size.width + 2 * grow, size.height + 2 * grow},
+            containerCornerRadius + grow);
+        cairo_set_source_rgba(context, 0, 0, 0, 0.035);
+        cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
+        cairo_fill(context);
+    }
+}
+
+}  // namespace
+
+struct Renderer::State {
+    Typesetter typesetter;
+    MaskCache masks;
+
+    PaintingTools tools(bool toPixels) { return {typesetter, masks, toPixels}; }
+};
+
+Renderer::Renderer() : state_(std::make_unique<State>()) {}
+Renderer::~Renderer() = default;
+
+layout::TextMeasuring& Renderer::measuring() { return state_->typesetter; }
+
+Picture Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius) {
+    Picture picture = blankPicture(placement.size, scale);
+    if (placement.background) fillBackground(picture, *placement.background);
+    const Surface surface = surfaceOver(picture);
+    const Context context(cairo_create(surface.get()));
+    cairo_scale(context.get(), scale, scale);
+    {
+        const SavedState saved(context.get());
+        paint(context.get(), placement, state_->tools(true));
+    }
+    if (cornerRadius > 0) clearCorners(context.get(), placement.size, cornerRadius);
+    cairo_surface_flush(surface.get());
+    return picture;
+}
+
+Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size, double scale) {
+    Picture picture = blankPicture(size, scale);
+    const Surface surface = surfaceOver(picture);
+    const Context owner(cairo_create(surface.get()));
+    cairo_t* context = owner.get();
+    cairo_scale(context, scale, scale);
+
+    const Pattern backdrop(cairo_pattern_create_linear(0, 0, size.width, size.height));
+    cairo_pattern_add_color_stop_rgb(backdrop.get(), 0, 0.36, 0.30, 0.55);
+    cairo_pattern_add_color_stop_rgb(backdrop.get(), 0.55, 0.19, 0.42, 0.60);
+    cairo_pattern_add_color_stop_rgb(backdrop.get(), 1, 0.13, 0.27, 0.35);
+    cairo_set_source(context, backdrop.get());
+    cairo_paint(context);
+
+    for (const auto& [origin, placement] : items) {
+        const SavedState saved(context);
+        cairo_translate(context, origin.x, origin.y);
+        paintShadow(context, placement->size);
+        addContinuousRectangle(
+            context, {0, 0, placement->size.width, placement->size.height}, containerCornerRadius);
+        if (placement->background) {
+            const Pattern gradient = gradientPattern(*placement->background, placement->size.height);
+            cairo_set_source(context, gradient.get());
+            cairo_fill_preserve(context);
+        }
+        cairo_clip(context);
+        paint(context, *placement, state_->tools(true));
+    }
+    cairo_surface_flush(surface.get());
+    return picture;
+}
+
+std::optional<std::string> Renderer::svg(const layout::Placement& placement) {
+    std::string out;
+    const auto append = [](void* closure, const unsigned char* data, unsigned int length) {
+        static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+        return CAIRO_STATUS_SUCCESS;
+    };
+    {
+        const Surface surface(
+            cairo_svg_surface_create_for_stream(append, &out, placement.size.width, placement.size.height));
+        cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
+        const Context context(cairo_create(surface.get()));
+        if (placement.background) {
+            const Pattern gradient = gradientPattern(*placement.background, placement.size.height);
+            cairo_set_source(context.get(), gradient.get());
+            cairo_paint(context.get());
+        }
+        paint(context.get(), placement, state_->tools(false));
+        cairo_surface_finish(surface.get());
+        if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return std::nullopt;
+    }
+    return out;
+}
+
+}  // namespace zelto::drawing

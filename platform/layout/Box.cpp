@@ -1,0 +1,199 @@
+#include "platform/layout/Box.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include "platform/layout/TimerText.hpp"
+
+namespace zelto::layout {
+namespace {
+
+/// What the secondary style leaves of the primary colour.
+constexpr double secondaryOpacity = 0.55;
+/// The side of a shape to which nothing is proposed, in points.
+constexpr double idealShapeSide = 10;
+/// The least length of a spacer that tells none, in points.
+constexpr double defaultSpacerLength = 8;
+
+double coalesce(const std::optional<double>& a, double b) { return a ? *a : b; }
+double reduced(double length, double by) { return std::max(length - by, 0.0); }
+
+/// Changes what is inherited; false for a modifier that takes part in the layout itself.
+struct ChangeInherited {
+    Inherited& inherited;
+    Placement& placement;
+
+    bool operator()(const ui::modifier::Font& font) const {
+        inherited.font = font;
+        return true;
+    }
+    bool operator()(const ui::modifier::Foreground& foreground) const {
+        inherited.foreground = resolve(foreground.style, inherited);
+        if (std::holds_alternative<ui::Color>(foreground.style)) inherited.primary = inherited.foreground;
+        return true;
+    }
+    bool operator()(const ui::modifier::LineLimit& limit) const {
+        inherited.lineLimit = std::max<std::int64_t>(limit.lines, 0);
+        return true;
+    }
+    bool operator()(const ui::modifier::MinimumScale& scale) const {
+        inherited.minimumScale = std::clamp(scale.factor, 0.01, 1.0);
+        return true;
+    }
+    // Of the whole widget: the outermost one is met first and stays.
+    bool operator()(const ui::modifier::WidgetURL& link) const {
+        if (!placement.widgetURL) placement.widgetURL = link.url;
+        return true;
+    }
+    bool operator()(const ui::modifier::ContainerBackground& background) const {
+        if (!placement.background) placement.background = background.gradient;
+        return true;
+    }
+    bool operator()(const auto&) const { return false; }
+};
+
+}  // namespace
+
+ui::Color resolve(const ui::Style& style, const Inherited& inherited) {
+    if (const auto* color = std::get_if<ui::Color>(&style)) return *color;
+    return inherited.primary.withOpacity(inherited.primary.opacity * secondaryOpacity);
+}
+
+BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Placement& placement)
+    : root_(0), now_(now), measuring_(measuring), placement_(placement) {
+    boxes_.reserve(128);
+    root_ = build(view, view.modifiers.size(), {});
+}
+
+std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherited inherited) {
+    if (modifiers == 0) return buildNode(view, inherited);
+    const ui::Modifier& modifier = view.modifiers[modifiers - 1];
+    if (std::visit(ChangeInherited{inherited, placement_}, modifier)) return build(view, modifiers - 1, inherited);
+    const std::size_t index = boxes_.size();
+    boxes_.push_back({.modifier = &modifier, .inherited = inherited, .children = {}, .answers = {}});
+    const std::size_t child = build(view, modifiers - 1, inherited);
+    boxes_[index].children.push_back(child);
+    return index;
+}
+
+std::size_t BoxTree::buildNode(const ui::View& view, const Inherited& inherited) {
+    const std::size_t index = boxes_.size();
+    boxes_.push_back({.node = &view.node, .inherited = inherited, .children = {}, .answers = {}});
+    const ui::Views* children = ui::childrenOf(view.node);
+    if (!children) return index;
+    Inherited inside = inherited;
+    inside.stackAxis = std::holds_alternative<ui::node::HStack>(view.node)   ? Axis::horizontal
+                       : std::holds_alternative<ui::node::VStack>(view.node) ? Axis::vertical
+                                                                             : Axis::none;
+    std::vector<std::size_t> indices;
+    indices.reserve(children->size());
+    for (const ui::View& child : *children) indices.push_back(build(child, child.modifiers.size(), inside));
+    boxes_[index].children = std::move(indices);
+    return index;
+}
+
+Size BoxTree::measure(std::size_t index, const ProposedSize& proposal) {
+    for (const auto& [asked, answered] : boxes_[index].answers)
+        if (asked == proposal) return answered;
+    const Box& box = boxes_[index];
+    const Size size = box.node ? answer(box, proposal) : answer(box, *box.modifier, proposal);
+    boxes_[index].answers.emplace_back(proposal, size);
+    return size;
+}
+
+Size BoxTree::answer(const Box& box, const ProposedSize& proposal) {
+    struct Answer {
+        BoxTree& tree;
+        const Box& box;
+        const ProposedSize& proposal;
+
+        Size operator()(const ui::node::Text& text) const {
+            return tree.fitText(text.text, box.inherited, proposal).extent.size;
+        }
+        Size operator()(const ui::node::Countdown& countdown) const {
+            return tree.fitText(timerText(countdown.end, tree.now_), box.inherited, proposal).extent.size;
+        }
+        Size operator()(const ui::node::Symbol& symbol) const {
+            return tree.measuring_.symbolSize(symbol.name, box.inherited.font.size);
+        }
+        Size operator()(const ui::node::Image& image) const {
+            return {
+                coalesce(proposal.width, static_cast<double>(image.width)),
+                coalesce(proposal.height, static_cast<double>(image.height))};
+        }
+        Size operator()(const ui::node::Spacer& spacer) const {
+            const double least = coalesce(spacer.minLength, defaultSpacerLength);
+            const auto along = [&](const std::optional<double>& offered, Axis across) {
+                return box.inherited.stackAxis == across ? 0 : std::max(coalesce(offered, least), least);
+            };
+            return {along(proposal.width, Axis::vertical), along(proposal.height, Axis::horizontal)};
+        }
+        Size operator()(const ui::node::Shape&) const {
+            return {coalesce(proposal.width, idealShapeSide), coalesce(proposal.height, idealShapeSide)};
+        }
+        Size operator()(const ui::node::VStack&) const { return tree.layOutStack(box, proposal).size; }
+        Size operator()(const ui::node::HStack&) const { return tree.layOutStack(box, proposal).size; }
+        Size operator()(const ui::node::ZStack&) const {
+            Size size;
+            for (const std::size_t child : box.children) {
+                const Size one = tree.measure(child, proposal);
+                size = {std::max(size.width, one.width), std::max(size.height, one.height)};
+            }
+            return size;
+        }
+        Size operator()(const ui::node::Grid&) const { return tree.layOutGrid(box, proposal).size; }
+    };
+    return std::visit(Answer{*this, box, proposal}, *box.node);
+}
+
+ProposedSize BoxTree::childProposal(const ui::Modifier& modifier, const ProposedSize& proposal) const {
+    if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier)) {
+        ProposedSize inside = proposal;
+        if (inside.width) inside.width = reduced(*inside.width, padding->leading + padding->trailing);
+        if (inside.height) inside.height = reduced(*inside.height, padding->top + padding->bottom);
+        return inside;
+    }
+    if (const auto* frame = std::get_if<ui::modifier::Frame>(&modifier))
+        return {
+            frame->width ? frame->width : proposal.width, frame->height ? frame->height : proposal.height};
+    return proposal;
+}
+
+Size BoxTree::answer(const Box& box, const ui::Modifier& modifier, const ProposedSize& proposal) {
+    const std::size_t child = box.children.front();
+    if (std::holds_alternative<ui::modifier::ScaledToFill>(modifier)) {
+        const Size ideal = measure(child, {});
+        const double x = coalesce(proposal.width, ideal.width) / ideal.width;
+        const double y = coalesce(proposal.height, ideal.height) / ideal.height;
+        const double scale = proposal.width && proposal.height ? std::max(x, y) : proposal.width ? x : y;
+        return {ideal.width * scale, ideal.height * scale};
+    }
+    const Size size = measure(child, childProposal(modifier, proposal));
+    if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier))
+        return {size.width + padding->leading + padding->trailing, size.height + padding->top + padding->bottom};
+    if (const auto* frame = std::get_if<ui::modifier::Frame>(&modifier))
+        return {coalesce(frame->width, size.width), coalesce(frame->height, size.height)};
+    if (const auto* stretch = std::get_if<ui::modifier::Stretch>(&modifier))
+        return {
+            stretch->width ? std::max(coalesce(proposal.width, size.width), size.width) : size.width,
+            stretch->height ? std::max(coalesce(proposal.height, size.height), size.height) : size.height};
+    return size;
+}
+
+double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
+    const Box& box = boxes_[index];
+    const Size size = measure(index, proposal);
+    if (box.node) {
+        if (const auto* text = std::get_if<ui::node::Text>(box.node))
+            return fitText(text->text, box.inherited, proposal).extent.baseline;
+        if (const auto* countdown = std::get_if<ui::node::Countdown>(box.node))
+            return fitText(timerText(countdown->end, now_), box.inherited, proposal).extent.baseline;
+        return size.height;
+    }
+    const ProposedSize inside = childProposal(*box.modifier, proposal);
+    const double baseline = firstBaseline(box.children.front(), inside);
+    if (const auto* padding = std::get_if<ui::modifier::Padding>(box.modifier)) return padding->top + baseline;
+    return (size.height - measure(box.children.front(), inside).height) / 2 + baseline;
+}
+
+}  // namespace zelto::layout

@@ -1,0 +1,96 @@
+#include "platform/layout/Box.hpp"
+#include "platform/layout/TimerText.hpp"
+
+namespace zelto::layout {
+namespace {
+
+ui::Paint resolved(const ui::Paint& paint, const Inherited& inherited) {
+    ui::Paint out = paint;
+    std::visit([&](auto& p) { p.style = resolve(p.style, inherited); }, out);
+    return out;
+}
+
+}  // namespace
+
+void BoxTree::place(std::size_t index, Point origin, const ProposedSize& proposal) {
+    const Size size = measure(index, proposal);
+    const Box& box = boxes_[index];
+    if (box.node)
+        emit(index, origin, size, proposal);
+    else
+        emit(box, *box.modifier, {origin.x, origin.y, size.width, size.height}, proposal);
+}
+
+void BoxTree::emit(std::size_t index, Point origin, Size size, const ProposedSize& proposal) {
+    struct Emit {
+        BoxTree& tree;
+        const Box& box;
+        Rect frame;
+        const ProposedSize& proposal;
+
+        Point origin() const { return {frame.x, frame.y}; }
+        void put(PlacedItem item) const { tree.placement_.items.push_back(std::move(item)); }
+
+        void operator()(const ui::node::Text& text) const {
+            if (!text.text.empty()) put(tree.placeText(text.text, box.inherited, origin(), proposal));
+        }
+        void operator()(const ui::node::Countdown& countdown) const {
+            put(PlacedCountdown{
+                tree.placeText(timerText(countdown.end, tree.now_), box.inherited, origin(), proposal),
+                countdown.end});
+        }
+        void operator()(const ui::node::Symbol& symbol) const {
+            put(PlacedSymbol{frame, symbol.name, box.inherited.font.size, box.inherited.foreground});
+        }
+        void operator()(const ui::node::Image& image) const { put(PlacedImage{frame, image}); }
+        void operator()(const ui::node::Spacer&) const {}
+        void operator()(const ui::node::Shape& shape) const {
+            put(PlacedShape{frame, shape.geometry, shape.trim, resolved(shape.paint, box.inherited)});
+        }
+        void operator()(const ui::node::VStack&) const { tree.placeStack(box, frame, proposal); }
+        void operator()(const ui::node::HStack&) const { tree.placeStack(box, frame, proposal); }
+        void operator()(const ui::node::ZStack&) const {
+            for (const std::size_t child : box.children) tree.placeCentered(child, frame, proposal);
+        }
+        void operator()(const ui::node::Grid&) const { tree.placeGrid(box, frame, proposal); }
+    };
+    const Box& box = boxes_[index];
+    std::visit(Emit{*this, box, {origin.x, origin.y, size.width, size.height}, proposal}, *box.node);
+}
+
+void BoxTree::placeCentered(std::size_t child, Rect frame, const ProposedSize& proposal) {
+    const Size size = measure(child, proposal);
+    place(
+        child, {frame.x + (frame.width - size.width) / 2, frame.y + (frame.height - size.height) / 2}, proposal);
+}
+
+void BoxTree::emit(const Box& box, const ui::Modifier& modifier, Rect frame, const ProposedSize& proposal) {
+    const std::size_t child = box.children.front();
+    const ProposedSize inside = childProposal(modifier, proposal);
+    auto& items = placement_.items;
+
+    if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier)) {
+        place(child, {frame.x + padding->leading, frame.y + padding->top}, inside);
+    } else if (std::holds_alternative<ui::modifier::ScaledToFill>(modifier)) {
+        place(child, {frame.x, frame.y}, {frame.width, frame.height});
+    } else if (const auto* background = std::get_if<ui::modifier::Background>(&modifier)) {
+        items.emplace_back(PlacedShape{
+            frame, background->geometry, {}, ui::Fill{resolve(background->style, box.inherited)}});
+        place(child, {frame.x, frame.y}, inside);
+    } else if (const auto* rotation = std::get_if<ui::modifier::Rotation>(&modifier)) {
+        items.emplace_back(BeginRotation{frame.center(), rotation->degrees});
+        place(child, {frame.x, frame.y}, inside);
+        items.emplace_back(End{});
+    } else if (const auto* clip = std::get_if<ui::modifier::ClipShape>(&modifier)) {
+        items.emplace_back(BeginClip{frame, clip->geometry});
+        place(child, {frame.x, frame.y}, inside);
+        items.emplace_back(End{});
+    } else if (const auto* link = std::get_if<ui::modifier::Link>(&modifier)) {
+        placement_.links.push_back({frame, link->url});
+        place(child, {frame.x, frame.y}, inside);
+    } else {
+        placeCentered(child, frame, inside);  // frames, fixed and stretched
+    }
+}
+
+}  // namespace zelto::layout

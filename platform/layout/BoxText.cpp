@@ -1,0 +1,64 @@
+#include <algorithm>
+#include <cmath>
+
+#include "platform/layout/Box.hpp"
+
+namespace zelto::layout {
+namespace {
+
+/// Lengths that differ by less are the same: what rounding leaves when room is shared out.
+constexpr double slack = 0.01;
+
+/// A text that may have one line keeps its first one; what is left out is told by an ellipsis.
+std::string firstLine(const std::string& text) {
+    const auto end = text.find_first_of("\n\r");
+    return end == std::string::npos ? text : text.substr(0, end) + "…";
+}
+
+}  // namespace
+
+BoxTree::TextFit BoxTree::fitText(
+    const std::string& text,
+    const Inherited& inherited,
+    const ProposedSize& proposal) {
+    const auto& font = inherited.font;
+    const bool oneLine = inherited.lineLimit == 1;
+    const std::string shown = oneLine ? firstLine(text) : text;
+    const TextExtent ideal = measuring_.measure(shown, font, {}, 0);
+    if (!proposal.width || *proposal.width >= ideal.size.width - slack) return {ideal, 1, {}, 0};
+    const double width = *proposal.width;
+    // Asked how small it can get, a text answers with nothing: whatever room it is given, it can be cut to.
+    if (width <= 0) return {{{0, measuring_.lineHeight(font)}, ideal.baseline}, 1, 0, 1};
+
+    const double scale = std::clamp(width / ideal.size.width, inherited.minimumScale, 1.0);
+    std::int64_t lines = inherited.lineLimit;
+    if (lines == 0 && proposal.height) {
+        const double room = std::floor((*proposal.height + slack) / (measuring_.lineHeight(font) * scale));
+        lines = room < 1 ? 1 : room < 1000 ? static_cast<std::int64_t>(room) : 0;
+    }
+    const auto scaled = [scale](TextExtent extent) {
+        return TextExtent{{extent.size.width * scale, extent.size.height * scale}, extent.baseline * scale};
+    };
+    if (ideal.size.width * scale <= width + slack) return {scaled(ideal), scale, {}, 0};
+    TextExtent cut = scaled(measuring_.measure(shown, font, width / scale, lines));
+    cut.size.width = std::min(cut.size.width, width);
+    return {cut, scale, width, lines};
+}
+
+PlacedText BoxTree::placeText(
+    std::string text,
+    const Inherited& inherited,
+    Point origin,
+    const ProposedSize& proposal) {
+    const TextFit fit = fitText(text, inherited, proposal);
+    return {
+        .frame = {origin.x, origin.y, fit.extent.size.width, fit.extent.size.height},
+        .text = inherited.lineLimit == 1 ? firstLine(text) : std::move(text),
+        .font = inherited.font,
+        .scale = fit.scale,
+        .color = inherited.foreground,
+        .width = fit.width,
+        .lines = fit.lines};
+}
+
+}  // namespace zelto::layout

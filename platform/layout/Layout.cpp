@@ -1,0 +1,25 @@
+#include "platform/layout/Layout.hpp"
+
+#include <algorithm>
+
+#include "platform/layout/Box.hpp"
+
+namespace zelto::layout {
+
+Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuring& measuring) {
+    Placement placement;
+    placement.size = options.size;
+    BoxTree tree(view, options.now, measuring, placement);
+    const Size content{
+        std::max(options.size.width - 2 * options.margin, 0.0),
+        std::max(options.size.height - 2 * options.margin, 0.0)};
+    const ProposedSize proposal{content.width, content.height};
+    const Size size = tree.measure(tree.root(), proposal);
+    tree.place(
+        tree.root(),
+        {options.margin + (content.width - size.width) / 2, options.margin + (content.height - size.height) / 2},
+        proposal);
+    return placement;
+}
+
+}  // namespace zelto::layout
