@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-// The commands of `zelto`, each with what a person can tell it. They print to standard output and raise Failure.
+// The commands of `zelto`, each with what a person can tell it. They print to standard output and raise
+// Failure.
 namespace zelto::cli {
 
 /// Which extension is asked, and what it is told to look at.

@@ -19,7 +19,9 @@ host::ExtensionProcess startProcess(const ExtensionOptions& options) {
     if (!options.machine.empty()) arguments.insert(arguments.end(), {"--machine", options.machine});
     std::string why;
     auto process = host::ExtensionProcess::start(
-        options.program.empty() ? host::installedExtension() : std::filesystem::path(options.program), arguments, why);
+        options.program.empty() ? host::installedExtension() : std::filesystem::path(options.program),
+        arguments,
+        why);
     if (!process) throw Failure(why);
     return *std::move(process);
 }
@@ -28,7 +30,8 @@ host::ExtensionProcess startProcess(const ExtensionOptions& options) {
 std::string memberName(const std::string& kind) {
     constexpr std::string_view prefix = "Zelto";
     std::string name = kind.starts_with(prefix) ? kind.substr(prefix.size()) : kind;
-    std::ranges::transform(name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    std::ranges::transform(
+        name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
     return name == "widget" ? "overview" : name;
 }
 
@@ -68,7 +71,8 @@ const WidgetDescription& findWidget(const std::vector<WidgetDescription>& widget
 void requireFamily(const WidgetDescription& widget, WidgetFamily family) {
     if (std::ranges::find(widget.families, family) == widget.families.end())
         throw Failure(
-            "--family: " + widget.kind + " offers " + familyNames(widget.families) + ", not " + familyName(family));
+            "--family: " + widget.kind + " offers " + familyNames(widget.families) + ", not " +
+            familyName(family));
 }
 
 }  // namespace zelto::cli

@@ -21,8 +21,8 @@ class Extension {
     host::ExtensionProcess process_;
 };
 
-/// The widget that a person means: by its kind, or by the kind without its "Zelto" in any case ("battery"); the overview
-/// also by that name. Raises Failure, which lists what there is.
+/// The widget that a person means: by its kind, or by the kind without its "Zelto" in any case ("battery");
+/// the overview also by that name. Raises Failure, which lists what there is.
 const WidgetDescription& findWidget(const std::vector<WidgetDescription>& widgets, const std::string& name);
 
 /// Raises Failure, which names the families on offer, unless the widget offers the family.

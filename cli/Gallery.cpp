@@ -15,8 +15,8 @@ void gallery(const GalleryOptions& options) {
         return;
     }
     for (const WidgetDescription& widget : widgets)
-        std::cout << widget.kind << "  " << familyNames(widget.families) << "\n    " << widget.displayName << "\n    "
-                  << widget.description << '\n';
+        std::cout << widget.kind << "  " << familyNames(widget.families) << "\n    " << widget.displayName
+                  << "\n    " << widget.description << '\n';
 }
 
 }  // namespace zelto::cli

@@ -46,7 +46,8 @@ Environment environmentFor(const PreviewOptions& options) {
     Environment environment = Environment::current();
     if (!options.locale.empty()) environment.locale = options.locale;
     if (!options.timeZone.empty()) environment.timeZone = options.timeZone;
-    if (!isKnownLocale(environment.locale)) throw Failure("--locale: '" + environment.locale + "' is not known");
+    if (!isKnownLocale(environment.locale))
+        throw Failure("--locale: '" + environment.locale + "' is not known");
     if (!isKnownTimeZone(environment.timeZone))
         throw Failure("--time-zone: '" + environment.timeZone + "' is not known");
     return environment;
@@ -61,13 +62,14 @@ std::string formatFor(const PreviewOptions& options) {
     return options.output.ends_with(".txt") ? "text" : "png";
 }
 
-std::string drawn(const ArchivedEntry& entry, WidgetFamily family, Date now, const std::string& format, double scale) {
+std::string drawn(
+    const ArchivedEntry& entry, WidgetFamily family, Date now, const std::string& format, double scale) {
     const WidgetSize size = sizeOf(family);
     drawing::Renderer renderer;
-    const auto placement = layout::layOut(
-        entry.view, {.size = {size.width, size.height}, .now = now}, renderer.measuring());
-    auto bytes = format == "svg" ? renderer.svg(placement)
-                                 : drawing::encodePNG(renderer.draw(placement, scale));
+    const auto placement =
+        layout::layOut(entry.view, {.size = {size.width, size.height}, .now = now}, renderer.measuring());
+    auto bytes =
+        format == "svg" ? renderer.svg(placement) : drawing::encodePNG(renderer.draw(placement, scale));
     if (!bytes) throw Failure("the picture could not be made");
     return *std::move(bytes);
 }

@@ -78,8 +78,8 @@ void render(const RenderOptions& options) {
         sheet.push_back({grid.place(look.family), &look.placement});
     }
     writePNG(folder / "gallery.png", renderer.drawSheet(sheet, grid.size(), options.scale));
-    std::cout << looks.size() << " pictures and gallery.png are in " << std::filesystem::absolute(folder).string()
-              << '\n';
+    std::cout << looks.size() << " pictures and gallery.png are in "
+              << std::filesystem::absolute(folder).string() << '\n';
 }
 
 }  // namespace zelto::cli

@@ -18,7 +18,9 @@ std::string counted(std::size_t count, const char* one, const char* many) {
 
 }  // namespace
 
-void snapshotSample() { std::cout << encodeJSON(WidgetSnapshot::sample()).value_or("") << '\n'; }
+void snapshotSample() {
+    std::cout << encodeJSON(WidgetSnapshot::sample()).value_or("") << '\n';
+}
 
 void snapshotCheck(const std::string& file) {
     const std::string path = file.empty() ? WidgetSnapshot::url().string() : file;
@@ -27,7 +29,8 @@ void snapshotCheck(const std::string& file) {
     const auto snapshot = decodeJSON<WidgetSnapshot>(bytes, &error);
     if (!snapshot) throw Failure((path == "-" ? "standard input" : path) + ": " + error.text());
     std::cout << "ok: taken " << iso8601(snapshot->date) << ", "
-              << (snapshot->battery ? "battery " + std::to_string(snapshot->battery->percent) + "%" : "no battery")
+              << (snapshot->battery ? "battery " + std::to_string(snapshot->battery->percent) + "%"
+                                    : "no battery")
               << ", " << counted(snapshot->fans.size(), "fan", "fans") << ", "
               << counted(snapshot->clips.size(), "clip", "clips") << ", "
               << counted(snapshot->events.size(), "event", "events") << ", "

@@ -28,7 +28,8 @@ void timeline(const TimelineOptions& options) {
         std::cout << encodeJSON(*reply.timeline).value_or("") << '\n';
         return;
     }
-    for (const ArchivedEntry& entry : reply.timeline->entries) std::cout << "entry " << iso8601(entry.date) << '\n';
+    for (const ArchivedEntry& entry : reply.timeline->entries)
+        std::cout << "entry " << iso8601(entry.date) << '\n';
     std::cout << "reload after " << iso8601(reply.timeline->reloadAfter) << "\n\n"
               << ui::outline(reply.timeline->entries.front().view);
 }

@@ -1,4 +1,5 @@
-// zelto: the front door. Everything that a person can see on the desktop can be had here as text, JSON, PNG or SVG.
+// zelto: the front door. Everything that a person can see on the desktop can be had here as text, JSON, PNG
+// or SVG.
 
 #include <csignal>
 #include <cstdio>
@@ -15,9 +16,12 @@ using namespace zelto::cli;
 void addExtensionOptions(CLI::App& command, ExtensionOptions& options) {
     command.add_option("--extension", options.program, "The extension program, instead of the installed one")
         ->type_name("FILE");
-    command.add_option("--home", options.home, "Where the extension looks for the snapshot, instead of your home")
+    command
+        .add_option(
+            "--home", options.home, "Where the extension looks for the snapshot, instead of your home")
         ->type_name("DIR");
-    command.add_option("--machine", options.machine, "Where it finds proc and sys, instead of /")->type_name("DIR");
+    command.add_option("--machine", options.machine, "Where it finds proc and sys, instead of /")
+        ->type_name("DIR");
 }
 
 void addFamily(CLI::App& command, std::string& family) {
@@ -32,11 +36,14 @@ void addGallery(CLI::App& app, GalleryOptions& options) {
 }
 
 void addPreview(CLI::App& app, PreviewOptions& options) {
-    CLI::App* command = app.add_subcommand("preview", "Show one look of one widget, fully determined by the options");
+    CLI::App* command =
+        app.add_subcommand("preview", "Show one look of one widget, fully determined by the options");
     command->add_option("kind", options.kind, "The widget: battery or ZeltoBattery, for example")->required();
     addFamily(*command, options.family);
-    auto* snapshot = command->add_option_group("snapshot", "What the app has told (your own snapshot by default)");
-    snapshot->add_option("--snapshot", options.snapshot, "A snapshot file, or - for standard input")->type_name("FILE");
+    auto* snapshot =
+        command->add_option_group("snapshot", "What the app has told (your own snapshot by default)");
+    snapshot->add_option("--snapshot", options.snapshot, "A snapshot file, or - for standard input")
+        ->type_name("FILE");
     snapshot->add_flag("--sample", options.sample, "The sample snapshot");
     snapshot->add_flag("--no-snapshot", options.noSnapshot, "None");
     snapshot->require_option(0, 1);
@@ -45,12 +52,17 @@ void addPreview(CLI::App& app, PreviewOptions& options) {
         ->type_name("FILE");
     live->add_flag("--placeholder", options.placeholder, "The gallery's readings");
     live->require_option(0, 1);
-    command->add_option("--date", options.date, "The entry's date: ISO 8601 with an offset, or seconds since 2001")
+    command
+        ->add_option(
+            "--date", options.date, "The entry's date: ISO 8601 with an offset, or seconds since 2001")
         ->type_name("D");
-    command->add_option("--now", options.now, "The current instant (the entry's date by default)")->type_name("D");
+    command->add_option("--now", options.now, "The current instant (the entry's date by default)")
+        ->type_name("D");
     command->add_option("--locale", options.locale, "Such as pt_BR")->type_name("L");
     command->add_option("--time-zone", options.timeZone, "Such as America/Sao_Paulo")->type_name("Z");
-    command->add_option("--format", options.format, "text, json, png or svg (text, or by the output file's ending)")
+    command
+        ->add_option(
+            "--format", options.format, "text, json, png or svg (text, or by the output file's ending)")
         ->check(CLI::IsMember({"text", "json", "png", "svg"}))
         ->type_name("FORMAT");
     command->add_option("--scale", options.scale, "Pixels a point of a PNG")
@@ -72,7 +84,8 @@ void addTimeline(CLI::App& app, TimelineOptions& options) {
 }
 
 void addRender(CLI::App& app, RenderOptions& options) {
-    CLI::App* command = app.add_subcommand("render", "Draw every widget in every family, and a contact sheet");
+    CLI::App* command =
+        app.add_subcommand("render", "Draw every widget in every family, and a contact sheet");
     command->add_option("--kind", options.kinds, "Only this widget; may be repeated")->type_name("KIND");
     addExtensionOptions(*command, options.extension);
     command->add_flag("--preview", options.preview, "As the gallery shows them");
@@ -80,7 +93,9 @@ void addRender(CLI::App& app, RenderOptions& options) {
         ->capture_default_str()
         ->check(CLI::Range(0.1, 16.0))
         ->type_name("N");
-    command->add_option("--output", options.output, "Where the pictures go")->capture_default_str()->type_name("DIR");
+    command->add_option("--output", options.output, "Where the pictures go")
+        ->capture_default_str()
+        ->type_name("DIR");
     command->callback([&] { render(options); });
 }
 
@@ -89,7 +104,8 @@ void addSnapshot(CLI::App& app, std::string& file) {
     command->require_subcommand(1);
     command->add_subcommand("sample", "Print the sample document")->callback([] { snapshotSample(); });
     CLI::App* check = command->add_subcommand("check", "Say ok, or the place and reason of the first fault");
-    check->add_option("file", file, "A file, or - for standard input; your own snapshot by default")->type_name("FILE");
+    check->add_option("file", file, "A file, or - for standard input; your own snapshot by default")
+        ->type_name("FILE");
     check->callback([&] { snapshotCheck(file); });
 }
 

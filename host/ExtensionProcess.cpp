@@ -32,7 +32,9 @@ struct Pipe {
     }
 };
 
-void makeNonBlocking(int fd) { fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK); }
+void makeNonBlocking(int fd) {
+    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
+}
 
 int remaining(Clock::time_point deadline) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
@@ -49,9 +51,7 @@ std::string describe(int status) {
 }  // namespace
 
 std::optional<ExtensionProcess> ExtensionProcess::start(
-    const std::filesystem::path& program,
-    const std::vector<std::string>& arguments,
-    std::string& why) {
+    const std::filesystem::path& program, const std::vector<std::string>& arguments, std::string& why) {
     auto toChild = Pipe::make(), fromChild = Pipe::make();
     if (!toChild || !fromChild) {
         why = std::string("no pipe for the widget extension: ") + std::strerror(errno);
@@ -150,7 +150,8 @@ std::string ExtensionProcess::takeReplies(std::map<std::int64_t, Outcome>& outco
     return received_.size() > longestLine ? "the widget extension answered without an end" : "";
 }
 
-std::vector<Outcome> ExtensionProcess::exchange(std::vector<Request> requests, std::chrono::milliseconds patience_) {
+std::vector<Outcome> ExtensionProcess::exchange(
+    std::vector<Request> requests, std::chrono::milliseconds patience_) {
     std::map<std::int64_t, Outcome> outcomes;
     std::vector<std::int64_t> order;
     std::string pending, failure;

@@ -20,23 +20,21 @@ struct Outcome {
     std::string error;
 };
 
-/// The widget extension as a child process. Its standard error stays the caller's own. Ends, if it must by force, with
-/// this object.
+/// The widget extension as a child process. Its standard error stays the caller's own. Ends, if it must by
+/// force, with this object.
 class ExtensionProcess {
   public:
     /// Absent, with the reason, when the program cannot be started.
     static std::optional<ExtensionProcess> start(
-        const std::filesystem::path& program,
-        const std::vector<std::string>& arguments,
-        std::string& why);
+        const std::filesystem::path& program, const std::vector<std::string>& arguments, std::string& why);
 
     ExtensionProcess(ExtensionProcess&& other) noexcept;
     ExtensionProcess& operator=(ExtensionProcess&&) = delete;
     ~ExtensionProcess();
 
-    /// Sends requests side by side, their ids given here, and waits for their replies; outcomes stand in the requests'
-    /// order. A process that dies, talks nonsense or lets the deadline pass leaves its requests with an error, and is of no
-    /// use afterwards.
+    /// Sends requests side by side, their ids given here, and waits for their replies; outcomes stand in the
+    /// requests' order. A process that dies, talks nonsense or lets the deadline pass leaves its requests
+    /// with an error, and is of no use afterwards.
     std::vector<Outcome> exchange(std::vector<Request> requests, std::chrono::milliseconds deadline);
 
     pid_t pid() const { return pid_; }

@@ -1,9 +1,11 @@
-// Turns the symbols' SVG files into a C++ table, so that drawing one needs no file, no XML and no path grammar.
+// Turns the symbols' SVG files into a C++ table, so that drawing one needs no file, no XML and no path
+// grammar.
 //
 //   symbol-table OUTPUT.cpp FILE.svg...
 //
-// A symbol is a list of <path> elements on a 24 × 24 grid with absolute M L H V C S A Z commands, painted with
-// currentColor; its svg element tells the left and right end of its ink as data-ink="LEFT RIGHT". Anything else is refused.
+// A symbol is a list of <path> elements on a 24 × 24 grid with absolute M L H V C S A Z commands, painted
+// with currentColor; its svg element tells the left and right end of its ink as data-ink="LEFT RIGHT".
+// Anything else is refused.
 
 #include <charconv>
 #include <cmath>
@@ -20,7 +22,9 @@
 
 namespace {
 
-[[noreturn]] void refuse(const std::string& what) { throw std::runtime_error(what); }
+[[noreturn]] void refuse(const std::string& what) {
+    throw std::runtime_error(what);
+}
 
 /// Attributes of one element: the text between its name and its end.
 std::map<std::string, std::string> attributes(std::string_view text) {
@@ -43,16 +47,19 @@ struct Scanner {
     void skipBlanks() { text.remove_prefix(std::min(text.find_first_not_of(" ,\t\r\n"), text.size())); }
     bool atNumber() {
         skipBlanks();
-        return !text.empty() && (std::isdigit(static_cast<unsigned char>(text[0])) != 0 || text[0] == '-' || text[0] == '.');
+        return !text.empty() &&
+               (std::isdigit(static_cast<unsigned char>(text[0])) != 0 || text[0] == '-' || text[0] == '.');
     }
     double number() {
         if (!atNumber()) refuse("a number was expected before '" + std::string(text.substr(0, 8)) + "'");
         // from_chars wants a digit before the point.
         std::string padded(text.substr(0, text.find_first_not_of("0123456789.-", 1)));
-        if (const auto second = padded.find_first_of("-", 1); second != std::string::npos) padded.resize(second);
+        if (const auto second = padded.find_first_of("-", 1); second != std::string::npos)
+            padded.resize(second);
         const auto point = padded.find('.');
         if (point != std::string::npos)
-            if (const auto again = padded.find('.', point + 1); again != std::string::npos) padded.resize(again);
+            if (const auto again = padded.find('.', point + 1); again != std::string::npos)
+                padded.resize(again);
         text.remove_prefix(padded.size());
         return std::stod(padded);
     }
@@ -102,14 +109,16 @@ struct PathWriter {
             ry *= stretch;
         }
         const double a = rx * rx * halfY * halfY + ry * ry * halfX * halfX;
-        const double factor = (large == sweep ? -1 : 1) * std::sqrt(std::max(0.0, (rx * rx * ry * ry - a) / a));
+        const double factor =
+            (large == sweep ? -1 : 1) * std::sqrt(std::max(0.0, (rx * rx * ry * ry - a) / a));
         const double cx = factor * rx * halfY / ry, cy = -factor * ry * halfX / rx;
         const double centerX = cx + (x + toX) / 2, centerY = cy + (y + toY) / 2;
         const double from = std::atan2((halfY - cy) / ry, (halfX - cx) / rx);
         double turn = std::atan2((-halfY - cy) / ry, (-halfX - cx) / rx) - from;
         if (sweep && turn < 0) turn += 2 * std::numbers::pi;
         if (!sweep && turn > 0) turn -= 2 * std::numbers::pi;
-        const int pieces = std::max(1, static_cast<int>(std::ceil(std::fabs(turn) / (std::numbers::pi / 2) - 1e-9)));
+        const int pieces =
+            std::max(1, static_cast<int>(std::ceil(std::fabs(turn) / (std::numbers::pi / 2) - 1e-9)));
         const double step = turn / pieces, k = 4.0 / 3 * std::tan(step / 4);
         for (int i = 0; i < pieces; ++i) {
             const double p = from + i * step, q = p + step;
@@ -217,7 +226,8 @@ void writeSymbol(const std::filesystem::path& file, std::ostream& numbers, std::
         if (tag != "path") refuse("element <" + tag + ">");
         const PathWriter path = readPath(values.at("d"));
         const std::string id = identifier(name) + "_" + std::to_string(strokes.size());
-        numbers << "constexpr std::array<double, " << path.count << "> " << id << "{" << path.out.str() << "};\n";
+        numbers << "constexpr std::array<double, " << path.count << "> " << id << "{" << path.out.str()
+                << "};\n";
         const bool stroked = values.contains("stroke") && values["stroke"] != "none";
         std::ostringstream row;
         row << "{" << id << ", " << (values["fill"] == "currentColor" ? "true" : "false") << ", "
@@ -251,8 +261,11 @@ int main(int argc, char** argv) {
         }
     }
     std::ofstream out(argv[1]);
-    out << "#include \"platform/drawing/Symbols.hpp\"\n\n#include <array>\n\nnamespace zelto::drawing {\nnamespace {\n"
+    out << "#include \"platform/drawing/Symbols.hpp\"\n\n#include <array>\n\nnamespace zelto::drawing "
+           "{\nnamespace {\n"
         << numbers.str() << "constexpr std::array symbols{\n"
-        << table.str() << "};\n}  // namespace\n\nstd::span<const Symbol> allSymbols() { return symbols; }\n\n}  // namespace zelto::drawing\n";
+        << table.str()
+        << "};\n}  // namespace\n\nstd::span<const Symbol> allSymbols() { return symbols; }\n\n}  // "
+           "namespace zelto::drawing\n";
     return out ? 0 : 1;
 }

@@ -75,8 +75,7 @@ Mask arcMask(const ArcStroke& arc) {
             const int begin = std::max(static_cast<int>(std::floor(left + from)), 0);
             const int end = std::min(static_cast<int>(std::ceil(left + to)), width);
             for (int column = begin; column < end; ++column)
-                line[column] =
-                    coverage(static_cast<float>(column + 0.5 - left), static_cast<float>(y));
+                line[column] = coverage(static_cast<float>(column + 0.5 - left), static_cast<float>(y));
         };
         if (reach <= 0) continue;
         if (hole > 1) {

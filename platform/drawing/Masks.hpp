@@ -10,7 +10,7 @@ namespace zelto::drawing {
 
 /// A shape's coverage of whole pixels, to be painted in any colour.
 struct Mask {
-    Surface surface;  // CAIRO_FORMAT_A8
+    Surface surface;   // CAIRO_FORMAT_A8
     int x = 0, y = 0;  // of its top left pixel, from the origin of what it shows
 };
 
@@ -20,8 +20,8 @@ struct ArcStroke {
     double start, sweep;  // a sweep of 2π or more is the whole circle
 };
 
-/// The coverage of a stroked arc with round caps, by each pixel's distance from the stroke: a fraction of what
-/// tessellating the stroke costs. Positioned in absolute pixels.
+/// The coverage of a stroked arc with round caps, by each pixel's distance from the stroke: a fraction of
+/// what tessellating the stroke costs. Positioned in absolute pixels.
 Mask arcMask(const ArcStroke& arc);
 
 /// Keeps masks of things that are dear to draw and recur: rounded texts and symbols.

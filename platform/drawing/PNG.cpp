@@ -28,7 +28,9 @@ void convertRow(const std::uint32_t* from, int width, bool opaque, std::uint8_t*
 }
 
 /// libpng leaves by longjmp when something fails, so nothing with a destructor may live in here.
-bool write(png_structp png, png_infop info, const Picture& picture, bool opaque, std::string& out, std::uint8_t* row) {
+bool write(
+    png_structp png, png_infop info, const Picture& picture, bool opaque, std::string& out,
+    std::uint8_t* row) {
     if (setjmp(png_jmpbuf(png)) != 0) return false;
     png_set_write_fn(png, &out, append, keepWhole);
     png_set_IHDR(
@@ -42,13 +44,17 @@ bool write(png_structp png, png_infop info, const Picture& picture, bool opaque,
         PNG_COMPRESSION_TYPE_DEFAULT,
         PNG_FILTER_TYPE_DEFAULT);
     png_set_compression_level(png, 1);
-    // Widgets are rows of one colour on a vertical gradient: the difference from the row above is mostly nothing.
+    // Widgets are rows of one colour on a vertical gradient: the difference from the row above is mostly
+    // nothing.
     png_set_filter(png, PNG_FILTER_TYPE_DEFAULT, PNG_FILTER_UP);
     png_set_sRGB(png, info, PNG_sRGB_INTENT_PERCEPTUAL);
     png_write_info(png, info);
     for (int y = 0; y < picture.height; ++y) {
         convertRow(
-            picture.pixels.data() + static_cast<std::ptrdiff_t>(y) * picture.width, picture.width, opaque, row);
+            picture.pixels.data() + static_cast<std::ptrdiff_t>(y) * picture.width,
+            picture.width,
+            opaque,
+            row);
         png_write_row(png, row);
     }
     png_write_end(png, info);
@@ -58,7 +64,8 @@ bool write(png_structp png, png_infop info, const Picture& picture, bool opaque,
 }  // namespace
 
 std::optional<std::string> encodePNG(const Picture& picture) {
-    const bool opaque = std::ranges::all_of(picture.pixels, [](std::uint32_t pixel) { return pixel >> 24 == 0xFF; });
+    const bool opaque =
+        std::ranges::all_of(picture.pixels, [](std::uint32_t pixel) { return pixel >> 24 == 0xFF; });
     png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
     png_infop info = png ? png_create_info_struct(png) : nullptr;
     std::string out;

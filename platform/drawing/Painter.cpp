@@ -84,8 +84,8 @@ void drawRounded(cairo_t* context, const TypesetText& text) {
     cairo_stroke(context);
 }
 
-/// A mask of a drawing that begins at the origin and is `size` points large at `scale`; `shift` pixels are added to its
-/// place so that what should fall on a pixel's edge does.
+/// A mask of a drawing that begins at the origin and is `size` points large at `scale`; `shift` pixels are
+/// added to its place so that what should fall on a pixel's edge does.
 template <class Draw>
 Mask drawnMask(layout::Size size, double scale, double shiftY, Draw draw) {
     Mask mask;
@@ -164,7 +164,8 @@ class ItemPainter {
 
     void operator()(const layout::PlacedImage& placed) const {
         if (!isPaintable(placed.frame)) return;
-        const auto width = static_cast<int>(placed.image.width), height = static_cast<int>(placed.image.height);
+        const auto width = static_cast<int>(placed.image.width),
+                   height = static_cast<int>(placed.image.height);
         const Surface surface(cairo_image_surface_create(CAIRO_FORMAT_ARGB32, width, height));
         unsigned char* data = cairo_image_surface_get_data(surface.get());
         const int stride = cairo_image_surface_get_stride(surface.get());
@@ -209,10 +210,7 @@ class ItemPainter {
         cairo_identity_matrix(context_);
         cairo_scale(context_, 1 / deviceX, 1 / deviceY);
         cairo_mask_surface(
-            context_,
-            mask.surface.get(),
-            std::round(x * deviceX) + mask.x,
-            std::round(y * deviceY) + mask.y);
+            context_, mask.surface.get(), std::round(x * deviceX) + mask.x, std::round(y * deviceY) + mask.y);
     }
 
     void paintPlain(const TypesetText& typeset) const {
@@ -230,8 +228,7 @@ class ItemPainter {
     }
 
     void paintRounded(
-        const layout::PlacedText& text,
-        const TypesetText& typeset,
+        const layout::PlacedText& text, const TypesetText& typeset,
         const std::optional<double>& width) const {
         const Similarity space = Similarity::of(context_);
         if (!tools_.toPixels || !space.upright) {

@@ -13,8 +13,8 @@ constexpr double pi = std::numbers::pi;
 /// How much of a corner's quarter turn is spent on easing into it.
 constexpr double smoothing = 0.6;
 
-/// A corner between two straight edges, as lengths along the first edge from the corner's begin (0) to the corner point.
-/// The second half mirrors the first.
+/// A corner between two straight edges, as lengths along the first edge from the corner's begin (0) to the
+/// corner point. The second half mirrors the first.
 struct Corner {
     double length;      // of edge that the corner takes on each side
     double a, b, c, d;  // the easing curve: a + b + c along the edge, d away from it
@@ -36,7 +36,8 @@ struct Corner {
     }
 };
 
-/// Runs round one corner: `along` is the direction of the edge that leads in, `across` that of the edge that leads out.
+/// Runs round one corner: `along` is the direction of the edge that leads in, `across` that of the edge that
+/// leads out.
 struct CornerPen {
     cairo_t* context;
     const Corner& corner;
@@ -47,7 +48,8 @@ struct CornerPen {
         const Corner& k = corner;
         curve({k.a, 0}, {k.a + k.b, 0}, {k.a + k.b + k.c, k.d});
         if (k.arc > 0) {
-            // The arc turns by the angle whose chord spans `arc` on both axes; its control points lie on the tangents.
+            // The arc turns by the angle whose chord spans `arc` on both axes; its control points lie on the
+            // tangents.
             const double turn = 2 * std::asin(std::min(k.arc / (k.radius * std::numbers::sqrt2), 1.0));
             const double handle = 4.0 / 3 * std::tan(turn / 4) * k.radius;
             const double begin = pi / 4 - turn / 2, end = pi / 4 + turn / 2;
@@ -106,7 +108,8 @@ struct AddPath {
 
 void addContinuousRectangle(cairo_t* context, const layout::Rect& frame, double radius) {
     const Corner corner = Corner::of(std::max(radius, 0.0), std::min(frame.width, frame.height) / 2);
-    const double left = frame.x, right = frame.x + frame.width, top = frame.y, bottom = frame.y + frame.height;
+    const double left = frame.x, right = frame.x + frame.width, top = frame.y,
+                 bottom = frame.y + frame.height;
     const double length = corner.length;
     cairo_new_sub_path(context);
     cairo_move_to(context, left + length, top);

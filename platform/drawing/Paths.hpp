@@ -7,8 +7,8 @@
 
 namespace zelto::drawing {
 
-/// Adds a shape's outline to the context's path. A trim is the part of the outline that is taken, from its start: for a
-/// circle from three o'clock, clockwise.
+/// Adds a shape's outline to the context's path. A trim is the part of the outline that is taken, from its
+/// start: for a circle from three o'clock, clockwise.
 void addPath(cairo_t* context, const layout::Rect& frame, const ui::Geometry& geometry, double trim = 1);
 
 /// A rectangle with continuous corners: the curvature grows towards the corner instead of jumping.

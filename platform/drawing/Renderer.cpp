@@ -25,8 +25,7 @@ Picture blankPicture(layout::Size size, double scale) {
     Picture picture;
     picture.width = std::max(1, static_cast<int>(std::lround(size.width * scale)));
     picture.height = std::max(1, static_cast<int>(std::lround(size.height * scale)));
-    picture.pixels.resize(
-        static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height));
+    picture.pixels.resize(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height));
     return picture;
 }
 
@@ -50,7 +49,8 @@ Pattern gradientPattern(const ui::LinearGradient& gradient, double height) {
     Pattern pattern(cairo_pattern_create_linear(0, 0, 0, height));
     const auto& [top, bottom] = gradient;
     cairo_pattern_add_color_stop_rgba(pattern.get(), 0, top.red, top.green, top.blue, top.opacity);
-    cairo_pattern_add_color_stop_rgba(pattern.get(), 1, bottom.red, bottom.green, bottom.blue, bottom.opacity);
+    cairo_pattern_add_color_stop_rgba(
+        pattern.get(), 1, bottom.red, bottom.green, bottom.blue, bottom.opacity);
     return pattern;
 }
 
@@ -89,7 +89,9 @@ struct Renderer::State {
 Renderer::Renderer() : state_(std::make_unique<State>()) {}
 Renderer::~Renderer() = default;
 
-layout::TextMeasuring& Renderer::measuring() { return state_->typesetter; }
+layout::TextMeasuring& Renderer::measuring() {
+    return state_->typesetter;
+}
 
 Picture Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius) {
     Picture picture = blankPicture(placement.size, scale);

@@ -20,7 +20,8 @@ struct SheetItem {
     const layout::Placement* placement;
 };
 
-/// Turns placements into pictures. Keeps fonts, set texts and masks from one picture to the next. For one thread.
+/// Turns placements into pictures. Keeps fonts, set texts and masks from one picture to the next. For one
+/// thread.
 class Renderer {
   public:
     Renderer();
@@ -31,7 +32,8 @@ class Renderer {
     /// What layouts for this renderer measure with.
     layout::TextMeasuring& measuring();
 
-    /// A picture at `scale` pixels a point, its container background reaching into rounded corners or square ones.
+    /// A picture at `scale` pixels a point, its container background reaching into rounded corners or square
+    /// ones.
     Picture draw(const layout::Placement& placement, double scale, double cornerRadius = 0);
 
     /// Widgets with rounded corners and shadows on a backdrop of `size` points.

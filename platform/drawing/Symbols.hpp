@@ -5,8 +5,8 @@
 
 namespace zelto::drawing {
 
-/// One outline of a symbol on a grid of 24 units: operations 0 (move), 1 (line), 2 (cubic) and 3 (close), each followed by
-/// its coordinates.
+/// One outline of a symbol on a grid of 24 units: operations 0 (move), 1 (line), 2 (cubic) and 3 (close),
+/// each followed by its coordinates.
 struct SymbolPath {
     std::span<const double> data;
     bool filled, evenOdd;
@@ -27,6 +27,8 @@ std::span<const Symbol> allSymbols();
 const Symbol* symbolNamed(std::string_view name);
 
 /// The side of a symbol's grid at a font size, in points.
-constexpr double symbolSide(double fontSize) { return 1.2 * fontSize; }
+constexpr double symbolSide(double fontSize) {
+    return 1.2 * fontSize;
+}
 
 }  // namespace zelto::drawing

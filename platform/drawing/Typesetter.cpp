@@ -15,8 +15,8 @@ namespace {
 
 /// From this size on, in points, the cut that is drawn for large sizes is used.
 constexpr double displaySize = 20;
-/// The rounded design is the regular cut, stroked this wide (in em), made smaller by what the stroke adds so that its
-/// capitals keep their height, and set wider by as much.
+/// The rounded design is the regular cut, stroked this wide (in em), made smaller by what the stroke adds so
+/// that its capitals keep their height, and set wider by as much.
 constexpr double roundingStroke = 0.062;
 constexpr double capHeight = 0.7273;
 constexpr double roundedScale = 1 - roundingStroke / capHeight;
@@ -33,9 +33,13 @@ PangoWeight pangoWeight(ui::Weight weight) {
     return PANGO_WEIGHT_NORMAL;
 }
 
-double points(int pangoUnits) { return static_cast<double>(pangoUnits) / PANGO_SCALE; }
+double points(int pangoUnits) {
+    return static_cast<double>(pangoUnits) / PANGO_SCALE;
+}
 
-bool isRounded(const ui::modifier::Font& font) { return font.design == ui::Design::rounded; }
+bool isRounded(const ui::modifier::Font& font) {
+    return font.design == ui::Design::rounded;
+}
 
 FontDescription describe(const ui::modifier::Font& font) {
     FontDescription description(pango_font_description_new());
@@ -79,8 +83,8 @@ struct Typesetter::State {
     std::unordered_map<TextKey, TypesetText, TextKeyHash> texts;
 
     State() {
-        // One point is one unit, glyphs stand where their advances put them, nothing is fitted to pixels: the same lengths
-        // come out at every scale.
+        // One point is one unit, glyphs stand where their advances put them, nothing is fitted to pixels: the
+        // same lengths come out at every scale.
         pango_cairo_font_map_set_resolution(PANGO_CAIRO_FONT_MAP(fontMap.get()), 72);
         context.reset(pango_font_map_create_context(fontMap.get()));
         pango_context_set_round_glyph_positions(context.get(), FALSE);
@@ -99,9 +103,7 @@ struct Typesetter::State {
     }
 
     TypesetText set(
-        std::string_view text,
-        const ui::modifier::Font& font,
-        std::optional<double> width,
+        std::string_view text, const ui::modifier::Font& font, std::optional<double> width,
         std::int64_t lines) {
         TypesetText out;
         out.layout.reset(pango_layout_new(context.get()));
@@ -142,10 +144,7 @@ Typesetter::Typesetter() : state_(std::make_unique<State>()) {}
 Typesetter::~Typesetter() = default;
 
 const TypesetText& Typesetter::typeset(
-    std::string_view text,
-    const ui::modifier::Font& font,
-    std::optional<double> width,
-    std::int64_t lines) {
+    std::string_view text, const ui::modifier::Font& font, std::optional<double> width, std::int64_t lines) {
     TextKey key{
         std::string(text), {font.size, font.weight, font.design, font.digits}, width ? *width : -1, lines};
     const auto found = state_->texts.find(key);
@@ -155,10 +154,7 @@ const TypesetText& Typesetter::typeset(
 }
 
 layout::TextExtent Typesetter::measure(
-    std::string_view text,
-    const ui::modifier::Font& font,
-    std::optional<double> width,
-    std::int64_t lines) {
+    std::string_view text, const ui::modifier::Font& font, std::optional<double> width, std::int64_t lines) {
     return typeset(text, font, width, lines).extent;
 }
 

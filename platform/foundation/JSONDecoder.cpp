@@ -16,6 +16,19 @@ namespace {
 
 using Kind = Schema::Kind;
 
+/// "[id] parse error at line 1, column 9: syntax error while parsing value - reason; last read: 'x'; expected
+/// y": what is for people is the reason and what was expected; the place is told anew.
+std::string reasonOf(std::string_view message) {
+    for (const std::string_view lead : {"] ", ": ", " - "})
+        if (const auto at = message.find(lead); at != std::string_view::npos)
+            message.remove_prefix(at + lead.size());
+    std::string reason(message.substr(0, message.find("; last read: ")));
+    const auto expected = message.rfind("; expected ");
+    if (reason.size() < message.size() && expected != std::string_view::npos)
+        reason += message.substr(expected);
+    return reason;
+}
+
 /// What the parser's events are turned into: values at their places. One frame per open object or array that
 /// somebody asked for; everything under an unknown key is only counted.
 class Sink {
@@ -138,14 +151,11 @@ class Sink {
         return true;
     }
 
-    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& exception) {
-        // "[id] parse error at line 1, column 9: syntax error while parsing value - reason": only the reason
-        // is for people, the place is told anew.
-        std::string_view reason = exception.what();
-        for (const std::string_view lead : {"] ", ": ", " - "})
-            if (const auto at = reason.find(lead); at != std::string_view::npos)
-                reason.remove_prefix(at + lead.size());
-        return failAt(position == 0 ? 0 : position - 1, std::string(reason));
+    bool parse_error(
+        std::size_t position,
+        const std::string&,
+        const nlohmann::detail::exception& exception) {
+        return failAt(position == 0 ? 0 : position - 1, reasonOf(exception.what()));
     }
 
     bool failAt(std::size_t offset, std::string reason) {

@@ -15,8 +15,12 @@ constexpr double idealShapeSide = 10;
 /// The least length of a spacer that tells none, in points.
 constexpr double defaultSpacerLength = 8;
 
-double coalesce(const std::optional<double>& a, double b) { return a ? *a : b; }
-double reduced(double length, double by) { return std::max(length - by, 0.0); }
+double coalesce(const std::optional<double>& a, double b) {
+    return a ? *a : b;
+}
+double reduced(double length, double by) {
+    return std::max(length - by, 0.0);
+}
 
 /// Changes what is inherited; false for a modifier that takes part in the layout itself.
 struct ChangeInherited {
@@ -68,7 +72,8 @@ BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Place
 std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherited inherited) {
     if (modifiers == 0) return buildNode(view, inherited);
     const ui::Modifier& modifier = view.modifiers[modifiers - 1];
-    if (std::visit(ChangeInherited{inherited, placement_}, modifier)) return build(view, modifiers - 1, inherited);
+    if (std::visit(ChangeInherited{inherited, placement_}, modifier))
+        return build(view, modifiers - 1, inherited);
     const std::size_t index = boxes_.size();
     boxes_.push_back({.modifier = &modifier, .inherited = inherited, .children = {}, .answers = {}});
     const std::size_t child = build(view, modifiers - 1, inherited);
@@ -170,7 +175,8 @@ Size BoxTree::answer(const Box& box, const ui::Modifier& modifier, const Propose
     }
     const Size size = measure(child, childProposal(modifier, proposal));
     if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier))
-        return {size.width + padding->leading + padding->trailing, size.height + padding->top + padding->bottom};
+        return {
+            size.width + padding->leading + padding->trailing, size.height + padding->top + padding->bottom};
     if (const auto* frame = std::get_if<ui::modifier::Frame>(&modifier))
         return {coalesce(frame->width, size.width), coalesce(frame->height, size.height)};
     if (const auto* stretch = std::get_if<ui::modifier::Stretch>(&modifier))
@@ -192,7 +198,8 @@ double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
     }
     const ProposedSize inside = childProposal(*box.modifier, proposal);
     const double baseline = firstBaseline(box.children.front(), inside);
-    if (const auto* padding = std::get_if<ui::modifier::Padding>(box.modifier)) return padding->top + baseline;
+    if (const auto* padding = std::get_if<ui::modifier::Padding>(box.modifier))
+        return padding->top + baseline;
     return (size.height - measure(box.children.front(), inside).height) / 2 + baseline;
 }
 

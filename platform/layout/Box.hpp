@@ -27,8 +27,8 @@ struct Inherited {
 /// The foreground that a style means.
 ui::Color resolve(const ui::Style& style, const Inherited& inherited);
 
-/// One step of the layout: a node, or a modifier that takes part in it (then with one child). Modifiers that only
-/// change what is inherited have no box.
+/// One step of the layout: a node, or a modifier that takes part in it (then with one child). Modifiers that
+/// only change what is inherited have no box.
 struct Box {
     const ui::Node* node = nullptr;
     const ui::Modifier* modifier = nullptr;
@@ -75,7 +75,8 @@ class BoxTree {
     ProposedSize childProposal(const ui::Modifier& modifier, const ProposedSize& proposal) const;
 
     TextFit fitText(const std::string& text, const Inherited& inherited, const ProposedSize& proposal);
-    PlacedText placeText(std::string text, const Inherited& inherited, Point origin, const ProposedSize& proposal);
+    PlacedText placeText(
+        std::string text, const Inherited& inherited, Point origin, const ProposedSize& proposal);
 
     StackLayout layOutStack(const Box& box, const ProposedSize& proposal);
     void placeStack(const Box& box, Rect frame, const ProposedSize& proposal);

@@ -61,7 +61,9 @@ void BoxTree::emit(std::size_t index, Point origin, Size size, const ProposedSiz
 void BoxTree::placeCentered(std::size_t child, Rect frame, const ProposedSize& proposal) {
     const Size size = measure(child, proposal);
     place(
-        child, {frame.x + (frame.width - size.width) / 2, frame.y + (frame.height - size.height) / 2}, proposal);
+        child,
+        {frame.x + (frame.width - size.width) / 2, frame.y + (frame.height - size.height) / 2},
+        proposal);
 }
 
 void BoxTree::emit(const Box& box, const ui::Modifier& modifier, Rect frame, const ProposedSize& proposal) {

@@ -65,8 +65,8 @@ BoxTree::StackLayout BoxTree::layOutStack(const Box& box, const ProposedSize& pr
         double reserved = 0;  // the least lengths of spacers, which come last
         for (std::size_t i = 0; i < count; ++i) {
             const double least = along.main(measure(children[i], along.withMain(proposal, 0)));
-            const double most =
-                along.main(measure(children[i], along.withMain(proposal, std::numeric_limits<double>::infinity())));
+            const double most = along.main(
+                measure(children[i], along.withMain(proposal, std::numeric_limits<double>::infinity())));
             order[i] = {i, least, most - least, isSpacer(children[i])};
             if (order[i].spacer) reserved += least;
         }
@@ -163,7 +163,8 @@ BoxTree::GridLayout BoxTree::layOutGrid(const Box& box, const ProposedSize& prop
     }
     out.size.width = out.columnWidth * static_cast<double>(columns) + gaps;
     out.size.height = std::accumulate(out.rowHeights.begin(), out.rowHeights.end(), 0.0);
-    if (!out.rowHeights.empty()) out.size.height += static_cast<double>(out.rowHeights.size() - 1) * grid.rowSpacing;
+    if (!out.rowHeights.empty())
+        out.size.height += static_cast<double>(out.rowHeights.size() - 1) * grid.rowSpacing;
     return out;
 }
 

@@ -18,9 +18,7 @@ std::string firstLine(const std::string& text) {
 }  // namespace
 
 BoxTree::TextFit BoxTree::fitText(
-    const std::string& text,
-    const Inherited& inherited,
-    const ProposedSize& proposal) {
+    const std::string& text, const Inherited& inherited, const ProposedSize& proposal) {
     const auto& font = inherited.font;
     const bool oneLine = inherited.lineLimit == 1;
     const std::string shown = oneLine ? firstLine(text) : text;
@@ -46,10 +44,7 @@ BoxTree::TextFit BoxTree::fitText(
 }
 
 PlacedText BoxTree::placeText(
-    std::string text,
-    const Inherited& inherited,
-    Point origin,
-    const ProposedSize& proposal) {
+    std::string text, const Inherited& inherited, Point origin, const ProposedSize& proposal) {
     const TextFit fit = fitText(text, inherited, proposal);
     return {
         .frame = {origin.x, origin.y, fit.extent.size.width, fit.extent.size.height},

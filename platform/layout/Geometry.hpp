@@ -17,7 +17,9 @@ struct Rect {
     double x = 0, y = 0, width = 0, height = 0;
 
     constexpr Point center() const { return {x + width / 2, y + height / 2}; }
-    constexpr bool contains(Point p) const { return p.x >= x && p.y >= y && p.x < x + width && p.y < y + height; }
+    constexpr bool contains(Point p) const {
+        return p.x >= x && p.y >= y && p.x < x + width && p.y < y + height;
+    }
     constexpr bool operator==(const Rect&) const = default;
 };
 

@@ -17,7 +17,8 @@ Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuri
     const Size size = tree.measure(tree.root(), proposal);
     tree.place(
         tree.root(),
-        {options.margin + (content.width - size.width) / 2, options.margin + (content.height - size.height) / 2},
+        {options.margin + (content.width - size.width) / 2,
+         options.margin + (content.height - size.height) / 2},
         proposal);
     return placement;
 }

@@ -13,7 +13,8 @@ struct LayoutOptions {
     Date now;
 };
 
-/// Lays a view out in a widget's room: a proposal goes in, frames come out. The content is centred within the margins.
+/// Lays a view out in a widget's room: a proposal goes in, frames come out. The content is centred within the
+/// margins.
 Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuring& measuring);
 
 }  // namespace zelto::layout

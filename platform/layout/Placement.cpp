@@ -15,7 +15,9 @@ std::string number(double value) {
 std::string text(const Rect& r) {
     return number(r.x) + "," + number(r.y) + " " + number(r.width) + "×" + number(r.height);
 }
-std::string text(const ui::Style& style) { return ui::hexText(std::get<ui::Color>(style)); }
+std::string text(const ui::Style& style) {
+    return ui::hexText(std::get<ui::Color>(style));
+}
 
 struct Line {
     std::string operator()(const PlacedText& t) const {
@@ -27,7 +29,8 @@ struct Line {
     }
     std::string operator()(const PlacedCountdown& c) const { return "countdown " + (*this)(c.text); }
     std::string operator()(const PlacedSymbol& s) const {
-        return "symbol " + text(s.frame) + " " + s.name + " " + number(s.fontSize) + " " + ui::hexText(s.color);
+        return "symbol " + text(s.frame) + " " + s.name + " " + number(s.fontSize) + " " +
+               ui::hexText(s.color);
     }
     std::string operator()(const PlacedShape& s) const {
         std::string out = "shape " + text(s.frame) + " " + geometryName(s.geometry);
@@ -37,7 +40,9 @@ struct Line {
         return out + " fill " + text(std::get<ui::Fill>(s.paint).style);
     }
     std::string operator()(const PlacedImage& i) const { return "image " + text(i.frame); }
-    std::string operator()(const BeginClip& c) const { return "clip " + text(c.frame) + " " + geometryName(c.geometry); }
+    std::string operator()(const BeginClip& c) const {
+        return "clip " + text(c.frame) + " " + geometryName(c.geometry);
+    }
     std::string operator()(const BeginRotation& r) const { return "rotate " + number(r.degrees); }
     std::string operator()(const End&) const { return "end"; }
 
@@ -45,7 +50,9 @@ struct Line {
         struct Name {
             std::string operator()(const ui::Circle&) const { return "circle"; }
             std::string operator()(const ui::Capsule&) const { return "capsule"; }
-            std::string operator()(const ui::RoundedRectangle& r) const { return "rounded " + number(r.radius); }
+            std::string operator()(const ui::RoundedRectangle& r) const {
+                return "rounded " + number(r.radius);
+            }
             std::string operator()(const ui::Polyline& p) const {
                 return "polyline of " + std::to_string(p.fractions.size());
             }

@@ -11,8 +11,8 @@
 
 namespace zelto::layout {
 
-// A laid-out view: what is to be painted, in painting order, with nothing left to decide. Colours are resolved (a style
-// always holds a colour), lengths are in points.
+// A laid-out view: what is to be painted, in painting order, with nothing left to decide. Colours are
+// resolved (a style always holds a colour), lengths are in points.
 
 struct PlacedText {
     Rect frame;
@@ -27,7 +27,8 @@ struct PlacedText {
     std::int64_t lines;
     bool operator==(const PlacedText&) const = default;
 };
-/// The countdown's text is `text` at the instant that the layout was made for; its digits change with every second.
+/// The countdown's text is `text` at the instant that the layout was made for; its digits change with every
+/// second.
 struct PlacedCountdown {
     PlacedText text;
     Date end;
@@ -67,8 +68,8 @@ struct BeginRotation {
 struct End {
     bool operator==(const End&) const = default;
 };
-using PlacedItem = std::
-    variant<PlacedText, PlacedCountdown, PlacedSymbol, PlacedShape, PlacedImage, BeginClip, BeginRotation, End>;
+using PlacedItem = std::variant<
+    PlacedText, PlacedCountdown, PlacedSymbol, PlacedShape, PlacedImage, BeginClip, BeginRotation, End>;
 
 /// Where a tap opens a link of its own.
 struct LinkArea {

@@ -23,12 +23,10 @@ class TextMeasuring {
     TextMeasuring& operator=(const TextMeasuring&) = delete;
     virtual ~TextMeasuring() = default;
 
-    /// A text, broken into lines no wider than `width` when that is given, cut with an ellipsis behind `lines` lines
-    /// when that is not 0.
+    /// A text, broken into lines no wider than `width` when that is given, cut with an ellipsis behind
+    /// `lines` lines when that is not 0.
     virtual TextExtent measure(
-        std::string_view text,
-        const ui::modifier::Font& font,
-        std::optional<double> width,
+        std::string_view text, const ui::modifier::Font& font, std::optional<double> width,
         std::int64_t lines) = 0;
 
     virtual double lineHeight(const ui::modifier::Font& font) = 0;

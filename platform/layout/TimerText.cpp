@@ -16,7 +16,9 @@ double shownSeconds(Date end, Date now) {
     return std::min(left > 0 ? std::ceil(left) : std::floor(-left), longest);
 }
 
-std::string twoDigits(std::int64_t value) { return (value < 10 ? "0" : "") + std::to_string(value); }
+std::string twoDigits(std::int64_t value) {
+    return (value < 10 ? "0" : "") + std::to_string(value);
+}
 
 }  // namespace
 

@@ -1,0 +1,25 @@
+// Any bytes as an extension's reply: whatever passes the host's checks can be laid out and drawn.
+
+#include <cstdint>
+#include <cstdlib>
+
+#include "platform/drawing/Renderer.hpp"
+#include "platform/layout/Layout.hpp"
+#include "platform/ui/Outline.hpp"
+#include "platform/widgetkit/Messages.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zelto;
+    static drawing::Renderer renderer;
+    const auto reply = decodeReply({reinterpret_cast<const char*>(data), size}, nullptr);
+    if (!reply) return 0;
+    const auto show = [](const ui::View& view) {
+        const auto placement =
+            layout::layOut(view, {.size = {164, 164}, .now = {800000000}}, renderer.measuring());
+        if (layout::dump(placement).empty() || ui::outline(view).empty()) std::abort();
+        renderer.draw(placement, 0.5);
+    };
+    if (reply->entry) show(reply->entry->view);
+    if (reply->timeline) show(reply->timeline->entries.front().view);
+    return 0;
+}

@@ -1,0 +1,24 @@
+// Any bytes as a snapshot: decoding never crashes, and what it accepts survives being written and read again.
+
+#include <cstdint>
+#include <cstdlib>
+
+#include "platform/foundation/JSONDecoder.hpp"
+#include "platform/foundation/JSONEncoder.hpp"
+#include "shared/WidgetSnapshotFields.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zelto;
+    const std::string_view document(reinterpret_cast<const char*>(data), size);
+    DecodingError error;
+    const auto snapshot = decodeJSON<WidgetSnapshot>(document, &error);
+    if (!snapshot) {
+        if (error.reason.empty() || error.place.empty()) std::abort();
+        return 0;
+    }
+    const auto text = encodeJSON(*snapshot);
+    if (!text) std::abort();
+    const auto again = decodeJSON<WidgetSnapshot>(*text);
+    if (!again || encodeJSON(*again) != text) std::abort();
+    return 0;
+}

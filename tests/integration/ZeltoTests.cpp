@@ -1,0 +1,273 @@
+// The front door and the extension, as processes.
+
+#include <algorithm>
+
+#include <gtest/gtest.h>
+
+#include "platform/foundation/Files.hpp"
+#include "platform/foundation/JSONDecoder.hpp"
+#include "platform/widgetkit/Messages.hpp"
+#include "tests/support/Golden.hpp"
+#include "tests/support/Paths.hpp"
+#include "tests/support/Process.hpp"
+#include "tests/support/Snapshots.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace zelto::test {
+namespace {
+
+struct ZeltoProcess : testing::Test {
+    TemporaryFolder folder;
+
+    static Finished zelto(std::vector<std::string> arguments, const std::string& input = "") {
+        arguments.insert(arguments.begin(), programFolder() / "zelto");
+        return run(arguments, input);
+    }
+    static Finished extension(const std::string& input) {
+        return run({programFolder() / "zelto-widgets", "--home", "/no/such/home"}, input);
+    }
+    std::string write(const std::string& name, const std::string& text) const {
+        return folder.write(name, text);
+    }
+};
+
+constexpr const char* live =
+    R"({"battery":73,"charging":true,"cpu":0.37,"memory":0.68,"disk":0.89,"diskFree":112400000000,"diskTotal":994662584320})";
+
+TEST_F(ZeltoProcess, PreviewIsFullyDeterminedByItsOptions) {
+    const std::vector<std::string> command{
+        "preview",
+        "overview",
+        "--family",
+        "medium",
+        "--live",
+        write("live.json", live),
+        "--date",
+        "2026-03-11T14:05:00-03:00",
+        "--locale",
+        "pt_BR",
+        "--time-zone",
+        "America/Sao_Paulo"};
+    const auto text = zelto(command);
+    EXPECT_EQ(text.status, 0) << text.errors;
+    EXPECT_TRUE(matchesGolden("preview-overview-medium", text.output));
+    auto words = command;
+    words.insert(words.begin(), programFolder() / "zelto");
+    EXPECT_EQ(run(words, "", {"LC_ALL=de_DE.UTF-8", "TZ=Asia/Tokyo", "HOME=/nowhere"}).output, text.output);
+}
+
+TEST_F(ZeltoProcess, PreviewTakesKindsAndSecondsAndStandardInput) {
+    const auto byMember = zelto(
+        {"preview",
+         "overview",
+         "--family",
+         "small",
+         "--live",
+         "-",
+         "--date",
+         "794941500",
+         "--time-zone",
+         "UTC"},
+        live);
+    const auto byKind = zelto(
+        {"preview",
+         "ZeltoWidget",
+         "--family",
+         "small",
+         "--live",
+         "-",
+         "--date",
+         "2026-03-11T14:05:00-03:00",
+         "--time-zone",
+         "UTC"},
+        live);
+    EXPECT_EQ(byMember.status, 0) << byMember.errors;
+    EXPECT_EQ(byMember.output, byKind.output);
+    EXPECT_NE(byKind.output.find("Text \"17:05\""), std::string::npos) << byKind.output;
+}
+
+TEST_F(ZeltoProcess, PreviewDrawsPNGAndSVG) {
+    const std::string png = folder.path() / "a.png", svg = folder.path() / "a.svg";
+    const std::vector<std::string> start{
+        "preview", "overview", "--family", "small", "--placeholder", "--no-snapshot", "--output"};
+    for (const auto& file : {png, svg}) {
+        auto command = start;
+        command.push_back(file);
+        const auto result = zelto(command);
+        EXPECT_EQ(result.status, 0) << result.errors;
+    }
+    EXPECT_EQ(readFile(png)->substr(1, 3), "PNG");
+    EXPECT_EQ((*readFile(png))[18] * 256 + static_cast<unsigned char>((*readFile(png))[19]), 328);
+    EXPECT_NE(readFile(svg)->find("<svg"), std::string::npos);
+}
+
+TEST_F(ZeltoProcess, RefusalsAreOneClearLine) {
+    const std::vector<std::pair<std::vector<std::string>, std::string>> rows{
+        {{"preview", "overview", "--family", "large", "--placeholder"},
+         "zelto: --family: ZeltoWidget offers small, medium, not large\n"},
+        {{"preview", "overview", "--family", "huge"},
+         "zelto: --family: 'huge' is not small, medium or large\n"},
+        {{"preview", "weather", "--family", "small"},
+         "zelto: no widget 'weather'; there are ZeltoWidget, ZeltoBattery, ZeltoSystem, ZeltoStorage, "
+         "ZeltoFans, "
+         "ZeltoCalendar, ZeltoWorldClock, ZeltoClipboard, ZeltoAwake, ZeltoEqualizer, ZeltoCare\n"},
+        {{"preview", "overview", "--family", "small", "--placeholder", "--locale", "zz"},
+         "zelto: --locale: 'zz' is not known\n"},
+        {{"preview", "overview", "--family", "small", "--placeholder", "--time-zone", "Mars"},
+         "zelto: --time-zone: 'Mars' is not known\n"},
+        {{"preview", "overview", "--family", "small", "--placeholder", "--date", "soon"},
+         "zelto: --date: 'soon' is neither a date like 2026-03-11T14:05:00-03:00 nor seconds since 2001\n"},
+        {{"timeline", "storage", "--family", "medium"},
+         "zelto: --family: ZeltoStorage offers small, not medium\n"},
+        {{"gallery", "--extension", "/no/such/program"},
+         "zelto: cannot start the widget extension /no/such/program: No such file or directory\n"}};
+    for (const auto& [command, expected] : rows) {
+        const auto result = zelto(command);
+        EXPECT_NE(result.status, 0);
+        EXPECT_EQ(result.errors, expected);
+        EXPECT_EQ(result.output, "");
+    }
+    EXPECT_EQ(
+        zelto({"preview", "overview", "--family", "small", "--live", "-"}, "{\"charging\":1}").errors,
+        "zelto: standard input: charging: expected true or false, found 1\n");
+    EXPECT_EQ(zelto({"fly"}).status, 2);
+    EXPECT_EQ(zelto({"--help"}).status, 0);
+}
+
+TEST_F(ZeltoProcess, SnapshotCheckNamesThePlaceOfEachFault) {
+    const std::string battery =
+        R"("battery":{"percent":80,"charging":true,"pluggedIn":true,"limitEnabled":true,"chargingPaused":false,"adapterDisabled":false},)";
+    const std::string clip = R"("clips":[{"id":"x","date":0,"pinned":false}],)";
+    const std::string event =
+        R"("events":[{"id":"","title":"","start":0,"end":0,"allDay":false,"colorHex":"","meetingURL":"ht tp://x"}],)";
+    const std::string good = leastDocument();
+    const std::vector<std::pair<std::string, std::string>> rows{
+        {leastDocument(battery), "battery.limit: missing"},
+        {leastDocument(R"("memoryUsed":80.5,)"), "memoryUsed: expected a non-negative integer, found 80.5"},
+        {leastDocument(clip), "clips[0].id: not a UUID"},
+        {leastDocument(event), "events[0].meetingURL: not a URL"},
+        {good.substr(0, 100), "line 1, column 101: invalid string: missing closing quote; expected string literal"},
+        {good + "\n x", "line 2, column 2: invalid literal; expected end of input"},
+        {leastDocument("\"x\":\"\xff\","), "line 1, column 7: invalid string: ill-formed UTF-8 byte"},
+        {"", "line 1, column 1: the document is empty"}};
+    for (const auto& [document, place] : rows) {
+        const std::string file = write("widget.json", document);
+        const auto result = zelto({"snapshot", "check", file});
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.errors, "zelto: " + file + ": " + place + "\n");
+        EXPECT_EQ(readFile(file), document);  // and changes nothing
+    }
+    EXPECT_EQ(zelto({"snapshot", "check", folder.path() / "missing"}).status, 1);
+}
+
+TEST_F(ZeltoProcess, SnapshotCheckAcceptsTheSample) {
+    const auto sample = zelto({"snapshot", "sample"});
+    const auto checked = zelto({"snapshot", "check", "-"}, sample.output);
+    EXPECT_EQ(checked.status, 0) << checked.errors;
+    EXPECT_TRUE(checked.output.starts_with("ok: taken ")) << checked.output;
+    EXPECT_NE(
+        checked.output.find("battery 80%, 1 fan, 3 clips, 3 events, 3 clock zones, 4 findings\n"),
+        std::string::npos);
+}
+
+TEST_F(ZeltoProcess, GalleryListsTheWidgetsAsTheExtensionReportsThem) {
+    const auto text = zelto({"gallery"});
+    EXPECT_EQ(text.status, 0) << text.errors;
+    EXPECT_TRUE(
+        text.output.starts_with("ZeltoWidget  small, medium\n    Zelto · Visão geral\n    Bateria, CPU, "
+                                "memória e disco do seu Mac.\n"));
+    const auto widgets = decodeJSON<std::vector<WidgetDescription>>(zelto({"gallery", "--json"}).output);
+    ASSERT_TRUE(widgets);
+    EXPECT_EQ(widgets->size(), 11U);
+}
+
+TEST_F(ZeltoProcess, TimelinePrintsDatesAndTheFirstTree) {
+    const auto result = zelto({"timeline", "overview", "--family", "medium", "--home", folder.path()});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(result.output.starts_with("entry 20")) << result.output;
+    EXPECT_NE(result.output.find("\nreload after 20"), std::string::npos);
+    EXPECT_NE(
+        result.output.find("\n\nVStack alignment=center spacing=8 .widgetURL(\"zelto://open?tab=home\")"),
+        std::string::npos);
+    const auto clock =
+        zelto({"timeline", "worldClock", "--family", "small", "--json", "--home", folder.path()});
+    const auto timeline = decodeJSON<ArchivedTimeline>(clock.output);
+    ASSERT_TRUE(timeline) << clock.errors;
+    EXPECT_EQ(timeline->entries.size(), 30U);
+}
+
+TEST_F(ZeltoProcess, RenderDrawsEveryOfferedFamilyAndASheet) {
+    const auto pictures = folder.path() / "pictures";
+    const auto result = zelto({"render", "--scale", "1", "--output", pictures, "--home", folder.path()});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(result.output.starts_with("19 pictures and gallery.png are in ")) << result.output;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures), {}), 20);
+    for (const auto& entry : std::filesystem::directory_iterator(pictures))
+        EXPECT_EQ(readFile(entry.path())->substr(1, 3), "PNG") << entry.path();
+}
+
+TEST_F(ZeltoProcess, RenderOfOneKindAsked) {
+    const auto result =
+        zelto({"render", "--kind", "battery", "--preview", "--scale", "1", "--output", folder.path() / "p"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "p/ZeltoBattery-small.png"));
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "p/ZeltoWidget-small.png"));
+}
+
+TEST_F(ZeltoProcess, AnExtensionThatIsKilledInTheMiddleGivesAClearMessage) {
+    // It lists its widgets and then dies the way kill -9 makes it die.
+    const std::string program = write(
+        "extension",
+        "#!/bin/sh\nread line\nprintf '%s\\n' '" +
+            extension(R"({"id":1,"request":"bundle"})")
+                .output.substr(0, extension(R"({"id":1,"request":"bundle"})").output.size() - 1) +
+            "'\nread line\nkill -9 $$\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    const auto result = zelto({"render", "--extension", program, "--output", folder.path() / "p"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "zelto: the widget extension died (signal 9, Killed)\n");
+}
+
+TEST_F(ZeltoProcess, NonsenseFromAnExtensionGivesAClearMessage) {
+    const std::string program = write("extension", "#!/bin/sh\nread line\necho hello\ncat > /dev/null\n");
+    std::filesystem::permissions(program, std::filesystem::perms::owner_all);
+    const auto result = zelto({"gallery", "--extension", program});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(
+        result.errors, "zelto: the widget extension answered nonsense: line 1, column 1: invalid literal\n");
+}
+
+// ---- the extension by itself
+// -------------------------------------------------------------------------------------
+
+TEST_F(ZeltoProcess, TheExtensionSurvivesGarbageAndEndsWithItsInput) {
+    const auto result = extension(
+        "\nnonsense\n{\"id\":1}\n" + std::string(100'000, 'x') +
+        "\n{\"id\":2,\"request\":\"bundle\"}\n{\"id\":3,\"request\":\"bundle\"}");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(std::ranges::count(result.output, '\n'), 5);
+    for (const char* piece :
+         {"{\"error\":\"line 1",
+          "{\"id\":1,\"error\":\"request: missing\"}",
+          "a request line holds at most 65536 bytes",
+          "{\"id\":2,\"widgets\":",
+          "{\"id\":3,\"widgets\":"})
+        EXPECT_NE(result.output.find(piece), std::string::npos) << piece;
+}
+
+TEST_F(ZeltoProcess, TheExtensionRefusesUnknownOptions) {
+    const auto result = run({programFolder() / "zelto-widgets", "--fly"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.errors, "zelto-widgets: '--fly' makes no sense here; try --help\n");
+}
+
+TEST_F(ZeltoProcess, TheExtensionReadsTheMachineAndTheSnapshotThatItIsPointedTo) {
+    folder.write("sys/class/power_supply/BAT0/type", "Battery\n");
+    folder.write("sys/class/power_supply/BAT0/capacity", "7\n");
+    const auto result = zelto({"timeline", "overview", "--family", "small", "--machine", folder.path()});
+    EXPECT_NE(result.output.find("Text \"7%\""), std::string::npos) << result.output << result.errors;
+    EXPECT_NE(result.output.find("trim=0.07 paint=stroke(style=#FF6166"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace zelto::test

@@ -1,0 +1,97 @@
+#include <limits>
+#include <map>
+
+#include <gtest/gtest.h>
+
+#include "platform/foundation/Formatting.hpp"
+#include "platform/foundation/ISO8601.hpp"
+#include "tests/support/Vectors.hpp"
+
+namespace zelto::test {
+namespace {
+
+TEST(ByteCount, FollowsTheFileStyle) {
+    for (const auto& row : vectors("byte_count_file").at("vectors")) {
+        const auto n = row.at("n").get<std::int64_t>();
+        const auto& tie = row.at("tie_half_away_pt_BR");
+        const std::string expected = tie.is_null() ? row.at("pt_BR") : tie;
+        EXPECT_EQ(Formatting({"pt_BR", "UTC"}).byteCount(n), expected) << n;
+        if (!tie.is_null()) continue;
+        EXPECT_EQ(Formatting({"pt_PT", "UTC"}).byteCount(n), row.at("pt_PT").get<std::string>()) << n;
+        EXPECT_EQ(Formatting({"en_US", "UTC"}).byteCount(n), row.at("en_US").get<std::string>()) << n;
+    }
+}
+
+TEST(ByteCount, HoldsAtTheEndsOfItsRange) {
+    const Formatting formatting({"pt_BR", "UTC"});
+    EXPECT_EQ(formatting.byteCount(std::numeric_limits<std::int64_t>::max()), "9,22 EB");
+    EXPECT_EQ(formatting.byteCount(std::numeric_limits<std::int64_t>::min()), "-9,22 EB");
+    EXPECT_EQ(formatting.byteCount(-1), "-1 byte");
+}
+
+TEST(ShortTime, FollowsLocaleAndZone) {
+    const Date date = *parseISO8601("2026-03-11T12:05:00Z");
+    EXPECT_EQ(Formatting({"pt_BR", "America/Sao_Paulo"}).shortTime(date), "09:05");
+    EXPECT_EQ(Formatting({"pt_PT", "Europe/Lisbon"}).shortTime(date), "12:05");
+    EXPECT_EQ(Formatting({"en_US", "America/Sao_Paulo"}).shortTime(date), "9:05\u202FAM");
+    EXPECT_EQ(Formatting({"en_GB", "Asia/Kolkata"}).shortTime(date), "17:35");
+    EXPECT_EQ(Formatting({"ja_JP", "America/Sao_Paulo"}).shortTime(date), "9:05");
+}
+
+TEST(StartOfMinute, CutsSecondsOff) {
+    EXPECT_EQ(Formatting::startOfMinute({119.9})->sinceReference, 60);
+    EXPECT_EQ(Formatting::startOfMinute({120})->sinceReference, 120);
+    EXPECT_EQ(Formatting::startOfMinute({-1})->sinceReference, -60);
+    EXPECT_FALSE(Formatting::startOfMinute({std::numeric_limits<double>::infinity()}));
+}
+
+TEST(Environment, TakesTheFirstLocaleThatSaysSomething) {
+    const auto locale = [](std::map<std::string, std::string, std::less<>> variables) {
+        return localeOf([variables](std::string_view name) -> std::optional<std::string> {
+            const auto found = variables.find(name);
+            if (found == variables.end()) return std::nullopt;
+            return found->second;
+        });
+    };
+    EXPECT_EQ(locale({{"LANG", "en_GB.UTF-8"}}), "en_GB");
+    EXPECT_EQ(locale({{"LANG", "en_GB.UTF-8"}, {"LC_TIME", "de_DE@euro"}}), "de_DE");
+    EXPECT_EQ(locale({{"LANG", "en_GB.UTF-8"}, {"LC_ALL", "pt_PT"}}), "pt_PT");
+    EXPECT_EQ(locale({{"LANG", "en_GB.UTF-8"}, {"LC_ALL", ""}}), "en_GB");
+    EXPECT_EQ(locale({{"LANG", "C.UTF-8"}}), "pt_BR");
+    EXPECT_EQ(locale({}), "pt_BR");
+}
+
+TEST(Environment, KnowsZonesAndLocales) {
+    for (const std::string known : {"America/Sao_Paulo", "UTC", "Asia/Kathmandu", "Etc/GMT+3"})
+        EXPECT_TRUE(isKnownTimeZone(known)) << known;
+    for (const std::string unknown : {"", "Mars/Olympus", "GMT+25:00", "Etc/Unknown"})
+        EXPECT_FALSE(isKnownTimeZone(unknown)) << unknown;
+    EXPECT_TRUE(isKnownLocale("pt_BR"));
+    EXPECT_FALSE(isKnownLocale("zz_ZZ"));
+    EXPECT_FALSE(isKnownLocale(""));
+}
+
+TEST(ISO8601, ReadsOffsetsAndFractions) {
+    EXPECT_EQ(parseISO8601("2001-01-01T00:00:00Z")->sinceReference, 0);
+    EXPECT_EQ(parseISO8601("2026-01-01T00:00:00Z")->sinceReference, 788918400);
+    EXPECT_EQ(parseISO8601("2026-01-01T00:00:00.5+00:00")->sinceReference, 788918400.5);
+    EXPECT_EQ(parseISO8601("2025-12-31T21:00-03:00")->sinceReference, 788918400);
+    for (const char* bad :
+         {"",
+          "2026-01-01",
+          "2026-02-30T00:00:00Z",
+          "2026-01-01T24:00:00Z",
+          "2026-01-01T00:00:00",
+          "2026-01-01T00:00:00Zx",
+          "26-01-01T00:00:00Z"})
+        EXPECT_FALSE(parseISO8601(bad)) << bad;
+}
+
+TEST(ISO8601, WritesWhatItReads) {
+    for (const char* text : {"2026-03-11T17:05:00Z", "2001-01-01T00:00:00Z", "1999-12-31T23:59:59.250Z"})
+        EXPECT_EQ(iso8601(*parseISO8601(text)), text);
+    EXPECT_EQ(iso8601({1e20}), "1e+20 s since 2001");
+}
+
+}  // namespace
+}  // namespace zelto::test

@@ -1,0 +1,117 @@
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "platform/ui/Building.hpp"
+#include "platform/widgetkit/Messages.hpp"
+
+namespace zelto::test {
+namespace {
+
+using namespace ui;
+
+/// A view with every kind of node and every modifier.
+View everything() {
+    View image{.node = node::Image{2, 1, Bytes{{1, 2, 3, 4, 5, 6, 7, 8}}}, .modifiers = {}};
+    return VStack(
+               {.alignment = HAlign::trailing, .spacing = 0.1},
+               HStack(
+                   {.alignment = VAlign::firstTextBaseline},
+                   Text("é\n\"/\\"),
+                   Symbol("fan"),
+                   Spacer(),
+                   Spacer(0)),
+               ZStack(
+                   Stroked(Circle{}, 0.3, {.style = secondary, .lineWidth = 1, .cap = LineCap::round}),
+                   Stroked(
+                       Polyline{{0, 0.5, 1}},
+                       {.style = Color{1, 0, 0}, .lineWidth = 1.5, .join = LineJoin::round})),
+               Grid(
+                   {.columns = 2, .rowSpacing = 4, .alignment = HAlign::leading},
+                   Text("a"),
+                   Text("b"),
+                   Text("c")),
+               Countdown({800000000.25}).monospacedDigits(12, Weight::semibold),
+               std::move(image)
+                   .scaledToFill()
+                   .frame({.width = 22, .height = 22})
+                   .clipShape(RoundedRectangle{4}),
+               Filled(Capsule{}, Color{0.1, 0.2, 0.3, 0.4}).stretched({.width = true, .height = true}))
+        .font(11, Weight::bold, Design::rounded)
+        .foreground(Color{1, 1, 1})
+        .lineLimit(1)
+        .minimumScale(0.5)
+        .padding(Edges::all, 3)
+        .rotation(-90)
+        .background(Circle{}, secondary)
+        .link("zelto://eq")
+        .widgetURL("zelto://open?tab=home")
+        .containerBackground({{0, 0, 0}, {1, 1, 1}});
+}
+
+Reply reply(View view) {
+    Reply out;
+    out.id = 7;
+    out.timeline = ArchivedTimeline{{{{1}, view}, {{2.5}, std::move(view)}}, {3}};
+    return out;
+}
+
+TEST(Archive, ReadsBackEqualToWhatWasWritten) {
+    const Reply written = reply(everything());
+    const auto line = encodeReply(written);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->find('\n'), std::string::npos);
+    std::string why;
+    EXPECT_EQ(decodeReply(*line, &why), written) << why;
+}
+
+TEST(Archive, RefusesToWriteWhatIsNotFinite) {
+    EXPECT_FALSE(encodeReply(reply(Text("x").font(std::numeric_limits<double>::quiet_NaN()))));
+    EXPECT_FALSE(encodeReply(reply(Text("\xff"))));
+}
+
+std::string fault(const Reply& reply) {
+    std::string why;
+    return decodeReply(encodeReply(reply).value_or(""), &why) ? "" : why;
+}
+
+TEST(Archive, BoundsWhatAStrangerMaySend) {
+    View deep = Text("x");
+    for (int i = 0; i < 60; ++i) deep = VStack({}, std::move(deep));
+    EXPECT_EQ(fault(reply(deep)), "nodes nested too deeply");
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(5000, Text(""))))), "too many nodes");
+    EXPECT_EQ(fault(reply(Text(std::string(20'000, 'x')))), "a text that is too long");
+    EXPECT_EQ(fault(reply(Text("x").font(1e9))), "a number that is too large");
+    EXPECT_EQ(
+        fault(reply(grid({.columns = 0, .rowSpacing = 0}, {}))),
+        "a grid without a sensible number of columns");
+    EXPECT_EQ(
+        fault(reply({.node = node::Image{2, 2, Bytes{{1, 2, 3, 4}}}, .modifiers = {}})),
+        "an image whose pixels do not match its size");
+    EXPECT_EQ(
+        fault(reply({.node = node::Image{100'000, 100'000, {}}, .modifiers = {}})),
+        "an image of an unreasonable size");
+    View many = Text("x");
+    for (int i = 0; i < 40; ++i) many = std::move(many).lineLimit(1);
+    EXPECT_EQ(fault(reply(many)), "too many modifiers on a node");
+}
+
+TEST(Archive, ChecksTheReplyItself) {
+    Reply none;
+    EXPECT_EQ(fault(none), "a reply needs exactly one of widgets, entry, timeline and error");
+    Reply empty;
+    empty.timeline = ArchivedTimeline{};
+    EXPECT_EQ(fault(empty), "a timeline without entries");
+    Reply unordered = reply(Text(""));
+    std::swap(unordered.timeline->entries[0], unordered.timeline->entries[1]);
+    EXPECT_EQ(fault(unordered), "timeline entries out of order");
+    std::string why;
+    EXPECT_FALSE(
+        decodeReply(R"({"id":1,"entry":{"date":0,"view":{"node":{"Web":{}},"modifiers":[]}}})", &why));
+    EXPECT_EQ(why, "entry.view.node: unknown case \"Web\"");
+    EXPECT_FALSE(decodeReply(R"({"id":1,"entry":{"date":0,"view":{"node":{},"modifiers":[]}}})", &why));
+    EXPECT_EQ(why, "entry.view.node: expected an object with one key");
+}
+
+}  // namespace
+}  // namespace zelto::test
