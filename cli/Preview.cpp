@@ -57,8 +57,8 @@ Environment environmentFor(const PreviewOptions& options) {
 std::string formatFor(const PreviewOptions& options) {
     if (!options.format.empty()) return options.format;
     if (options.output.empty() || options.output == "-") return "text";
-    for (const std::string format : {"svg", "json"})
-        if (options.output.ends_with("." + format)) return format;
+    for (const char* format : {"svg", "json"})
+        if (options.output.ends_with(std::string(".") + format)) return format;
     return options.output.ends_with(".txt") ? "text" : "png";
 }
 

@@ -40,7 +40,7 @@ class ExtensionProcess {
     pid_t pid() const { return pid_; }
 
     /// A reply line that is longer is nonsense.
-    static constexpr std::size_t longestLine = 32 * 1024 * 1024;
+    static constexpr std::size_t longestLine = std::size_t{32} * 1024 * 1024;
 
   private:
     ExtensionProcess(pid_t pid, FileDescriptor input, FileDescriptor output)

@@ -14,7 +14,7 @@ std::string localeOf(const std::function<std::optional<std::string>(std::string_
     for (const std::string_view name : {"LC_ALL", "LC_TIME", "LANG"}) {
         const auto value = variable(name);
         if (!value || value->empty()) continue;
-        const std::string locale = value->substr(0, value->find_first_of(".@"));
+        std::string locale = value->substr(0, value->find_first_of(".@"));
         if (locale == "C" || locale == "POSIX") break;
         return locale;
     }

@@ -95,7 +95,7 @@ HomeLookup HomeLookup::system() {
     };
 }
 
-HomeLookup HomeLookup::fixed(std::string home) {
+HomeLookup HomeLookup::fixed(const std::string& home) {
     return {.userDatabase = [home] { return home; }, .environment = [home] { return home; }};
 }
 

@@ -26,7 +26,7 @@ struct HomeLookup {
 
     static HomeLookup system();
     /// Always `home`.
-    static HomeLookup fixed(std::string home);
+    static HomeLookup fixed(const std::string& home);
 
     /// The user database's folder, else the environment's, else "/".
     std::filesystem::path home() const;

@@ -151,10 +151,7 @@ class Sink {
         return true;
     }
 
-    bool parse_error(
-        std::size_t position,
-        const std::string&,
-        const nlohmann::detail::exception& exception) {
+    bool parse_error(std::size_t position, const std::string&, const nlohmann::detail::exception& exception) {
         return failAt(position == 0 ? 0 : position - 1, reasonOf(exception.what()));
     }
 

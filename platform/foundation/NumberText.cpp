@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace zelto {
@@ -11,55 +12,76 @@ namespace {
 
 constexpr double largestPlain = 9007199254740992;  // 2^53
 
-void appendPlain(std::string& out, std::string_view digits, int exponent) {
-    if (exponent < 0) {
-        out += "0.";
-        out.append(static_cast<std::size_t>(-exponent - 1), '0');
-        out += digits;
-        return;
-    }
-    const auto whole = static_cast<std::size_t>(exponent) + 1;
-    if (digits.size() <= whole) {
-        out += digits;
-        out.append(whole - digits.size(), '0');
-        return;
-    }
-    out += digits.substr(0, whole);
-    out += '.';
-    out += digits.substr(whole);
+char* put(char* to, std::string_view text) {
+    std::memcpy(to, text.data(), text.size());
+    return to + text.size();
+}
+char* putZeros(char* to, std::size_t count) {
+    std::memset(to, '0', count);
+    return to + count;
 }
 
-void appendExponent(std::string& out, std::string_view digits, int exponent) {
-    out += digits[0];
-    if (digits.size() > 1) {
-        out += '.';
-        out += digits.substr(1);
+/// Digits with the point behind the first `exponent` + 1 of them.
+char* putPlain(char* to, std::string_view digits, int exponent) {
+    if (exponent < 0) {
+        to = put(to, "0.");
+        to = putZeros(to, static_cast<std::size_t>(-exponent - 1));
+        return put(to, digits);
     }
-    out += exponent < 0 ? "e-" : "e+";
+    const auto whole = static_cast<std::size_t>(exponent) + 1;
+    if (digits.size() <= whole) return putZeros(put(to, digits), whole - digits.size());
+    to = put(to, digits.substr(0, whole));
+    *to++ = '.';
+    return put(to, digits.substr(whole));
+}
+
+char* putExponent(char* to, std::string_view digits, int exponent) {
+    *to++ = digits[0];
+    if (digits.size() > 1) {
+        *to++ = '.';
+        to = put(to, digits.substr(1));
+    }
+    to = put(to, exponent < 0 ? "e-" : "e+");
     const int size = std::abs(exponent);
-    if (size < 10) out += '0';
-    out += std::to_string(size);
+    if (size < 10) *to++ = '0';
+    return std::to_chars(to, to + 3, size).ptr;
+}
+
+/// Most numbers that people and sensors make have few decimals. With at most fifteen significant digits a
+/// decimal is the only one of its length that reads back to its double, so the first that does is the
+/// shortest. Null when there is none.
+char* putShortDecimal(char* to, double magnitude) {
+    constexpr double largest = 1e15;
+    double unit = 1;
+    for (int decimals = 0; decimals <= 6; ++decimals, unit *= 10) {
+        const double scaled = magnitude * unit;
+        if (!(scaled < largest)) return nullptr;
+        const auto whole = static_cast<std::int64_t>(scaled + 0.5);
+        // The product is off by less than one part in 2^52, so what is further from an integer need not be divided.
+        if (std::fabs(scaled - static_cast<double>(whole)) > scaled * 0x1p-51) continue;
+        if (static_cast<double>(whole) / unit != magnitude) continue;
+        std::array<char, 24> text;
+        const auto* end = std::to_chars(text.begin(), text.end(), whole).ptr;
+        const std::string_view digits(text.data(), static_cast<std::size_t>(end - text.data()));
+        return putPlain(to, digits, static_cast<int>(digits.size()) - 1 - decimals);
+    }
+    return nullptr;
 }
 
 }  // namespace
 
-void appendNumber(std::string& out, double value) {
-    std::array<char, 40> text;
+char* writeNumber(char* to, double value) {
     const double magnitude = std::fabs(value);
-    if (magnitude <= largestPlain && value == std::floor(value) && value != 0) {
-        const auto end = std::to_chars(text.begin(), text.end(), static_cast<std::int64_t>(value)).ptr;
-        out.append(text.begin(), end);
-        return;
-    }
-    if (value == 0) {
-        out += std::signbit(value) ? "-0" : "0";
-        return;
-    }
+    if (std::signbit(value)) *to++ = '-';
+    if (magnitude == 0) return put(to, "0");
+    if (magnitude >= 1e-4)
+        if (char* end = putShortDecimal(to, magnitude)) return end;
 
     // std::to_chars without a format would choose the shorter of both forms (1e+05), which is another rule:
     // take its digits in scientific form and lay them out here.
-    const auto end = std::to_chars(text.begin(), text.end(), magnitude, std::chars_format::scientific).ptr;
-    const std::string_view scientific(text.begin(), end);
+    std::array<char, 40> text;
+    const auto* end = std::to_chars(text.begin(), text.end(), magnitude, std::chars_format::scientific).ptr;
+    const std::string_view scientific(text.data(), static_cast<std::size_t>(end - text.data()));
     const auto e = scientific.find('e');
     std::array<char, 24> digits;
     std::size_t count = 0;
@@ -69,12 +91,14 @@ void appendNumber(std::string& out, double value) {
     const char* exponentBegin = scientific.data() + e + 1 + (scientific[e + 1] == '+' ? 1 : 0);
     std::from_chars(exponentBegin, end, exponent);
 
-    if (value < 0) out += '-';
     const std::string_view significant(digits.data(), count);
-    if (magnitude >= 1e-4 && magnitude <= largestPlain)
-        appendPlain(out, significant, exponent);
-    else
-        appendExponent(out, significant, exponent);
+    return magnitude >= 1e-4 && magnitude <= largestPlain ? putPlain(to, significant, exponent)
+                                                          : putExponent(to, significant, exponent);
+}
+
+void appendNumber(std::string& out, double value) {
+    std::array<char, longestNumber> text;
+    out.append(text.data(), writeNumber(text.data(), value));
 }
 
 std::string briefNumber(double value) {

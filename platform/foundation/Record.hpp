@@ -55,7 +55,7 @@ concept Enumeration = requires {
 template <class T>
 concept TokenText = requires(const T& value, std::string_view text) {
     { T::parse(text) } -> std::same_as<std::optional<T>>;
-    { value.text() } -> std::convertible_to<std::string>;
+    { value.appendText(std::declval<std::string&>()) } -> std::same_as<void>;
     { TokenName<T>::name } -> std::convertible_to<std::string_view>;
 };
 
@@ -97,11 +97,12 @@ constexpr std::string_view unqualified(std::string_view name) {
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
-/// `"name":` for a name that is only known as a view.
+/// `{"name":` for a name that is only known as a view.
 template <std::size_t size>
-constexpr std::array<char, size + 3> quotedKey(std::string_view name) {
-    std::array<char, size + 3> out{};
+constexpr std::array<char, size + 4> quotedKey(std::string_view name) {
+    std::array<char, size + 4> out{};
     std::size_t end = 0;
+    out[end++] = '{';
     out[end++] = '"';
     for (const char c : name) out[end++] = c;
     out[end++] = '"';
@@ -114,39 +115,40 @@ struct MakeSchema;
 
 template <>
 struct MakeSchema<bool> {
-    static constexpr Schema value{.kind = Schema::Kind::boolean, .name = "true or false"};
+    static constexpr Schema schema{.kind = Schema::Kind::boolean, .name = "true or false"};
 };
 template <>
 struct MakeSchema<std::int64_t> {
-    static constexpr Schema value{.kind = Schema::Kind::integer, .name = "an integer"};
+    static constexpr Schema schema{.kind = Schema::Kind::integer, .name = "an integer"};
 };
 template <>
 struct MakeSchema<std::uint64_t> {
-    static constexpr Schema value{.kind = Schema::Kind::unsignedInteger, .name = "a non-negative integer"};
+    static constexpr Schema schema{.kind = Schema::Kind::unsignedInteger, .name = "a non-negative integer"};
 };
 template <>
 struct MakeSchema<double> {
-    static constexpr Schema value{.kind = Schema::Kind::real, .name = "a number"};
+    static constexpr Schema schema{.kind = Schema::Kind::real, .name = "a number"};
 };
 template <>
 struct MakeSchema<Date> {
     static_assert(sizeof(Date) == sizeof(double) && std::is_standard_layout_v<Date>);
-    static constexpr Schema value{.kind = Schema::Kind::real, .name = "a date"};
+    static constexpr Schema schema{.kind = Schema::Kind::real, .name = "a date"};
 };
 template <>
 struct MakeSchema<std::string> {
-    static constexpr Schema value{.kind = Schema::Kind::string, .name = "a string"};
+    static constexpr Schema schema{.kind = Schema::Kind::string, .name = "a string"};
 };
 
 template <TokenText T>
 struct MakeSchema<T> {
     static bool parse(void* value, std::string_view text) {
         auto parsed = T::parse(text);
-        if (parsed) *static_cast<T*>(value) = *std::move(parsed);
-        return parsed.has_value();
+        if (!parsed) return false;
+        *static_cast<T*>(value) = *std::move(parsed);
+        return true;
     }
-    static void print(const void* value, std::string& out) { out += static_cast<const T*>(value)->text(); }
-    static constexpr Schema value{
+    static void print(const void* value, std::string& out) { static_cast<const T*>(value)->appendText(out); }
+    static constexpr Schema schema{
         .kind = Schema::Kind::token, .name = TokenName<T>::name, .parse = &parse, .print = &print};
 };
 
@@ -163,7 +165,7 @@ struct MakeSchema<E> {
     static void print(const void* value, std::string& out) {
         out += Names<E>::names[static_cast<std::size_t>(*static_cast<const E*>(value))];
     }
-    static constexpr Schema value{
+    static constexpr Schema schema{
         .kind = Schema::Kind::token, .name = Names<E>::expectation, .parse = &parse, .print = &print};
 };
 
@@ -173,7 +175,7 @@ struct MakeSchema<std::optional<T>> {
     static void* append(void* c) { return &static_cast<Container*>(c)->emplace(blank<T>()); }
     static std::size_t count(const void* c) { return static_cast<const Container*>(c)->has_value() ? 1 : 0; }
     static const void* at(const void* c, std::size_t) { return &**static_cast<const Container*>(c); }
-    static constexpr Schema value{
+    static constexpr Schema schema{
         .kind = Schema::Kind::optional,
         .name = "an optional value",
         .element = &schemaOf<T>,
@@ -192,7 +194,7 @@ struct MakeSchema<std::vector<T>> {
     }
     static std::size_t count(const void* c) { return static_cast<const Container*>(c)->size(); }
     static const void* at(const void* c, std::size_t i) { return &(*static_cast<const Container*>(c))[i]; }
-    static constexpr Schema value{
+    static constexpr Schema schema{
         .kind = Schema::Kind::list,
         .name = "an array",
         .element = &schemaOf<T>,
@@ -216,7 +218,7 @@ struct MakeSchema<std::variant<Ts...>> {
     }
     static constexpr std::array<Schema::Case, sizeof...(Ts)> cases{
         Schema::Case{Record<Ts>::name, Record<Ts>::encodedKey, &schemaOf<Ts>, &select<Ts>}...};
-    static constexpr Schema value{
+    static constexpr Schema schema{
         .kind = Schema::Kind::choice,
         .name = "an object with one key",
         .count = &count,
@@ -230,7 +232,7 @@ requires requires {
 }
 struct MakeSchema<T> {
     static_assert(Record<T>::fields.size() <= 64, "the decoder marks the fields that it has seen in 64 bits");
-    static constexpr Schema value{
+    static constexpr Schema schema{
         .kind = Schema::Kind::record, .name = Record<T>::name, .fields = Record<T>::fields};
 };
 
@@ -238,7 +240,7 @@ struct MakeSchema<T> {
 
 template <class T>
 const Schema& schemaOf() {
-    return detail::MakeSchema<T>::value;
+    return detail::MakeSchema<T>::schema;
 }
 
 }  // namespace zelto
@@ -255,7 +257,7 @@ const Schema& schemaOf() {
 #define ZELTO_FOR_EACH_AGAIN() ZELTO_FOR_EACH_STEP
 
 #define ZELTO_FIELD(member) \
-    ::zelto::detail::field<Type, decltype(Type::member), &Type::member>(#member, "\"" #member "\":"),
+    ::zelto::detail::field<Type, decltype(Type::member), &Type::member>(#member, ",\"" #member "\":"),
 #define ZELTO_TEXT(text) #text,
 
 /// The field table of a record: its type and its members, in the order in which they are written.

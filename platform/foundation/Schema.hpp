@@ -32,14 +32,14 @@ struct Schema {
 
     struct Field {
         std::string_view name;
-        std::string_view encodedKey;  // "name":
+        std::string_view encodedKey;  // ,"name":
         Reference schema;
         void* (*address)(void* record);
         bool isOptional;
     };
     struct Case {
         std::string_view name;
-        std::string_view encodedKey;
+        std::string_view encodedKey;  // {"name":
         Reference schema;
         void* (*select)(void* choice);
     };

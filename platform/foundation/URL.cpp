@@ -20,21 +20,41 @@ constexpr bool isDigit(char c) {
 constexpr bool isHexDigit(char c) {
     return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
 }
-constexpr bool contains(std::string_view set, char c) {
-    return set.find(c) != std::string_view::npos;
+/// Where a character may stand as it is. Unreserved characters and sub-delimiters of RFC 3986 may stand
+/// everywhere.
+enum Part : std::uint8_t { host = 1, userInformation = 2, literal = 4, path = 8, query = 16, scheme = 32 };
+
+constexpr auto allowedIn = [] {
+    std::array<std::uint8_t, 256> table{};
+    const auto allow = [&](std::string_view characters, int parts) {
+        for (const char c : characters) {
+            auto& entry = table[static_cast<unsigned char>(c)];
+            entry = static_cast<std::uint8_t>(entry | parts);
+        }
+    };
+    const int everywhere = host | userInformation | literal | path | query;
+    for (int c = 0; c < 128; ++c) {
+        const char character = static_cast<char>(c);
+        if (isLetter(character) || isDigit(character)) allow({&character, 1}, everywhere | scheme);
+    }
+    allow("-._~!$&'()*+,;=", everywhere);
+    allow(":", userInformation | literal | path | query);
+    allow("@/", path | query);
+    allow("?", query);
+    allow("+-.", scheme);
+    return table;
+}();
+
+bool isAllowed(char c, Part part) {
+    return (allowedIn[static_cast<unsigned char>(c)] & part) != 0;
 }
 
-/// Unreserved characters and sub-delimiters of RFC 3986, and those that the part allows besides.
-bool isAllowed(char c, std::string_view besides) {
-    return isLetter(c) || isDigit(c) || contains("-._~!$&'()*+,;=", c) || contains(besides, c);
-}
-
-bool isWellFormed(std::string_view part, std::string_view besides) {
+bool isWellFormed(std::string_view part, Part kind) {
     for (std::size_t i = 0; i < part.size(); ++i) {
         if (part[i] == '%') {
             if (part.size() - i < 3 || !isHexDigit(part[i + 1]) || !isHexDigit(part[i + 2])) return false;
             i += 2;
-        } else if (!isAllowed(part[i], besides)) {
+        } else if (!isAllowed(part[i], kind)) {
             return false;
         }
     }
@@ -50,21 +70,21 @@ void appendPercentEncoded(std::string& out, char c) {
 }
 
 /// A part that is well formed stays as it is; otherwise all of it is encoded, its percent signs included.
-void appendPart(std::string& out, std::string_view part, std::string_view besides) {
-    if (isWellFormed(part, besides)) {
+void appendPart(std::string& out, std::string_view part, Part kind) {
+    if (isWellFormed(part, kind)) {
         out += part;
         return;
     }
     for (const char c : part) {
-        if (isAllowed(c, besides))
+        if (isAllowed(c, kind))
             out += c;
         else
             appendPercentEncoded(out, c);
     }
 }
 
-std::optional<std::string> asciiHost(std::string_view host) {
-    if (isWellFormed(host, "")) return std::string(host);
+std::optional<std::string> asciiHost(std::string_view text) {
+    if (isWellFormed(text, host)) return std::string(text);
     UErrorCode status = U_ZERO_ERROR;
     UIDNA* idna = uidna_openUTS46(
         UIDNA_CHECK_BIDI | UIDNA_CHECK_CONTEXTJ | UIDNA_NONTRANSITIONAL_TO_ASCII |
@@ -75,8 +95,8 @@ std::optional<std::string> asciiHost(std::string_view host) {
     const std::int32_t length = U_FAILURE(status) ? 0
                                                   : uidna_nameToASCII_UTF8(
                                                         idna,
-                                                        host.data(),
-                                                        static_cast<std::int32_t>(host.size()),
+                                                        text.data(),
+                                                        static_cast<std::int32_t>(text.size()),
                                                         buffer.data(),
                                                         static_cast<std::int32_t>(buffer.size()),
                                                         &info,
@@ -84,7 +104,7 @@ std::optional<std::string> asciiHost(std::string_view host) {
     uidna_close(idna);
     if (U_FAILURE(status) || info.errors != 0 || length <= 0) return std::nullopt;
     std::string encoded(buffer.data(), static_cast<std::size_t>(length));
-    if (!isWellFormed(encoded, "")) return std::nullopt;
+    if (!isWellFormed(encoded, host)) return std::nullopt;
     return encoded;
 }
 
@@ -95,13 +115,13 @@ bool isPort(std::string_view text) {
 /// Appends user information, host and port; false when one of them breaks the grammar.
 bool appendAuthority(std::string& out, std::string_view authority) {
     if (const auto at = authority.rfind('@'); at != std::string_view::npos) {
-        appendPart(out, authority.substr(0, at), ":");
+        appendPart(out, authority.substr(0, at), userInformation);
         out += '@';
         authority.remove_prefix(at + 1);
     }
     if (authority.starts_with('[')) {
         const auto close = authority.find(']');
-        if (close == std::string_view::npos || !isWellFormed(authority.substr(1, close - 1), ":"))
+        if (close == std::string_view::npos || !isWellFormed(authority.substr(1, close - 1), literal))
             return false;
         const auto rest = authority.substr(close + 1);
         if (!rest.empty() && (rest[0] != ':' || !isPort(rest.substr(1)))) return false;
@@ -111,9 +131,9 @@ bool appendAuthority(std::string& out, std::string_view authority) {
     const auto colon = authority.find(':');
     const auto port = colon == std::string_view::npos ? std::string_view() : authority.substr(colon);
     if (!port.empty() && !isPort(port.substr(1))) return false;
-    const auto host = authority.substr(0, colon);
-    if (host.find_first_of("[]") != std::string_view::npos) return false;
-    const auto encoded = asciiHost(host);
+    const auto name = authority.substr(0, colon);
+    if (name.find_first_of("[]") != std::string_view::npos) return false;
+    const auto encoded = asciiHost(name);
     if (!encoded) return false;
     out += *encoded;
     out += port;
@@ -122,7 +142,7 @@ bool appendAuthority(std::string& out, std::string_view authority) {
 
 bool isScheme(std::string_view text) {
     return !text.empty() && isLetter(text[0]) &&
-           std::ranges::all_of(text, [](char c) { return isLetter(c) || isDigit(c) || contains("+-.", c); });
+           std::ranges::all_of(text, [](char c) { return isAllowed(c, scheme); });
 }
 
 }  // namespace
@@ -146,18 +166,18 @@ std::optional<URL> URL::parse(std::string_view text) {
         if (!appendAuthority(out, rest.substr(0, end))) return std::nullopt;
         rest.remove_prefix(end);
     }
-    const auto query = std::min(rest.find_first_of("?#"), rest.size());
-    appendPart(out, rest.substr(0, query), ":@/");
-    rest.remove_prefix(query);
+    const auto pathEnd = std::min(rest.find_first_of("?#"), rest.size());
+    appendPart(out, rest.substr(0, pathEnd), path);
+    rest.remove_prefix(pathEnd);
     if (rest.starts_with('?')) {
         const auto fragment = std::min(rest.find('#'), rest.size());
         out += '?';
-        appendPart(out, rest.substr(1, fragment - 1), ":@/?");
+        appendPart(out, rest.substr(1, fragment - 1), query);
         rest.remove_prefix(fragment);
     }
     if (rest.starts_with('#')) {
         out += '#';
-        appendPart(out, rest.substr(1), ":@/?");
+        appendPart(out, rest.substr(1), query);
     }
     return URL(std::move(out));
 }

@@ -17,6 +17,7 @@ class URL {
     static std::optional<URL> parse(std::string_view text);
 
     const std::string& text() const { return text_; }
+    void appendText(std::string& out) const { out += text_; }
     bool operator==(const URL&) const = default;
 
   private:

@@ -46,15 +46,21 @@ std::optional<UUID> UUID::parse(std::string_view text) {
     return id;
 }
 
-std::string UUID::text() const {
+void UUID::appendText(std::string& out) const {
     static constexpr char digits[] = "0123456789ABCDEF";
-    std::string out;
-    out.reserve(36);
+    std::array<char, 36> text;
+    std::size_t end = 0;
     for (const std::uint8_t byte : bytes) {
-        if (isHyphenPosition(out.size())) out += '-';
-        out += digits[byte >> 4];
-        out += digits[byte & 0x0F];
+        if (isHyphenPosition(end)) text[end++] = '-';
+        text[end++] = digits[byte >> 4];
+        text[end++] = digits[byte & 0x0F];
     }
+    out.append(text.data(), text.size());
+}
+
+std::string UUID::text() const {
+    std::string out;
+    appendText(out);
     return out;
 }
 

@@ -19,6 +19,7 @@ struct UUID {
     static std::optional<UUID> parse(std::string_view text);
 
     std::string text() const;
+    void appendText(std::string& out) const;
     bool operator==(const UUID&) const = default;
 };
 

@@ -16,6 +16,7 @@ struct Bytes {
 
     static std::optional<Bytes> parse(std::string_view base64);
     std::string text() const;
+    void appendText(std::string& out) const { out += text(); }
     bool operator==(const Bytes&) const = default;
 };
 

@@ -30,6 +30,11 @@ struct Request {
     bool operator==(const Request&) const = default;
 };
 
+/// What can still be read of a request that cannot be read whole.
+struct RequestHead {
+    std::optional<std::int64_t> id = {};
+};
+
 /// A widget as the gallery shows it.
 struct WidgetDescription {
     std::string kind;
@@ -81,7 +86,7 @@ struct ViewBounds {
     std::size_t nodes = 4096;
     std::size_t depth = 48;
     std::size_t modifiers = 32;
-    std::size_t textBytes = 16 * 1024;
+    std::size_t textBytes = std::size_t{16} * 1024;
     double points = 10'000;
     std::int64_t imageSide = 512;
 };
@@ -98,6 +103,7 @@ inline zelto::ArchivedEntry zelto::blank<zelto::ArchivedEntry>() {
 
 ZELTO_NAMES(zelto::RequestKind, "a request", bundle, placeholder, snapshot, timeline);
 ZELTO_RECORD(zelto::Request, id, request, kind, family, preview, locale, timeZone);
+ZELTO_RECORD(zelto::RequestHead, id);
 ZELTO_RECORD(zelto::WidgetDescription, kind, displayName, description, families);
 ZELTO_RECORD(zelto::ArchivedEntry, date, view);
 ZELTO_RECORD(zelto::ArchivedTimeline, entries, reloadAfter);

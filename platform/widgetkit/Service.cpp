@@ -8,11 +8,6 @@
 namespace zelto {
 namespace {
 
-/// What can still be read of a request that cannot be read whole.
-struct RequestHead {
-    std::optional<std::int64_t> id;
-};
-
 std::string errorLine(std::optional<std::int64_t> id, std::string error) {
     Reply reply;
     reply.id = id;
@@ -28,14 +23,6 @@ std::string familyNames(const WidgetDescription& widget) {
     }
     return out;
 }
-
-}  // namespace
-}  // namespace zelto
-
-ZELTO_RECORD(zelto::RequestHead, id);
-
-namespace zelto {
-namespace {
 
 /// The id of a request that is faulty elsewhere, also when it breaks off behind its id.
 std::optional<std::int64_t> idOf(std::string_view line) {

@@ -24,7 +24,7 @@ class Service {
     bool serve(int input, int output) const;
 
     /// A request line that is longer is refused.
-    static constexpr std::size_t longestLine = 64 * 1024;
+    static constexpr std::size_t longestLine = std::size_t{64} * 1024;
 
   private:
     Reply reply(const Request& request) const;
