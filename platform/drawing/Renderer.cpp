@@ -21,12 +21,10 @@ Surface surfaceOver(Picture& picture) {
         picture.width * static_cast<int>(sizeof(std::uint32_t))));
 }
 
-Picture blankPicture(layout::Size size, double scale) {
-    Picture picture;
+void resize(Picture& picture, layout::Size size, double scale) {
     picture.width = std::max(1, static_cast<int>(std::lround(size.width * scale)));
     picture.height = std::max(1, static_cast<int>(std::lround(size.height * scale)));
     picture.pixels.resize(static_cast<std::size_t>(picture.width) * static_cast<std::size_t>(picture.height));
-    return picture;
 }
 
 std::uint32_t opaquePixel(const ui::LinearGradient& gradient, double t) {
@@ -94,8 +92,17 @@ layout::TextMeasuring& Renderer::measuring() {
 }
 
 Picture Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius) {
-    Picture picture = blankPicture(placement.size, scale);
-    if (placement.background) fillBackground(picture, *placement.background);
+    Picture picture;
+    draw(placement, scale, cornerRadius, picture);
+    return picture;
+}
+
+void Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius, Picture& picture) {
+    resize(picture, placement.size, scale);
+    if (placement.background)
+        fillBackground(picture, *placement.background);
+    else
+        std::ranges::fill(picture.pixels, 0);
     const Surface surface = surfaceOver(picture);
     const Context context(cairo_create(surface.get()));
     cairo_scale(context.get(), scale, scale);
@@ -105,11 +112,11 @@ Picture Renderer::draw(const layout::Placement& placement, double scale, double 
     }
     if (cornerRadius > 0) clearCorners(context.get(), placement.size, cornerRadius);
     cairo_surface_flush(surface.get());
-    return picture;
 }
 
 Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size, double scale) {
-    Picture picture = blankPicture(size, scale);
+    Picture picture;
+    resize(picture, size, scale);
     const Surface surface = surfaceOver(picture);
     const Context owner(cairo_create(surface.get()));
     cairo_t* context = owner.get();

@@ -35,6 +35,8 @@ class Renderer {
     /// A picture at `scale` pixels a point, its container background reaching into rounded corners or square
     /// ones.
     Picture draw(const layout::Placement& placement, double scale, double cornerRadius = 0);
+    /// The same into a picture whose pixels are used again when their number is right.
+    void draw(const layout::Placement& placement, double scale, double cornerRadius, Picture& into);
 
     /// Widgets with rounded corners and shadows on a backdrop of `size` points.
     Picture drawSheet(std::span<const SheetItem> items, layout::Size size, double scale);
