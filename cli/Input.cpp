@@ -8,6 +8,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "cli/Failure.hpp"
@@ -24,6 +25,9 @@ constexpr std::array<std::pair<std::string_view, WidgetFamily>, 3> families{
 
 std::string readAll(int fd, const std::string& name) {
     std::string out;
+    // A file's size is known: a large one is then held once.
+    struct stat status {};
+    if (fstat(fd, &status) == 0 && status.st_size > 0) out.reserve(static_cast<std::size_t>(status.st_size));
     std::array<char, 64 * 1024> buffer;
     while (true) {
         const ssize_t count = read(fd, buffer.data(), buffer.size());
