@@ -54,8 +54,7 @@ struct Scanner {
         if (!atNumber()) refuse("a number was expected before '" + std::string(text.substr(0, 8)) + "'");
         // from_chars wants a digit before the point.
         std::string padded(text.substr(0, text.find_first_not_of("0123456789.-", 1)));
-        if (const auto second = padded.find('-', 1); second != std::string::npos)
-            padded.resize(second);
+        if (const auto second = padded.find('-', 1); second != std::string::npos) padded.resize(second);
         const auto point = padded.find('.');
         if (point != std::string::npos)
             if (const auto again = padded.find('.', point + 1); again != std::string::npos)

@@ -57,7 +57,8 @@ char* putShortDecimal(char* to, double magnitude) {
         const double scaled = magnitude * unit;
         if (!(scaled < largest)) return nullptr;
         const auto whole = static_cast<std::int64_t>(scaled + 0.5);
-        // The product is off by less than one part in 2^52, so what is further from an integer need not be divided.
+        // The product is off by less than one part in 2^52, so what is further from an integer need not be
+        // divided.
         if (std::fabs(scaled - static_cast<double>(whole)) > scaled * 0x1p-51) continue;
         if (static_cast<double>(whole) / unit != magnitude) continue;
         std::array<char, 24> text;

@@ -146,7 +146,8 @@ TEST_F(ZeltoProcess, SnapshotCheckNamesThePlaceOfEachFault) {
         {leastDocument(R"("memoryUsed":80.5,)"), "memoryUsed: expected a non-negative integer, found 80.5"},
         {leastDocument(clip), "clips[0].id: not a UUID"},
         {leastDocument(event), "events[0].meetingURL: not a URL"},
-        {good.substr(0, 100), "line 1, column 101: invalid string: missing closing quote; expected string literal"},
+        {good.substr(0, 100),
+         "line 1, column 101: invalid string: missing closing quote; expected string literal"},
         {good + "\n x", "line 2, column 2: invalid literal; expected end of input"},
         {leastDocument("\"x\":\"\xff\","), "line 1, column 7: invalid string: ill-formed UTF-8 byte"},
         {"", "line 1, column 1: the document is empty"}};
