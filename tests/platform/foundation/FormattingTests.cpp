@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/foundation/Characters.hpp"
 #include "platform/foundation/Formatting.hpp"
 #include "platform/foundation/ISO8601.hpp"
 #include "tests/support/Vectors.hpp"
@@ -36,6 +37,72 @@ TEST(ShortTime, FollowsLocaleAndZone) {
     EXPECT_EQ(Formatting({"en_US", "America/Sao_Paulo"}).shortTime(date), "9:05\u202FAM");
     EXPECT_EQ(Formatting({"en_GB", "Asia/Kolkata"}).shortTime(date), "17:35");
     EXPECT_EQ(Formatting({"ja_JP", "America/Sao_Paulo"}).shortTime(date), "9:05");
+}
+
+TEST(RelativeDate, CountsCalendarBoundariesAndNamesThem) {
+    const Date reference = *parseISO8601("2026-03-11T12:00:00-03:00");
+    for (const char* locale : {"pt_BR", "pt_PT", "en_US"}) {
+        const Formatting formatting({locale, "America/Sao_Paulo"});
+        for (const auto& row : vectors("relative_named_wide").at("vectors"))
+            EXPECT_EQ(
+                formatting.relativeDate(reference + row.at("offset_s").get<double>(), reference),
+                row.at(locale).get<std::string>())
+                << row.at("what");
+    }
+}
+
+TEST(RelativeDate, AgreesWithThePlatformsOwnRows) {
+    const auto& table = vectors("relative_platform_own");
+    const Formatting formatting({"en_US", "GMT"});
+    const Date reference{table.at("reference_s_since_2001").get<double>()};
+    for (const auto& row : table.at("vectors"))
+        EXPECT_EQ(
+            formatting.relativeDate({row.at("date_s_since_2001").get<double>()}, reference),
+            row.at("text").get<std::string>())
+            << row;
+}
+
+TEST(Dates, AreArrangedByTheLocale) {
+    const Date date = *parseISO8601("2026-03-11T12:00:00-03:00");
+    const Formatting brazil({"pt_BR", "America/Sao_Paulo"});
+    EXPECT_EQ(brazil.monthAndWeekday(date), "março quarta-feira");
+    EXPECT_EQ(brazil.weekdayAndDay(date), "qua., 11");
+    EXPECT_EQ(brazil.weekdayAndDay(*parseISO8601("2026-03-14T12:00:00-03:00")), "sáb., 14");
+    EXPECT_EQ(brazil.weekdayAndDay(*parseISO8601("2026-03-01T12:00:00-03:00")), "dom., 1");
+    EXPECT_EQ(Formatting({"en_US", "America/Sao_Paulo"}).monthAndWeekday(date), "March Wednesday");
+    EXPECT_EQ(Formatting({"ja_JP", "America/Sao_Paulo"}).monthAndWeekday(date), "3月 水曜日");
+}
+
+TEST(Calendar, BelongsToItsZone) {
+    const Formatting brazil({"pt_BR", "America/Sao_Paulo"});
+    const Date late = *parseISO8601("2026-03-11T23:30:00-03:00");
+    EXPECT_EQ(brazil.dayOfMonth(late), 11);
+    EXPECT_EQ(brazil.hour(late, "America/Sao_Paulo"), 23);
+    EXPECT_EQ(brazil.hour(late, "Asia/Kathmandu"), 8);
+    EXPECT_EQ(brazil.hour(late, "Mars/Olympus"), 23);
+    EXPECT_EQ(brazil.hour({std::numeric_limits<double>::infinity()}, "UTC"), std::nullopt);
+    EXPECT_TRUE(brazil.isSameDay(late, late - 3600));
+    EXPECT_FALSE(brazil.isSameDay(late, late + 3600));
+    EXPECT_EQ(brazil.nextDay(late), late + 86400);
+    // The day on which clocks go forward has 23 hours.
+    const Formatting lisbon({"pt_PT", "Europe/Lisbon"});
+    const Date noon = *parseISO8601("2026-03-28T12:00:00Z");
+    EXPECT_EQ(lisbon.nextDay(noon), noon + 23 * 3600.0);
+}
+
+TEST(Characters, AreWhatAPersonPerceives) {
+    EXPECT_EQ(characters("a\r\nb").size(), 3U);
+    EXPECT_EQ(characters("\n\r").size(), 2U);
+    EXPECT_EQ(characters("e\u0301z").size(), 2U);
+    EXPECT_EQ(characters("🇧🇷").size(), 1U);
+    EXPECT_EQ(characters("").size(), 0U);
+    EXPECT_EQ(upperCased("ßfi"), "SSFI");
+    EXPECT_EQ(firstUpperCased("março"), "Março");
+    EXPECT_EQ(firstUpperCased("ábril"), "Ábril");
+    EXPECT_EQ(firstUpperCased("3月"), "3月");
+    EXPECT_EQ(firstUpperCased("a"), "A");
+    EXPECT_EQ(firstUpperCased("e\u0301z"), "E\u0301z");
+    EXPECT_EQ(firstUpperCased(""), "");
 }
 
 TEST(StartOfMinute, CutsSecondsOff) {

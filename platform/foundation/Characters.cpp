@@ -1,0 +1,50 @@
+#include "platform/foundation/Characters.hpp"
+
+#include <unicode/ubrk.h>
+#include <unicode/ustring.h>
+
+#include "platform/foundation/ICUText.hpp"
+
+namespace zelto {
+
+using icuText::filled;
+using icuText::utf16;
+using icuText::utf8;
+
+std::vector<std::string> characters(std::string_view text) {
+    const std::u16string units = utf16(text);
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::LocalUBreakIteratorPointer breaks(
+        ubrk_open(UBRK_CHARACTER, "", units.data(), static_cast<std::int32_t>(units.size()), &status));
+    std::vector<std::string> out;
+    if (U_FAILURE(status)) return out;
+    std::int32_t begin = ubrk_first(breaks.getAlias());
+    for (std::int32_t end = ubrk_next(breaks.getAlias()); end != UBRK_DONE;
+         end = ubrk_next(breaks.getAlias())) {
+        out.push_back(utf8(std::u16string_view(units).substr(
+            static_cast<std::size_t>(begin), static_cast<std::size_t>(end - begin))));
+        begin = end;
+    }
+    return out;
+}
+
+std::string upperCased(std::string_view text) {
+    const std::u16string units = utf16(text);
+    return utf8(filled([&](UChar* out, std::int32_t size, UErrorCode* status) {
+        return u_strToUpper(out, size, units.data(), static_cast<std::int32_t>(units.size()), "", status);
+    }));
+}
+
+std::string firstUpperCased(std::string_view text) {
+    // Dates begin with a plain letter nearly always, and that needs no break iterator.
+    if (text.size() > 1 && static_cast<signed char>(text[0]) > 0 && static_cast<signed char>(text[1]) > 0) {
+        std::string out(text);
+        if (out[0] >= 'a' && out[0] <= 'z') out[0] = static_cast<char>(out[0] - 'a' + 'A');
+        return out;
+    }
+    const auto all = characters(text);
+    if (all.empty()) return {};
+    return upperCased(all.front()) + std::string(text.substr(all.front().size()));
+}
+
+}  // namespace zelto
