@@ -53,6 +53,8 @@ struct ChangeInherited {
         if (!placement.background) placement.background = background.gradient;
         return true;
     }
+    // Nothing of it shows.
+    bool operator()(const ui::modifier::AccessibilityLabel&) const { return true; }
     bool operator()(const auto&) const { return false; }
 };
 

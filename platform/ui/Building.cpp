@@ -37,6 +37,9 @@ View Countdown(Date end) {
 View Symbol(std::string name) {
     return leaf(node::Symbol{std::move(name)});
 }
+View Image(node::Image image) {
+    return leaf(std::move(image));
+}
 View Spacer(std::optional<double> minLength) {
     return leaf(node::Spacer{minLength});
 }

@@ -68,6 +68,7 @@ Views forEach(Range&& range, Make make) {
 View Text(std::string text);
 View Countdown(Date end);
 View Symbol(std::string name);
+View Image(node::Image image);
 View Spacer(std::optional<double> minLength = {});
 /// A symbol followed by a text.
 View Label(std::string symbol, std::string text);

@@ -85,11 +85,18 @@ struct ContainerBackground {
     bool operator==(const ContainerBackground&) const = default;
 };
 
+/// What an assistive technology reads instead of what is inside.
+struct AccessibilityLabel {
+    std::string label;
+    bool operator==(const AccessibilityLabel&) const = default;
+};
+
 }  // namespace modifier
 
 using Modifier = std::variant<
     modifier::Font, modifier::Foreground, modifier::LineLimit, modifier::MinimumScale, modifier::Padding,
     modifier::Frame, modifier::Stretch, modifier::ScaledToFill, modifier::Rotation, modifier::Background,
-    modifier::ClipShape, modifier::Link, modifier::WidgetURL, modifier::ContainerBackground>;
+    modifier::ClipShape, modifier::Link, modifier::WidgetURL, modifier::ContainerBackground,
+    modifier::AccessibilityLabel>;
 
 }  // namespace zelto::ui

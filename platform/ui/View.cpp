@@ -65,6 +65,9 @@ View View::widgetURL(std::string url) && {
 View View::containerBackground(LinearGradient gradient) && {
     return with(std::move(*this), modifier::ContainerBackground{gradient});
 }
+View View::accessibilityLabel(std::string label) && {
+    return with(std::move(*this), modifier::AccessibilityLabel{std::move(label)});
+}
 
 const Views* childrenOf(const Node& node) {
     return std::visit(

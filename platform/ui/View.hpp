@@ -33,6 +33,7 @@ struct View {
     [[nodiscard]] View link(std::string url) &&;
     [[nodiscard]] View widgetURL(std::string url) &&;
     [[nodiscard]] View containerBackground(LinearGradient) &&;
+    [[nodiscard]] View accessibilityLabel(std::string label) &&;
     /// A treatment of the caller's own: a function from view to view.
     template <class Treatment>
     [[nodiscard]] View apply(Treatment treatment) && {

@@ -35,4 +35,6 @@ ZELTO_RECORD(zelto::ui::modifier::Link, url);
 ZELTO_RECORD(zelto::ui::modifier::WidgetURL, url);
 ZELTO_RECORD(zelto::ui::modifier::ContainerBackground, gradient);
 
+ZELTO_RECORD(zelto::ui::modifier::AccessibilityLabel, label);
+
 ZELTO_RECORD(zelto::ui::View, node, modifiers);

@@ -15,26 +15,43 @@ double Ring::arcFraction() const {
     return std::isnan(value) ? 0.01 : std::max(std::min(value, 1.0), 0.01);
 }
 
+std::string Ring::shownText() const {
+    return centerText.value_or(roundedPercent(value));
+}
+
+std::string Ring::readText() const {
+    if (label) return *label + ", " + shownText() + (caption ? ", " + *caption : "");
+    return caption ? *caption + ", " + shownText() : shownText();
+}
+
 View Ring::body() const {
     return VStack(
-        {.spacing = 4},
-        ZStack(
-            Stroked(Circle{}, {.style = Palette::track, .lineWidth = lineWidth}),
-            Stroked(Circle{}, arcFraction(), {.style = color, .lineWidth = lineWidth, .cap = LineCap::round})
-                .rotation(-90),
-            VStack(
-                {.spacing = 0},
-                Text(centerText.value_or(roundedPercent(value)))
-                    .font(fontSize, Weight::bold, Design::rounded)
-                    .lineLimit(1)
-                    .minimumScale(0.5),
-                ifPresent(
-                    caption,
-                    [](const auto& text) { return Text(text).font(8).foreground(secondary).lineLimit(1); }))
-                .padding(Edges::horizontal, lineWidth)),
-        ifPresent(label, [](const auto& text) {
-            return Text(text).font(10, Weight::semibold).foreground(secondary);
-        }));
+               {.spacing = 4},
+               ZStack(
+                   Stroked(Circle{}, {.style = Palette::track, .lineWidth = lineWidth}),
+                   Stroked(
+                       Circle{},
+                       arcFraction(),
+                       {.style = color, .lineWidth = lineWidth, .cap = LineCap::round})
+                       .rotation(-90),
+                   VStack(
+                       {.spacing = 0},
+                       Text(shownText())
+                           .font(fontSize, Weight::bold, Design::rounded)
+                           .lineLimit(1)
+                           .minimumScale(0.5),
+                       ifPresent(
+                           caption,
+                           [](const auto& text) {
+                               return Text(text).font(8).foreground(secondary).lineLimit(1);
+                           }))
+                       .padding(Edges::horizontal, lineWidth)),
+               ifPresent(
+                   label,
+                   [](const auto& text) {
+                       return Text(text).font(10, Weight::semibold).foreground(secondary);
+                   }))
+        .accessibilityLabel(readText());
 }
 
 }  // namespace zelto

@@ -21,6 +21,10 @@ struct Ring {
 
     /// The part of the circle that is filled: never less than a stub, never more than all.
     double arcFraction() const;
+    /// What the middle shows.
+    std::string shownText() const;
+    /// What is read aloud: what it is of, how much, and what else it says.
+    std::string readText() const;
 };
 
 }  // namespace zelto

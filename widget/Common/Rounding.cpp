@@ -1,5 +1,7 @@
 #include "widget/Common/Rounding.hpp"
 
+#include <array>
+#include <charconv>
 #include <cmath>
 #include <limits>
 
@@ -17,6 +19,11 @@ std::int64_t saturated(double integral) {
 
 std::int64_t nearestInteger(double value) {
     return saturated(std::round(value));
+}
+
+std::string wholeNumber(double value) {
+    std::array<char, 400> text;  // the largest double has 309 digits
+    return {text.data(), std::to_chars(text.begin(), text.end(), value, std::chars_format::fixed, 0).ptr};
 }
 
 std::string roundedPercent(double fraction) {

@@ -9,6 +9,9 @@ namespace zelto {
 /// taken.
 std::int64_t nearestInteger(double value);
 
+/// A number without decimals, as C formats it with "%.0f".
+std::string wholeNumber(double value);
+
 /// A fraction in percent as a ring shows it: rounded, halves away from zero ("73%").
 std::string roundedPercent(double fraction);
 

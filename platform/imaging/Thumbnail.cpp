@@ -1,0 +1,97 @@
+#include "platform/imaging/Thumbnail.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <gdk-pixbuf/gdk-pixbuf.h>
+#include <memory>
+#include <mutex>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/foundation/FileDescriptor.hpp"
+
+namespace zelto::imaging {
+namespace {
+
+/// Of decoded pixels at four bytes each.
+constexpr std::int64_t mostBytes = 48'000'000;
+/// A file that is larger is not read at all.
+constexpr off_t largestFile = 64 * 1024 * 1024;
+
+struct Unref {
+    void operator()(void* object) const { g_object_unref(object); }
+};
+using Loader = std::unique_ptr<GdkPixbufLoader, Unref>;
+using Pixbuf = std::unique_ptr<GdkPixbuf, Unref>;
+
+/// Called as soon as the file has told its size, before pixels are decoded.
+void checkSize(GdkPixbufLoader*, int width, int height, void* tooLarge) {
+    if (std::int64_t{4} * width * height > mostBytes) *static_cast<bool*>(tooLarge) = true;
+}
+
+/// Feeds the file to the loader; false when it is no sound image or too large.
+bool feed(GdkPixbufLoader* loader, int fd) {
+    bool tooLarge = false;
+    g_signal_connect(loader, "size-prepared", G_CALLBACK(checkSize), &tooLarge);
+    std::array<guchar, 4096> buffer;
+    while (true) {
+        const ssize_t count = read(fd, buffer.data(), buffer.size());
+        if (count < 0 && errno == EINTR) continue;
+        const bool written =
+            count >= 0 &&
+            (count == 0 ||
+             gdk_pixbuf_loader_write(loader, buffer.data(), static_cast<gsize>(count), nullptr) != FALSE);
+        if (!written || tooLarge) {
+            gdk_pixbuf_loader_close(loader, nullptr);
+            return false;
+        }
+        if (count == 0) return gdk_pixbuf_loader_close(loader, nullptr) != FALSE;
+    }
+}
+
+/// The pixels of a picture as red, green, blue and opacity.
+ui::node::Image copyPixels(const GdkPixbuf* picture) {
+    const int width = gdk_pixbuf_get_width(picture), height = gdk_pixbuf_get_height(picture);
+    const int channels = gdk_pixbuf_get_n_channels(picture), stride = gdk_pixbuf_get_rowstride(picture);
+    const guchar* pixels = gdk_pixbuf_read_pixels(picture);
+    ui::node::Image out{width, height, {}};
+    out.pixels.bytes.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x) {
+            const guchar* pixel =
+                pixels + static_cast<std::ptrdiff_t>(y) * stride + static_cast<std::ptrdiff_t>(x) * channels;
+            out.pixels.bytes.insert(out.pixels.bytes.end(), pixel, pixel + 3);
+            out.pixels.bytes.push_back(channels == 4 ? pixel[3] : 255);
+        }
+    return out;
+}
+
+}  // namespace
+
+std::optional<ui::node::Image> thumbnail(const std::string& path, int side) {
+    const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+    struct stat status {};
+    if (!fd || fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
+        return std::nullopt;
+
+    // One picture at a time, or requests side by side would add their memory up.
+    static std::mutex oneAtATime;
+    const std::lock_guard lock(oneAtATime);
+    const Loader loader(gdk_pixbuf_loader_new());
+    if (!feed(loader.get(), fd.get())) return std::nullopt;
+    GdkPixbuf* whole = gdk_pixbuf_loader_get_pixbuf(loader.get());
+    if (!whole) return std::nullopt;
+    const int width = gdk_pixbuf_get_width(whole), height = gdk_pixbuf_get_height(whole);
+    const int square = std::min(width, height);
+    const Pixbuf middle(
+        gdk_pixbuf_new_subpixbuf(whole, (width - square) / 2, (height - square) / 2, square, square));
+    if (square <= side) return copyPixels(middle.get());
+    const Pixbuf scaled(gdk_pixbuf_scale_simple(middle.get(), side, side, GDK_INTERP_BILINEAR));
+    if (!scaled) return std::nullopt;
+    return copyPixels(scaled.get());
+}
+
+}  // namespace zelto::imaging

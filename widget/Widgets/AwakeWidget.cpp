@@ -1,0 +1,84 @@
+#include "widget/Widgets/AwakeWidget.hpp"
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration AwakeWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::awake,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return AwakeWidgetView{environment.family, entry}.body();
+               })
+        .configurationDisplayName("Zelto · Manter acordado")
+        .description("Impede o Mac de dormir. Toque para ligar ou desligar.")
+        .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
+}
+
+bool AwakeWidgetView::active() const {
+    const WidgetSnapshot* snap = entry.freshSnapshot();
+    return snap && snap->awakeActive;
+}
+
+View AwakeWidgetView::body() const {
+    return VStack(
+               {.spacing = 6},
+               WidgetHeader{
+                   .title = "Manter acordado", .icon = "cup.and.saucer.fill", .color = Palette::warning},
+               statusRow(),
+               when(family != WidgetFamily::systemSmall, [&] { return buttonRow(); }))
+        .widgetURL(deepLink("awake?action=toggle"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+View AwakeWidgetView::statusRow() const {
+    const bool small = family == WidgetFamily::systemSmall;
+    return HStack(
+               {.spacing = 10},
+               Symbol(active() ? "cup.and.saucer.fill" : "moon.zzz.fill")
+                   .font(small ? 30 : 26)
+                   .foreground(active() ? Style(Palette::warning) : Style(secondary)),
+               VStack(
+                   {.alignment = HAlign::leading, .spacing = 2},
+                   Text(active() ? "Acordado" : "Desligado").font(14, Weight::bold),
+                   secondLine()),
+               when(!small, [] { return Spacer(); }))
+        .stretched({.width = false, .height = true});
+}
+
+View AwakeWidgetView::secondLine() const {
+    if (active() && entry.snapshot->awakeEnd)
+        return Countdown(*entry.snapshot->awakeEnd)
+            .monospacedDigits(12, Weight::semibold)
+            .foreground(Palette::warning);
+    return Text(active() ? "até desligar" : "toque para 1 h").font(10).foreground(secondary);
+}
+
+View AwakeWidgetView::buttonRow() const {
+    return HStack(
+        {.spacing = 5},
+        button("30 min", "awake?minutes=30", Palette::warning),
+        button("1 h", "awake?minutes=60", Palette::warning),
+        button("2 h", "awake?minutes=120", Palette::warning),
+        button("∞", "awake?minutes=0", Palette::warning),
+        when(active(), [] { return button("Desligar", "awake?action=off", Palette::danger); }));
+}
+
+View AwakeWidgetView::button(std::string title, std::string_view path, Color color) {
+    return Text(std::move(title))
+        .font(10, Weight::bold)
+        .stretched({.width = true, .height = false})
+        .padding(Edges::vertical, 5)
+        .background(RoundedRectangle{7}, color.withOpacity(0.25))
+        .link(deepLink(path));
+}
+
+}  // namespace zelto

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// Whether the computer is kept awake, for how long yet, and buttons to change that.
+struct AwakeWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct AwakeWidgetView {
+    WidgetFamily family;
+    const ZeltoEntry& entry;
+
+    ui::View body() const;
+
+  private:
+    bool active() const;
+    ui::View statusRow() const;
+    ui::View secondLine() const;
+    ui::View buttonRow() const;
+    static ui::View button(std::string title, std::string_view path, ui::Color color);
+};
+
+}  // namespace zelto

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// Charge, status and, in the medium family, details of the battery.
+struct BatteryWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct BatteryView {
+    WidgetFamily family;
+    const ZeltoEntry& entry;
+
+    ui::View body() const;
+
+    /// What the battery is doing; `info` is what the app knows of it, or null.
+    static std::string statusText(const WidgetSnapshot::Battery* info, const LiveData& live);
+
+  private:
+    const WidgetSnapshot::Battery* info() const;
+    ui::View content() const;
+    ui::View smallContent() const;
+    ui::View mediumContent() const;
+    ui::View ring(double lineWidth, double fontSize) const;
+    ui::View status() const;
+    ui::Views details() const;
+};
+
+}  // namespace zelto

@@ -1,0 +1,100 @@
+#include "widget/Widgets/CalendarWidget.hpp"
+
+#include "platform/foundation/Characters.hpp"
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration CalendarWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::calendar,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return CalendarWidgetView{environment, entry}.body();
+               })
+        .configurationDisplayName("Zelto · Agenda")
+        .description("Próximos compromissos com botão para entrar na reunião.")
+        .supportedFamilies({WidgetFamily::systemMedium, WidgetFamily::systemLarge});
+}
+
+View CalendarWidgetView::body() const {
+    return VStack({.alignment = HAlign::leading, .spacing = 6}, header(), content())
+        .widgetURL(deepLink("open?tab=calendar"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+View CalendarWidgetView::header() const {
+    const Formatting& formatting = environment.formatting;
+    return HStack(
+        {.alignment = VAlign::firstTextBaseline, .spacing = 6},
+        Text(std::to_string(formatting.dayOfMonth(entry.date)))
+            .font(24, Weight::bold, Design::rounded)
+            .foreground(Palette::accent),
+        Text(firstUpperCased(formatting.monthAndWeekday(entry.date)))
+            .font(11, Weight::semibold)
+            .foreground(Palette::white),
+        Spacer(),
+        Symbol("calendar").foreground(Palette::accent));
+}
+
+Views CalendarWidgetView::content() const {
+    const auto note = [](const char* text) {
+        return list(Spacer(), Text(text).font(11).foreground(secondary), Spacer());
+    };
+    if (!entry.snapshot || !entry.snapshot->calendarAccess)
+        return note("Abra a aba Agenda do Zelto e permita o acesso.");
+    const std::size_t limit = environment.family == WidgetFamily::systemLarge ? 7 : 3;
+    Views rows;
+    for (const auto& event : entry.snapshot->events) {
+        if (!(event.end > entry.date)) continue;
+        if (rows.size() == limit) break;
+        rows.push_back(EventLine{event, entry.date, environment}.body());
+    }
+    if (rows.empty()) return note("Nenhum compromisso nos próximos 7 dias.");
+    return list(std::move(rows), Spacer(0));
+}
+
+std::string EventLine::timeText() const {
+    if (event.allDay) return "Dia todo";
+    const Formatting& formatting = environment.formatting;
+    const std::string time = formatting.shortTime(event.start);
+    if (event.start <= now) return "Agora · até " + formatting.shortTime(event.end);
+    if (formatting.isSameDay(event.start, now)) return time;
+    // Tomorrow is told from the real current date, not from the entry's.
+    if (formatting.isSameDay(event.start, formatting.nextDay(environment.now()))) return "Amanhã · " + time;
+    return formatting.weekdayAndDay(event.start) + " · " + time;
+}
+
+std::optional<std::string> EventLine::joinLink() const {
+    if (!event.meetingURL) return std::nullopt;
+    return deepLink("join?url=" + percentEncodedAlphanumerics(event.meetingURL->text()));
+}
+
+View EventLine::body() const {
+    return HStack(
+        {.spacing = 6},
+        Filled(RoundedRectangle{2}, Palette::fromHex(event.colorHex)).frame({.width = 3, .height = 26}),
+        VStack(
+            {.alignment = HAlign::leading, .spacing = 1},
+            Text(event.title).font(11, Weight::semibold).lineLimit(1).foreground(Palette::white),
+            Text(timeText()).font(9).lineLimit(1).foreground(secondary)),
+        Spacer(4),
+        ifPresent(joinLink(), [](const auto& url) {
+            return Text("Entrar")
+                .font(9, Weight::bold)
+                .foreground(Palette::black)
+                .padding(Edges::horizontal, 7)
+                .padding(Edges::vertical, 3)
+                .background(Capsule{}, Palette::blue)
+                .link(url);
+        }));
+}
+
+}  // namespace zelto

@@ -1,0 +1,85 @@
+#include "widget/Widgets/CareWidget.hpp"
+
+#include <algorithm>
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration CareWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::care,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return CareWidgetView{environment, entry}.body();
+               })
+        .configurationDisplayName("Zelto · Cuidados")
+        .description("Resultado da última análise do Mac.")
+        .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
+}
+
+Color CareWidgetView::levelColor(const std::string& level) {
+    if (level == "attention") return Palette::warning;
+    return level == "info" ? Palette::blue : Palette::accent;
+}
+
+std::string CareWidgetView::verdictText(std::int64_t attentions) {
+    if (attentions == 0) return "Tudo certo";
+    return std::to_string(attentions) + (attentions == 1 ? " ponto" : " pontos") + " de atenção";
+}
+
+View CareWidgetView::body() const {
+    std::optional<std::string> when;
+    if (entry.snapshot && entry.snapshot->careDate)
+        when = environment.formatting.relativeDate(*entry.snapshot->careDate, environment.now());
+    return VStack(
+               {.alignment = HAlign::leading, .spacing = 6},
+               WidgetHeader{
+                   .title = "Cuidados",
+                   .icon = "sparkles",
+                   .color = Palette::accent,
+                   .trailing = std::move(when)},
+               content())
+        .widgetURL(deepLink("open?tab=home"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+Views CareWidgetView::content() const {
+    if (!entry.snapshot || entry.snapshot->careItems.empty())
+        return list(
+            Spacer(), Text("Abra o Zelto e toque em Analisar.").font(11).foreground(secondary), Spacer());
+    return environment.family == WidgetFamily::systemSmall ? verdict() : list(findings(), Spacer(0));
+}
+
+Views CareWidgetView::verdict() const {
+    const auto attentions =
+        std::ranges::count(entry.snapshot->careItems, "attention", &WidgetSnapshot::CareItem::level);
+    return list(
+        Spacer(),
+        Symbol(attentions == 0 ? "checkmark.seal.fill" : "exclamationmark.triangle.fill")
+            .font(30)
+            .foreground(attentions == 0 ? Palette::accent : Palette::warning),
+        Text(verdictText(attentions)).font(13, Weight::bold).foreground(Palette::white),
+        Spacer());
+}
+
+View CareWidgetView::findings() const {
+    const auto cell = [](const WidgetSnapshot::CareItem& item) {
+        return HStack(
+            {.spacing = 5},
+            Filled(Circle{}, levelColor(item.level)).frame({.width = 7, .height = 7}),
+            Text(item.title).font(11).lineLimit(1));
+    };
+    return Grid(
+        {.columns = 2, .rowSpacing = 4, .alignment = HAlign::leading},
+        forEach(entry.snapshot->careItems, cell));
+}
+
+}  // namespace zelto

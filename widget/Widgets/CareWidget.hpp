@@ -1,0 +1,33 @@
+#pragma once
+
+#include <string>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// The result of the last health analysis.
+struct CareWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct CareWidgetView {
+    const EnvironmentValues& environment;
+    const ZeltoEntry& entry;
+
+    ui::View body() const;
+
+    static ui::Color levelColor(const std::string& level);
+    /// "Tudo certo", or how many points of attention there are.
+    static std::string verdictText(std::int64_t attentions);
+
+  private:
+    ui::Views content() const;
+    ui::Views verdict() const;
+    ui::View findings() const;
+};
+
+}  // namespace zelto

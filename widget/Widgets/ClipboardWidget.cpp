@@ -1,0 +1,97 @@
+#include "widget/Widgets/ClipboardWidget.hpp"
+
+#include <algorithm>
+#include <span>
+
+#include "platform/imaging/Thumbnail.hpp"
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+namespace {
+
+constexpr double thumbnailSide = 22;  // points
+/// Pixels that the side needs on the finest display.
+constexpr int thumbnailPixels = 66;
+
+Views content(const WidgetSnapshot::Clip& clip) {
+    if (clip.imagePath)
+        if (auto image = imaging::thumbnail(*clip.imagePath, thumbnailPixels))
+            return list(
+                Image(*std::move(image))
+                    .scaledToFill()
+                    .frame({.width = thumbnailSide, .height = thumbnailSide})
+                    .clipShape(RoundedRectangle{4}),
+                Text("Imagem").font(11));
+    return list(Text(ClipboardWidgetView::rowText(clip)).font(11).lineLimit(1));
+}
+
+View row(const WidgetSnapshot::Clip& clip) {
+    return HStack(
+               {.spacing = 6},
+               content(clip),
+               Spacer(4),
+               when(
+                   clip.pinned,
+                   [] {
+                       return Symbol("pin.fill")
+                           .font(8)
+                           .foreground(Palette::warning)
+                           .accessibilityLabel("fixado");
+                   }))
+        .padding(Edges::horizontal, 8)
+        .padding(Edges::vertical, 5)
+        .background(RoundedRectangle{7}, Palette::card)
+        .link(deepLink("clip?id=" + clip.id.text()));
+}
+
+}  // namespace
+
+WidgetConfiguration ClipboardWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::clipboard,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return ClipboardWidgetView{environment.family, entry}.body();
+               })
+        .configurationDisplayName("Zelto · Copiados")
+        .description("Últimos itens copiados. Toque num item para copiar de novo.")
+        .supportedFamilies({WidgetFamily::systemMedium, WidgetFamily::systemLarge});
+}
+
+std::string ClipboardWidgetView::rowText(const WidgetSnapshot::Clip& clip) {
+    std::string text = clip.text.value_or("");
+    std::ranges::replace(text, '\n', ' ');
+    return text;
+}
+
+View ClipboardWidgetView::body() const {
+    return VStack(
+               {.alignment = HAlign::leading, .spacing = 5},
+               WidgetHeader{
+                   .title = "Copiados",
+                   .icon = "doc.on.clipboard",
+                   .color = Palette::blue,
+                   .trailing = "toque para copiar"},
+               rows())
+        .widgetURL(deepLink("open?tab=clipboard"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+Views ClipboardWidgetView::rows() const {
+    if (!entry.snapshot || entry.snapshot->clips.empty())
+        return list(
+            Spacer(), Text("Copie algo e ele aparece aqui.").font(11).foreground(secondary), Spacer());
+    const std::span clips(entry.snapshot->clips);
+    const std::size_t limit = family == WidgetFamily::systemLarge ? 7 : 3;
+    return list(forEach(clips.first(std::min(limit, clips.size())), row), Spacer(0));
+}
+
+}  // namespace zelto

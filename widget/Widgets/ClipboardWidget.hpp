@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// The latest clipboard items; a tap on one copies it again.
+struct ClipboardWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct ClipboardWidgetView {
+    WidgetFamily family;
+    const ZeltoEntry& entry;
+
+    ui::View body() const;
+
+    /// A clip's text on one line.
+    static std::string rowText(const WidgetSnapshot::Clip& clip);
+
+  private:
+    ui::Views rows() const;
+};
+
+}  // namespace zelto

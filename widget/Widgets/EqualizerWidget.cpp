@@ -1,0 +1,60 @@
+#include "widget/Widgets/EqualizerWidget.hpp"
+
+#include <array>
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+namespace {
+
+/// Decoration, not a reading of the equalizer's bands.
+constexpr std::array bars{0.5, 0.7, 0.6, 0.4, 0.3, 0.45, 0.55, 0.7, 0.8, 0.65};
+constexpr double graphHeight = 34;  // points
+
+}  // namespace
+
+WidgetConfiguration EqualizerWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::equalizer,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues&) {
+                   return EqualizerWidgetView{entry}.body();
+               })
+        .configurationDisplayName("Zelto · Equalizador")
+        .description("Estado e preset do equalizador. Toque para ligar ou desligar.")
+        .supportedFamilies({WidgetFamily::systemSmall});
+}
+
+View EqualizerWidgetView::body() const {
+    const WidgetSnapshot* snap = entry.freshSnapshot();
+    const bool enabled = snap && snap->eqEnabled;
+    const auto bar = [enabled](double fraction) {
+        return Filled(Capsule{}, enabled ? Palette::warning : Palette::track)
+            .frame({.width = {}, .height = fraction * graphHeight});
+    };
+    return VStack(
+               {.alignment = HAlign::leading, .spacing = 6},
+               WidgetHeader{.title = "Equalizador", .icon = "slider.vertical.3", .color = Palette::warning},
+               HStack({.alignment = VAlign::bottom, .spacing = 3}, forEach(bars, bar))
+                   .frame({.width = {}, .height = graphHeight}),
+               Text(enabled ? "Ligado" : "Desligado").font(13, Weight::bold),
+               Text(enabled ? snap->eqPreset : "toque para ligar")
+                   .font(10)
+                   .foreground(secondary)
+                   .lineLimit(1),
+               when(
+                   enabled && snap->eqOutput,
+                   [&] { return Text(*snap->eqOutput).font(9).foreground(secondary).lineLimit(1); }))
+        .widgetURL(deepLink("eq"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+}  // namespace zelto

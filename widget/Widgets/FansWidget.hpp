@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// The first fan's speed, the fan-control mode and the chip temperature.
+struct FansWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct FansWidgetView {
+    const ZeltoEntry& entry;
+
+    ui::View body() const;
+
+    /// Where the speed lies between the fan's lowest and highest; never below 0, but above 1 when it runs
+    /// faster.
+    static double ringFraction(const WidgetSnapshot::Fan& fan);
+    /// Whole revolutions per minute. A speed that no 64-bit integer holds stops the process.
+    static std::string speedText(double speed);
+    static std::string modeText(const std::optional<std::string>& mode, bool manual);
+
+  private:
+    ui::Views content() const;
+};
+
+}  // namespace zelto

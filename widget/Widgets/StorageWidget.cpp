@@ -1,0 +1,55 @@
+#include "widget/Widgets/StorageWidget.hpp"
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/Ring.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration StorageWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::storage,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return StorageWidgetView{entry, environment.formatting}.body();
+               })
+        .configurationDisplayName("Zelto · Armazenamento")
+        .description("Espaço usado e livre no disco. Toque para limpar.")
+        .supportedFamilies({WidgetFamily::systemSmall});
+}
+
+View StorageWidgetView::body() const {
+    const LiveData& live = entry.live;
+    const auto bytes = [&](std::uint64_t count) {
+        return formatting.byteCount(static_cast<std::int64_t>(count));
+    };
+    // There is no tab for storage in the app: the system tab has what is needed.
+    return VStack(
+               {.spacing = 6},
+               WidgetHeader{
+                   .title = entry.snapshot && entry.snapshot->disk ? entry.snapshot->disk->name : "Disco",
+                   .icon = "internaldrive",
+                   .color = Palette::accent},
+               Ring{
+                   .value = live.disk,
+                   .color = Palette::loadColor(live.disk),
+                   .label = {},
+                   .caption = "usado",
+                   .lineWidth = 9,
+                   .fontSize = 22,
+                   .centerText = {}}
+                   .body()
+                   .padding(Edges::horizontal, 12),
+               Text(bytes(live.diskFree) + " livres").font(10, Weight::semibold),
+               Text("de " + bytes(live.diskTotal)).font(9).foreground(secondary))
+        .widgetURL(deepLink("open?tab=system"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+}  // namespace zelto

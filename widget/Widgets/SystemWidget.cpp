@@ -1,0 +1,98 @@
+#include "widget/Widgets/SystemWidget.hpp"
+
+#include "platform/ui/Building.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/Ring.hpp"
+#include "widget/Common/Rounding.hpp"
+#include "widget/Common/Sparkline.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration SystemWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::system,
+               ZeltoProvider{.minuteByMinute = false, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return SystemWidgetView{environment.family, entry, environment.formatting}.body();
+               })
+        .configurationDisplayName("Zelto · Sistema")
+        .description("CPU, GPU, memória e temperatura do chip.")
+        .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
+}
+
+std::optional<std::string> SystemWidgetView::temperatureText() const {
+    const WidgetSnapshot* snap = entry.freshSnapshot();
+    if (!snap || !snap->chipTemperature) return std::nullopt;
+    return std::to_string(nearestInteger(*snap->chipTemperature)) + "°";
+}
+
+View SystemWidgetView::body() const {
+    const auto temperature = temperatureText();
+    return VStack(
+               {.spacing = 6},
+               WidgetHeader{
+                   .title = "Sistema",
+                   .icon = "cpu",
+                   .color = Palette::accent,
+                   .trailing = temperature ? std::optional("chip " + *temperature) : std::nullopt},
+               family == WidgetFamily::systemSmall ? smallContent() : mediumContent())
+        .widgetURL(deepLink("open?tab=system"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+Views SystemWidgetView::smallContent() const {
+    const double cpu = entry.live.cpu;
+    return list(
+        Ring{
+            .value = cpu,
+            .color = Palette::loadColor(cpu),
+            .label = {},
+            .caption = "CPU",
+            .lineWidth = 9,
+            .fontSize = 22,
+            .centerText = {}}
+            .body()
+            .padding(Edges::horizontal, 12),
+        HStack(
+            {},
+            Label("memorychip", truncatedPercent(entry.live.memory)),
+            Spacer(),
+            ifPresent(temperatureText(), [](const auto& text) { return Label("thermometer.medium", text); }))
+            .font(10, Weight::semibold));
+}
+
+Views SystemWidgetView::mediumContent() const {
+    const WidgetSnapshot* snap = entry.freshSnapshot();
+    const auto ring =
+        [](double value, Color color, const char* label, std::optional<std::string> caption = {}) {
+            return Ring{
+                .value = value,
+                .color = color,
+                .label = label,
+                .caption = std::move(caption),
+                .lineWidth = 6,
+                .fontSize = 14,
+                .centerText = {}};
+        };
+    const auto used = [&]() -> std::optional<std::string> {
+        if (!snap) return std::nullopt;
+        return formatting.byteCount(static_cast<std::int64_t>(snap->memoryUsed));
+    };
+    return list(
+        HStack(
+            {.spacing = 12},
+            ring(entry.live.cpu, Palette::loadColor(entry.live.cpu), "CPU"),
+            when(snap && snap->gpu, [&] { return ring(*snap->gpu, Palette::blue, "GPU").body(); }),
+            ring(entry.live.memory, Palette::memory, "Memória", used())),
+        when(snap && snap->cpuHistory.size() >= 3, [&] {
+            return Sparkline{snap->cpuHistory, Palette::accent}.body().frame({.width = {}, .height = 16});
+        }));
+}
+
+}  // namespace zelto

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// Processor, graphics, memory and chip temperature.
+struct SystemWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct SystemWidgetView {
+    WidgetFamily family;
+    const ZeltoEntry& entry;
+    const Formatting& formatting;
+
+    ui::View body() const;
+
+  private:
+    std::optional<std::string> temperatureText() const;
+    ui::Views smallContent() const;
+    ui::Views mediumContent() const;
+};
+
+}  // namespace zelto

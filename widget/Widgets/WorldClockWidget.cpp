@@ -1,0 +1,102 @@
+#include "widget/Widgets/WorldClockWidget.hpp"
+
+#include <algorithm>
+
+#include "platform/ui/Building.hpp"
+#include "shared/TimeZoneFlags.hpp"
+#include "widget/Common/DeepLink.hpp"
+#include "widget/Common/Palette.hpp"
+#include "widget/Common/WidgetHeader.hpp"
+#include "widget/Widgets/WidgetKinds.hpp"
+
+namespace zelto {
+
+using namespace ui;
+
+WidgetConfiguration WorldClockWidget::body() const {
+    return StaticConfiguration(
+               WidgetKinds::worldClock,
+               ZeltoProvider{.minuteByMinute = true, .sources = sources},
+               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+                   return WorldClockView{environment.family, entry, environment.formatting}.body();
+               })
+        .configurationDisplayName("Zelto · Relógio mundial")
+        .description("A hora nas cidades da sua aba Agenda.")
+        .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
+}
+
+std::string WorldClockView::time(const std::string& zone) const {
+    return formatting.shortTime(entry.date, zone);
+}
+
+bool WorldClockView::isDay(const std::string& zone) const {
+    const int hour = formatting.hour(entry.date, zone).value_or(12);
+    return hour >= 6 && hour < 18;
+}
+
+std::string WorldClockView::cityName(const std::string& zone) {
+    const auto end = zone.find_last_not_of('/');
+    if (end == std::string::npos) return zone;
+    const auto slash = zone.rfind('/', end);
+    const auto begin = slash == std::string::npos ? 0 : slash + 1;
+    std::string name = zone.substr(begin, end + 1 - begin);
+    std::ranges::replace(name, '_', ' ');
+    return name;
+}
+
+std::vector<std::string> WorldClockView::zones() const {
+    std::vector<std::string> all{formatting.environment().timeZone};
+    if (entry.snapshot) {
+        const auto& chosen = entry.snapshot->clockZones;
+        all.insert(all.end(), chosen.begin(), chosen.end());
+    }
+    all.resize(std::min<std::size_t>(all.size(), family == WidgetFamily::systemSmall ? 3 : 4));
+    return all;
+}
+
+View WorldClockView::body() const {
+    return VStack(
+               {.alignment = HAlign::leading, .spacing = 6},
+               WidgetHeader{.title = "Relógio mundial", .icon = "globe", .color = Palette::accent},
+               family == WidgetFamily::systemSmall ? smallContent() : list(mediumContent()))
+        .widgetURL(deepLink("open?tab=calendar"))
+        .foreground(Palette::white)
+        .apply(zeltoBackground);
+}
+
+Views WorldClockView::smallContent() const {
+    return list(forEach(zones(), [this](const std::string& zone) { return row(zone); }), Spacer(0));
+}
+
+View WorldClockView::row(const std::string& zone) const {
+    return HStack(
+        {.spacing = 5},
+        ifPresent(TimeZoneFlags::flag(zone), [](const auto& flag) { return Text(flag).font(14); }),
+        Text(cityName(zone)).font(11).lineLimit(1),
+        Spacer(),
+        Text(time(zone)).monospacedDigits(13, Weight::semibold));
+}
+
+View WorldClockView::mediumContent() const {
+    return HStack({.spacing = 8}, forEach(zones(), [this](const std::string& zone) { return card(zone); }));
+}
+
+View WorldClockView::card(const std::string& zone) const {
+    const bool day = isDay(zone);
+    return VStack(
+               {.spacing = 3},
+               HStack(
+                   {.spacing = 4},
+                   ifPresent(TimeZoneFlags::flag(zone), [](const auto& flag) { return Text(flag).font(16); }),
+                   Symbol(day ? "sun.max.fill" : "moon.fill")
+                       .font(10)
+                       .foreground(day ? Palette::warning : Palette::blue)
+                       .accessibilityLabel(day ? "dia" : "noite")),
+               Text(time(zone)).monospacedDigits(18, Weight::bold).minimumScale(0.6),
+               Text(cityName(zone)).font(10).foreground(secondary).lineLimit(1))
+        .padding(Edges::vertical, 6)
+        .stretched({.width = true, .height = false})
+        .background(RoundedRectangle{10}, Palette::card);
+}
+
+}  // namespace zelto

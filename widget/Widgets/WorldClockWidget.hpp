@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/ui/View.hpp"
+#include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/ZeltoProvider.hpp"
+
+namespace zelto {
+
+/// The time here and in the cities that the user chose.
+struct WorldClockWidget {
+    ProviderSources sources;
+    WidgetConfiguration body() const;
+};
+
+struct WorldClockView {
+    WidgetFamily family;
+    const ZeltoEntry& entry;
+    const Formatting& formatting;
+
+    ui::View body() const;
+
+    /// The entry's date as a short time in a zone.
+    std::string time(const std::string& zone) const;
+    /// From six in the morning until six in the evening.
+    bool isDay(const std::string& zone) const;
+    /// The last part of a zone's identifier, with blanks for underscores.
+    static std::string cityName(const std::string& zone);
+
+  private:
+    std::vector<std::string> zones() const;
+    ui::Views smallContent() const;
+    ui::View mediumContent() const;
+    ui::View row(const std::string& zone) const;
+    ui::View card(const std::string& zone) const;
+};
+
+}  // namespace zelto
