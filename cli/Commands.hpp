@@ -30,6 +30,7 @@ struct PreviewOptions {
     std::string date, now;
     std::string locale, timeZone;
     std::string format;  // text, json, png, svg or empty
+    bool accessibility = false;
     double scale = 2;
     std::string output = {};
 };

@@ -12,6 +12,7 @@
 #include "platform/foundation/JSONDecoder.hpp"
 #include "platform/foundation/JSONEncoder.hpp"
 #include "platform/layout/Layout.hpp"
+#include "platform/layout/Reading.hpp"
 #include "platform/ui/Outline.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "widget/Common/LiveDataFields.hpp"
@@ -80,6 +81,7 @@ void preview(const PreviewOptions& options) {
     const WidgetFamily family = parseFamily(options.family);
     const Environment environment = environmentFor(options);
     const std::string format = formatFor(options);
+    if (options.accessibility && format != "text") throw Failure("--accessibility: only with --format text");
     if (format == "png" && (options.output.empty() || options.output == "-") && isatty(STDOUT_FILENO) != 0)
         throw Failure("a PNG is nothing for a terminal: name a file with --output");
 
@@ -104,7 +106,9 @@ void preview(const PreviewOptions& options) {
     if (const auto fault = faultOf(entry->view)) throw Failure("the view cannot be drawn: " + *fault);
 
     std::string out;
-    if (format == "text")
+    if (options.accessibility)
+        for (const std::string& text : layout::readingTexts(entry->view, now)) out += text + "\n";
+    else if (format == "text")
         out = ui::outline(entry->view);
     else if (format == "json")
         out = encodeJSON(*entry).value_or("") + "\n";

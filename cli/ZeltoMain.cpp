@@ -65,6 +65,8 @@ void addPreview(CLI::App& app, PreviewOptions& options) {
             "--format", options.format, "text, json, png or svg (text, or by the output file's ending)")
         ->check(CLI::IsMember({"text", "json", "png", "svg"}))
         ->type_name("FORMAT");
+    command->add_flag(
+        "--accessibility", options.accessibility, "What is read aloud, a line each, instead of the outline");
     command->add_option("--scale", options.scale, "Pixels a point of a PNG")
         ->capture_default_str()
         ->check(CLI::Range(0.1, 16.0))

@@ -27,15 +27,28 @@ struct Unref {
 using Loader = std::unique_ptr<GdkPixbufLoader, Unref>;
 using Pixbuf = std::unique_ptr<GdkPixbuf, Unref>;
 
-/// Called as soon as the file has told its size, before pixels are decoded.
-void checkSize(GdkPixbufLoader*, int width, int height, void* tooLarge) {
-    if (std::int64_t{4} * width * height > mostBytes) *static_cast<bool*>(tooLarge) = true;
+/// How far a file has come.
+struct Progress {
+    bool tooLarge = false;
+    int rows = 0;  // that have their pixels
+};
+
+/// Called as soon as the file has told its size, before there is room for pixels. A size of nothing makes the
+/// decoder stop.
+void checkSize(GdkPixbufLoader* loader, int width, int height, void* progress) {
+    if (std::int64_t{4} * width * height <= mostBytes) return;
+    static_cast<Progress*>(progress)->tooLarge = true;
+    gdk_pixbuf_loader_set_size(loader, 0, 0);
+}
+void noteRows(GdkPixbufLoader*, int, int y, int, int height, void* progress) {
+    auto& rows = static_cast<Progress*>(progress)->rows;
+    rows = std::max(rows, y + height);
 }
 
 /// Feeds the file to the loader; false when it is no sound image or too large.
-bool feed(GdkPixbufLoader* loader, int fd) {
-    bool tooLarge = false;
-    g_signal_connect(loader, "size-prepared", G_CALLBACK(checkSize), &tooLarge);
+bool feed(GdkPixbufLoader* loader, int fd, Progress& progress) {
+    g_signal_connect(loader, "size-prepared", G_CALLBACK(checkSize), &progress);
+    g_signal_connect(loader, "area-updated", G_CALLBACK(noteRows), &progress);
     std::array<guchar, 4096> buffer;
     while (true) {
         const ssize_t count = read(fd, buffer.data(), buffer.size());
@@ -44,7 +57,7 @@ bool feed(GdkPixbufLoader* loader, int fd) {
             count >= 0 &&
             (count == 0 ||
              gdk_pixbuf_loader_write(loader, buffer.data(), static_cast<gsize>(count), nullptr) != FALSE);
-        if (!written || tooLarge) {
+        if (!written || progress.tooLarge) {
             gdk_pixbuf_loader_close(loader, nullptr);
             return false;
         }
@@ -81,9 +94,11 @@ std::optional<ui::node::Image> thumbnail(const std::string& path, int side) {
     static std::mutex oneAtATime;
     const std::lock_guard lock(oneAtATime);
     const Loader loader(gdk_pixbuf_loader_new());
-    if (!feed(loader.get(), fd.get())) return std::nullopt;
+    Progress progress;
+    if (!feed(loader.get(), fd.get(), progress)) return std::nullopt;
     GdkPixbuf* whole = gdk_pixbuf_loader_get_pixbuf(loader.get());
-    if (!whole) return std::nullopt;
+    // A file that breaks off leaves rows without pixels, which not every decoder calls a fault.
+    if (!whole || progress.rows < gdk_pixbuf_get_height(whole)) return std::nullopt;
     const int width = gdk_pixbuf_get_width(whole), height = gdk_pixbuf_get_height(whole);
     const int square = std::min(width, height);
     const Pixbuf middle(

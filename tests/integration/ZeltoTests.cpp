@@ -238,6 +238,34 @@ TEST_F(ZeltoProcess, NonsenseFromAnExtensionGivesAClearMessage) {
         result.errors, "zelto: the widget extension answered nonsense: line 1, column 1: invalid literal\n");
 }
 
+TEST_F(ZeltoProcess, PreviewReadsAloud) {
+    const auto result = zelto(
+        {"preview",
+         "battery",
+         "--family",
+         "medium",
+         "--sample",
+         "--placeholder",
+         "--date",
+         "0",
+         "--accessibility"});
+    EXPECT_EQ(
+        result.output,
+        "80%\nCarregando\nBateria\nSaúde\n86%\nCiclos\n454\nTemperatura\n31 °C\nCarregador\n45 W\nLimite de "
+        "carga\n80%\n");
+}
+
+TEST_F(ZeltoProcess, AnImpossibleFanSpeedStopsTheExtensionAndTheHostSaysSo) {
+    std::string document =
+        leastDocument(R"("fans":[{"actual":1e19,"minimum":0,"maximum":1,"manual":false}],)");
+    const auto now = std::to_string(static_cast<std::int64_t>(Date::now().sinceReference));
+    document.replace(document.find("\"date\":0"), 8, "\"date\":" + now);
+    folder.write("Library/Application Support/Zelto/widget.json", document);
+    const auto result = zelto({"timeline", "fans", "--family", "small", "--home", folder.path()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "zelto: the widget extension died (signal 6, Aborted)\n");
+}
+
 // ---- the extension by itself
 // -------------------------------------------------------------------------------------
 

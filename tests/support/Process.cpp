@@ -37,7 +37,8 @@ Finished run(
     posix_spawn_file_actions_adddup2(&actions, err[1], 2);
     auto words = command, variables = environment;
     // A sanitizer's options belong to the build, not to what is tested.
-    if (const char* options = std::getenv("LSAN_OPTIONS")) variables.push_back(std::string("LSAN_OPTIONS=") + options);
+    if (const char* options = std::getenv("LSAN_OPTIONS"))
+        variables.push_back(std::string("LSAN_OPTIONS=") + options);
     pid_t pid = -1;
     const int failed = posix_spawnp(
         &pid, command[0].c_str(), &actions, nullptr, pointers(words).data(), pointers(variables).data());

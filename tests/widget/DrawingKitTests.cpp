@@ -88,7 +88,7 @@ TEST(Ring, ShowsTheCentreTextInsteadOfThePercentage) {
 TEST(Ring, IsACircleAndItsCentreTextWithoutCaptionAndLabel) {
     EXPECT_EQ(
         outline(ring(0.25)),
-        "VStack alignment=center spacing=4\n"
+        "VStack alignment=center spacing=4 .accessibilityLabel(\"25%\")\n"
         "  ZStack\n"
         "    Shape geometry=circle paint=stroke(style=#FFFFFF1F lineWidth=9 cap=butt join=miter "
         "miterLimit=10)\n"

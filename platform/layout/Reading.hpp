@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/foundation/Date.hpp"
+#include "platform/ui/View.hpp"
+
+namespace zelto::layout {
+
+/// What an assistive technology reads of a view, in order: its texts, countdowns as they stand at `now`, and
+/// in place of what carries an accessibility label, that label. Symbols without one are silent.
+std::vector<std::string> readingTexts(const ui::View& view, Date now);
+
+}  // namespace zelto::layout
