@@ -120,18 +120,18 @@ struct Typesetter::State {
                 pango_layout_set_ellipsize(layout, PANGO_ELLIPSIZE_END);
             }
         }
-        if (isRounded(font) || font.digits == ui::Digits::monospaced) {
-            const TextAttributes attributes(pango_attr_list_new());
-            if (isRounded(font)) {
-                out.roundingStroke = roundingStroke * font.size;
-                pango_attr_list_insert(
-                    attributes.get(),
-                    pango_attr_letter_spacing_new(static_cast<int>(out.roundingStroke * PANGO_SCALE)));
-            }
-            if (font.digits == ui::Digits::monospaced)
-                pango_attr_list_insert(attributes.get(), pango_attr_font_features_new("tnum=1"));
-            pango_layout_set_attributes(layout, attributes.get());
+        const TextAttributes attributes(pango_attr_list_new());
+        // A word that is broken because nothing else helps gets no hyphen that nobody wrote.
+        pango_attr_list_insert(attributes.get(), pango_attr_insert_hyphens_new(FALSE));
+        if (isRounded(font)) {
+            out.roundingStroke = roundingStroke * font.size;
+            pango_attr_list_insert(
+                attributes.get(),
+                pango_attr_letter_spacing_new(static_cast<int>(out.roundingStroke * PANGO_SCALE)));
         }
+        if (font.digits == ui::Digits::monospaced)
+            pango_attr_list_insert(attributes.get(), pango_attr_font_features_new("tnum=1"));
+        pango_layout_set_attributes(layout, attributes.get());
         PangoRectangle logical;
         pango_layout_get_extents(layout, nullptr, &logical);
         out.extent = {

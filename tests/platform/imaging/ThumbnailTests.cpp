@@ -75,17 +75,17 @@ TEST(Thumbnail, IsAbsentForWhatIsNoSoundImageAtOnceAndWithoutMemory) {
     const auto zeros = folder.write("zeros", "");
     ASSERT_EQ(truncate(zeros.c_str(), 32 << 20), 0);
     const long before = peakMegabytes();
-    for (const std::string& path :
-         std::vector<std::string>{(folder.path() / "missing").string(),
-          folder.path().string(),
-          (folder.path() / "fifo").string(),
-          std::string("/dev/zero"),
-          sparse.string(),
-          zeros.string(),
-          folder.write("truncated.png", sound.substr(0, sound.size() / 2)).string(),
-          folder.write("empty", "").string(),
-          folder.write("text", "not an image").string(),
-          folder.write("bomb.png", bomb()).string()})
+    for (const std::string& path : std::vector<std::string>{
+             (folder.path() / "missing").string(),
+             folder.path().string(),
+             (folder.path() / "fifo").string(),
+             std::string("/dev/zero"),
+             sparse.string(),
+             zeros.string(),
+             folder.write("truncated.png", sound.substr(0, sound.size() / 2)).string(),
+             folder.write("empty", "").string(),
+             folder.write("text", "not an image").string(),
+             folder.write("bomb.png", bomb()).string()})
         EXPECT_FALSE(thumbnail(path, 66)) << path;
     EXPECT_LT(peakMegabytes() - before, 16);
 }
