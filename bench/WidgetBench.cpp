@@ -42,6 +42,16 @@ void archive(benchmark::State& state, const Subject& subject) {
     reply.entry = subject.entry();
     for (auto _ : state) benchmark::DoNotOptimize(encodeReply(reply));
 }
+/// A whole timeline, built and archived: what a host waits for beyond the reading.
+void timeline(benchmark::State& state, const Subject& subject) {
+    for (auto _ : state) {
+        Reply reply;
+        reply.id = 1;
+        reply.timeline = subject.widget.timeline(
+            {subject.family, false}, {subject.family, subject.formatting, [] { return date; }});
+        benchmark::DoNotOptimize(encodeReply(reply));
+    }
+}
 void readArchive(benchmark::State& state, const Subject& subject) {
     Reply reply;
     reply.id = 1;
@@ -105,6 +115,7 @@ void registerAll() {
             add("build", build);
             add("archive", archive);
             add("readArchive", readArchive);
+            add("timeline", timeline);
             add("layOut", layOut);
             add("drawCold", drawCold);
             add("drawWarm", drawWarm);

@@ -12,6 +12,7 @@ namespace zelto::cli {
 struct ExtensionOptions {
     std::string program;  // the installed one when empty
     std::string home, machine;
+    std::string now;  // the current instant for it, ISO 8601
 };
 
 struct GalleryOptions {

@@ -17,6 +17,7 @@ host::ExtensionProcess startProcess(const ExtensionOptions& options) {
     std::vector<std::string> arguments;
     if (!options.home.empty()) arguments.insert(arguments.end(), {"--home", options.home});
     if (!options.machine.empty()) arguments.insert(arguments.end(), {"--machine", options.machine});
+    if (!options.now.empty()) arguments.insert(arguments.end(), {"--now", options.now});
     std::string why;
     auto process = host::ExtensionProcess::start(
         options.program.empty() ? host::installedExtension() : std::filesystem::path(options.program),

@@ -20,6 +20,9 @@ void addExtensionOptions(CLI::App& command, ExtensionOptions& options) {
         .add_option(
             "--home", options.home, "Where the extension looks for the snapshot, instead of your home")
         ->type_name("DIR");
+    command
+        .add_option("--now", options.now, "The current instant for the extension, ISO 8601 with an offset")
+        ->type_name("D");
     command.add_option("--machine", options.machine, "Where it finds proc and sys, instead of /")
         ->type_name("DIR");
 }

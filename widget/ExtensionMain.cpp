@@ -10,6 +10,7 @@
 
 #include <unistd.h>
 
+#include "platform/foundation/ISO8601.hpp"
 #include "platform/widgetkit/Service.hpp"
 #include "widget/Common/LiveReader.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
@@ -17,17 +18,19 @@
 namespace {
 
 constexpr const char* usage =
-    "Usage: zelto-widgets [--home DIR] [--machine DIR]\n"
+    "Usage: zelto-widgets [--home DIR] [--machine DIR] [--now D]\n"
     "\n"
     "Answers widget requests, one JSON object a line on standard input, one reply a line on\n"
     "standard output, until the input ends. Try: echo '{\"id\":1,\"request\":\"bundle\"}' | zelto-widgets\n"
     "\n"
     "  --home DIR     look for the snapshot below DIR instead of the user's home\n"
-    "  --machine DIR  take the readings from DIR/proc and DIR/sys instead of the kernel's\n";
+    "  --machine DIR  take the readings from DIR/proc and DIR/sys instead of the kernel's\n"
+    "  --now D        take D for the current instant: ISO 8601 with an offset\n";
 
 struct Options {
     zelto::HomeLookup home = zelto::HomeLookup::system();
     std::string machine = "/";
+    std::optional<zelto::Date> now = {};
     bool help = false;
 };
 
@@ -42,6 +45,8 @@ std::optional<Options> parse(int argc, char** argv, std::string& unknown) {
             options.home = zelto::HomeLookup::fixed(argv[++i]);
         } else if (option == "--machine" && i + 1 < argc) {
             options.machine = argv[++i];
+        } else if (option == "--now" && i + 1 < argc && zelto::parseISO8601(argv[i + 1])) {
+            options.now = zelto::parseISO8601(argv[++i]);
         } else {
             unknown = option;
             return std::nullopt;
@@ -66,8 +71,9 @@ int run(int argc, char** argv) {
     // Every request has a thread of its own; one arena for all keeps the memory of eleven at that of one.
     mallopt(M_ARENA_MAX, 1);
 
+    const auto now = [fixed = options->now] { return fixed.value_or(zelto::Date::now()); };
     const zelto::ProviderSources sources{
-        .now = zelto::Date::now,
+        .now = now,
         .live =
             [machine = options->machine] {
                 return zelto::LiveReader::read(zelto::SystemReadings::ofLinux(machine));
@@ -75,7 +81,7 @@ int run(int argc, char** argv) {
         .snapshot = [home = options->home] { return zelto::WidgetSnapshot::load(home); },
     };
     const zelto::Service service(
-        zelto::ZeltoWidgetBundle{sources}.body(), zelto::Environment::current(), zelto::Date::now);
+        zelto::ZeltoWidgetBundle{sources}.body(), zelto::Environment::current(), now);
     return service.serve(STDIN_FILENO, STDOUT_FILENO) ? 0 : 1;
 }
 
