@@ -47,26 +47,28 @@ char* putExponent(char* to, std::string_view digits, int exponent) {
     return std::to_chars(to, to + 3, size).ptr;
 }
 
-/// Most numbers that people and sensors make have few decimals. With at most fifteen significant digits a
-/// decimal is the only one of its length that reads back to its double, so the first that does is the
-/// shortest. Null when there is none.
+/// Most numbers that people and sensors make are whole or have few decimals. With at most fifteen significant
+/// digits a decimal is the only one of its length that reads back to its double, so cutting its zeros off
+/// makes it the shortest. Null for other numbers.
 char* putShortDecimal(char* to, double magnitude) {
-    constexpr double largest = 1e15;
-    double unit = 1;
-    for (int decimals = 0; decimals <= 6; ++decimals, unit *= 10) {
-        const double scaled = magnitude * unit;
-        if (!(scaled < largest)) return nullptr;
-        const auto whole = static_cast<std::int64_t>(scaled + 0.5);
-        // The product is off by less than one part in 2^52, so what is further from an integer need not be
-        // divided.
-        if (std::fabs(scaled - static_cast<double>(whole)) > scaled * 0x1p-51) continue;
-        if (static_cast<double>(whole) / unit != magnitude) continue;
-        std::array<char, 24> text;
-        const auto* end = std::to_chars(text.begin(), text.end(), whole).ptr;
-        const std::string_view digits(text.data(), static_cast<std::size_t>(end - text.data()));
-        return putPlain(to, digits, static_cast<int>(digits.size()) - 1 - decimals);
+    constexpr double unit = 1e6, largest = 1e15;
+    constexpr int mostDecimals = 6;
+    const double scaled = magnitude * unit;
+    if (!(scaled < largest)) {
+        if (magnitude > largestPlain || magnitude != std::floor(magnitude)) return nullptr;
+        return std::to_chars(to, to + longestNumber, static_cast<std::int64_t>(magnitude)).ptr;
     }
-    return nullptr;
+    auto whole = static_cast<std::int64_t>(scaled + 0.5);
+    // The product is off by less than one part in 2^52, so what is further from an integer need not be
+    // divided.
+    if (std::fabs(scaled - static_cast<double>(whole)) > scaled * 0x1p-51) return nullptr;
+    if (static_cast<double>(whole) / unit != magnitude) return nullptr;
+    int decimals = mostDecimals;
+    for (; decimals > 0 && whole % 10 == 0; --decimals) whole /= 10;
+    std::array<char, 24> text;
+    const auto* end = std::to_chars(text.begin(), text.end(), whole).ptr;
+    const std::string_view digits(text.data(), static_cast<std::size_t>(end - text.data()));
+    return putPlain(to, digits, static_cast<int>(digits.size()) - 1 - decimals);
 }
 
 }  // namespace
@@ -82,17 +84,14 @@ char* writeNumber(char* to, double value) {
     // take its digits in scientific form and lay them out here.
     std::array<char, 40> text;
     const auto* end = std::to_chars(text.begin(), text.end(), magnitude, std::chars_format::scientific).ptr;
-    const std::string_view scientific(text.data(), static_cast<std::size_t>(end - text.data()));
-    const auto e = scientific.find('e');
-    std::array<char, 24> digits;
-    std::size_t count = 0;
-    for (const char c : scientific.substr(0, e))
-        if (c != '.') digits[count++] = c;
+    // "1.2345e-07", "5e-324": one digit, perhaps a point and more, "e", a sign, two or three digits.
+    const char* e = end[-4] == 'e' ? end - 4 : end - 5;
     int exponent = 0;
-    const char* exponentBegin = scientific.data() + e + 1 + (scientific[e + 1] == '+' ? 1 : 0);
-    std::from_chars(exponentBegin, end, exponent);
-
-    const std::string_view significant(digits.data(), count);
+    std::from_chars(e + 2, end, exponent);
+    if (e[1] == '-') exponent = -exponent;
+    text[1] = text[0];  // in place of the point, where there is one
+    const char* digits = e - text.data() > 1 ? text.data() + 1 : text.data();
+    const std::string_view significant(digits, static_cast<std::size_t>(e - digits));
     return magnitude >= 1e-4 && magnitude <= largestPlain ? putPlain(to, significant, exponent)
                                                           : putExponent(to, significant, exponent);
 }
