@@ -62,8 +62,7 @@ Views forEach(Range&& range, Make make) {
     return out;
 }
 
-// ---- leaves
-// --------------------------------------------------------------------------------------------------------
+// ---- leaves ----
 
 View Text(std::string text);
 View Countdown(Date end);
@@ -77,8 +76,7 @@ View Stroked(Geometry geometry, Stroke stroke);
 /// Only the part of the outline from its start to the fraction `trim`.
 View Stroked(Geometry geometry, double trim, Stroke stroke);
 
-// ---- containers
-// ----------------------------------------------------------------------------------------------------
+// ---- containers ----
 
 struct VStackOptions {
     HAlign alignment = HAlign::center;

@@ -323,8 +323,7 @@ TEST_F(ZeltoProcess, AnImpossibleFanSpeedStopsTheExtensionAndTheHostSaysSo) {
     EXPECT_EQ(result.errors, "zelto: the widget extension died (signal 6, Aborted)\n");
 }
 
-// ---- the extension by itself
-// -------------------------------------------------------------------------------------
+// ---- the extension by itself ----
 
 TEST_F(ZeltoProcess, TheExtensionSurvivesGarbageAndEndsWithItsInput) {
     const auto result = extension(

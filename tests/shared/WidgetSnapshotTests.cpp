@@ -194,8 +194,7 @@ TEST(WidgetSnapshotDefaults, TwoClipsHaveDifferentIdentifiers) {
     EXPECT_NE(WidgetSnapshot::Clip{}.id, WidgetSnapshot::Clip{}.id);
 }
 
-// ---- the store
-// -------------------------------------------------------------------------------------------------
+// ---- the store ----
 
 struct Store : testing::Test {
     TemporaryFolder home;
@@ -259,8 +258,7 @@ TEST_F(Store, AFolderInPlaceOfTheFileIsNoSnapshot) {
     EXPECT_FALSE(WidgetSnapshot::load(lookup));
 }
 
-// ---- the sample
-// ------------------------------------------------------------------------------------------------
+// ---- the sample ----
 
 TEST(Sample, DiffersBetweenAccessesOnlyInItsDatesAndIdentifiers) {
     const WidgetSnapshot a = WidgetSnapshot::sample({100}), b = WidgetSnapshot::sample({101});

@@ -11,6 +11,28 @@ namespace zelto {
 
 using namespace ui;
 
+Ring Ring::single(double value, Color color, std::optional<std::string> caption) {
+    return {
+        .value = value,
+        .color = color,
+        .label = {},
+        .caption = std::move(caption),
+        .lineWidth = 9,
+        .fontSize = 22,
+        .centerText = {}};
+}
+
+Ring Ring::inRow(double value, Color color, std::string label, std::optional<std::string> caption) {
+    return {
+        .value = value,
+        .color = color,
+        .label = std::move(label),
+        .caption = std::move(caption),
+        .lineWidth = 6,
+        .fontSize = 14,
+        .centerText = {}};
+}
+
 double Ring::arcFraction() const {
     return std::isnan(value) ? 0.01 : std::max(std::min(value, 1.0), 0.01);
 }

@@ -17,6 +17,12 @@ struct Ring {
     double fontSize;                        // points, of the centre text
     std::optional<std::string> centerText;  // instead of the percentage
 
+    /// The one ring of a small widget.
+    static Ring single(double value, ui::Color color, std::optional<std::string> caption = {});
+    /// One of several rings in a medium widget's row.
+    static Ring inRow(
+        double value, ui::Color color, std::string label, std::optional<std::string> caption = {});
+
     ui::View body() const;
 
     /// The part of the circle that is filled: never less than a stub, never more than all.

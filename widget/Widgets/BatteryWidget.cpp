@@ -58,32 +58,27 @@ View BatteryView::smallContent() const {
             .title = "Bateria",
             .icon = charging ? "bolt.fill" : "battery.75percent",
             .color = charging ? Palette::warning : Palette::accent},
-        ring(9, 22).padding(Edges::horizontal, 12),
+        ring().body().padding(Edges::horizontal, 12),
         status());
 }
 
 View BatteryView::mediumContent() const {
+    Ring large = ring();
+    large.lineWidth = 10;
+    large.fontSize = 24;
     return HStack(
         {.spacing = 14},
-        VStack({.spacing = 4}, ring(10, 24), status()),
+        VStack({.spacing = 4}, large, status()),
         VStack(
             {.alignment = HAlign::leading, .spacing = 4},
             WidgetHeader{.title = "Bateria", .icon = "battery.75percent", .color = Palette::accent},
             details()));
 }
 
-View BatteryView::ring(double lineWidth, double fontSize) const {
+Ring BatteryView::ring() const {
     const std::int64_t percent = *entry.live.battery;
     const bool low = !entry.live.charging && percent <= 20;
-    return Ring{
-        .value = static_cast<double>(percent) / 100,
-        .color = low ? Palette::danger : Palette::accent,
-        .label = {},
-        .caption = {},
-        .lineWidth = lineWidth,
-        .fontSize = fontSize,
-        .centerText = {}}
-        .body();
+    return Ring::single(static_cast<double>(percent) / 100, low ? Palette::danger : Palette::accent);
 }
 
 View BatteryView::status() const {

@@ -4,6 +4,7 @@
 
 #include "platform/ui/View.hpp"
 #include "platform/widgetkit/Widget.hpp"
+#include "widget/Common/Ring.hpp"
 #include "widget/Common/ZeltoProvider.hpp"
 
 namespace zelto {
@@ -28,7 +29,7 @@ struct BatteryView {
     ui::View content() const;
     ui::View smallContent() const;
     ui::View mediumContent() const;
-    ui::View ring(double lineWidth, double fontSize) const;
+    Ring ring() const;
     ui::View status() const;
     ui::Views details() const;
 };

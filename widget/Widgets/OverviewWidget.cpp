@@ -41,27 +41,18 @@ View OverviewView::body() const {
 
 Views OverviewView::smallContent() const {
     const LiveData& live = entry.live;
-    const auto ring = [](double value, Color color, const char* caption) {
-        return Ring{
-            .value = value,
-            .color = color,
-            .label = {},
-            .caption = caption,
-            .lineWidth = 9,
-            .fontSize = 22,
-            .centerText = {}}
-            .body();
-    };
     const auto batteryRing = [&](std::int64_t percent) {
         const bool low = !live.charging && percent <= 20;
-        return ring(
+        return Ring::single(
                    static_cast<double>(percent) / 100,
                    low ? Palette::danger : Palette::accent,
                    live.charging ? "carregando" : "bateria")
+            .body()
             .padding(Edges::horizontal, 10);
     };
     return list(
-        live.battery ? batteryRing(*live.battery) : ring(live.cpu, Palette::loadColor(live.cpu), "CPU"),
+        live.battery ? batteryRing(*live.battery)
+                     : Ring::single(live.cpu, Palette::loadColor(live.cpu), "CPU").body(),
         HStack(
             {},
             Label("cpu", truncatedPercent(live.cpu)),
@@ -72,32 +63,21 @@ Views OverviewView::smallContent() const {
 
 View OverviewView::mediumContent() const {
     const LiveData& live = entry.live;
-    const auto ring =
-        [](double value, Color color, const char* label, std::optional<std::string> caption = {}) {
-            return Ring{
-                .value = value,
-                .color = color,
-                .label = label,
-                .caption = std::move(caption),
-                .lineWidth = 6,
-                .fontSize = 14,
-                .centerText = {}};
-        };
     return HStack(
         {.spacing = 10},
         ifPresent(
             live.battery,
             [&](std::int64_t percent) {
-                return ring(
+                return Ring::inRow(
                            static_cast<double>(percent) / 100,
                            Palette::accent,
                            "Bateria",
                            live.charging ? std::optional<std::string>("carregando") : std::nullopt)
                     .body();
             }),
-        ring(live.cpu, Palette::loadColor(live.cpu), "CPU"),
-        ring(live.memory, Palette::memory, "Memória"),
-        ring(
+        Ring::inRow(live.cpu, Palette::loadColor(live.cpu), "CPU"),
+        Ring::inRow(live.memory, Palette::memory, "Memória"),
+        Ring::inRow(
             live.disk,
             Palette::loadColor(live.disk),
             "Disco",

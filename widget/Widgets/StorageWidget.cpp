@@ -35,14 +35,7 @@ View StorageWidgetView::body() const {
                    .title = entry.snapshot && entry.snapshot->disk ? entry.snapshot->disk->name : "Disco",
                    .icon = "internaldrive",
                    .color = Palette::accent},
-               Ring{
-                   .value = live.disk,
-                   .color = Palette::loadColor(live.disk),
-                   .label = {},
-                   .caption = "usado",
-                   .lineWidth = 9,
-                   .fontSize = 22,
-                   .centerText = {}}
+               Ring::single(live.disk, Palette::loadColor(live.disk), "usado")
                    .body()
                    .padding(Edges::horizontal, 12),
                Text(bytes(live.diskFree) + " livres").font(10, Weight::semibold),

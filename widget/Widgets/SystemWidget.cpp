@@ -49,16 +49,7 @@ View SystemWidgetView::body() const {
 Views SystemWidgetView::smallContent() const {
     const double cpu = entry.live.cpu;
     return list(
-        Ring{
-            .value = cpu,
-            .color = Palette::loadColor(cpu),
-            .label = {},
-            .caption = "CPU",
-            .lineWidth = 9,
-            .fontSize = 22,
-            .centerText = {}}
-            .body()
-            .padding(Edges::horizontal, 12),
+        Ring::single(cpu, Palette::loadColor(cpu), "CPU").body().padding(Edges::horizontal, 12),
         HStack(
             {},
             Label("memorychip", truncatedPercent(entry.live.memory)),
@@ -69,17 +60,6 @@ Views SystemWidgetView::smallContent() const {
 
 Views SystemWidgetView::mediumContent() const {
     const WidgetSnapshot* snap = entry.freshSnapshot();
-    const auto ring =
-        [](double value, Color color, const char* label, std::optional<std::string> caption = {}) {
-            return Ring{
-                .value = value,
-                .color = color,
-                .label = label,
-                .caption = std::move(caption),
-                .lineWidth = 6,
-                .fontSize = 14,
-                .centerText = {}};
-        };
     const auto used = [&]() -> std::optional<std::string> {
         if (!snap) return std::nullopt;
         return formatting.byteCount(static_cast<std::int64_t>(snap->memoryUsed));
@@ -87,9 +67,9 @@ Views SystemWidgetView::mediumContent() const {
     return list(
         HStack(
             {.spacing = 12},
-            ring(entry.live.cpu, Palette::loadColor(entry.live.cpu), "CPU"),
-            when(snap && snap->gpu, [&] { return ring(*snap->gpu, Palette::blue, "GPU").body(); }),
-            ring(entry.live.memory, Palette::memory, "Memória", used())),
+            Ring::inRow(entry.live.cpu, Palette::loadColor(entry.live.cpu), "CPU"),
+            when(snap && snap->gpu, [&] { return Ring::inRow(*snap->gpu, Palette::blue, "GPU").body(); }),
+            Ring::inRow(entry.live.memory, Palette::memory, "Memória", used())),
         when(snap && snap->cpuHistory.size() >= 3, [&] {
             return Sparkline{snap->cpuHistory, Palette::accent}.body().frame({.width = {}, .height = 16});
         }));
