@@ -12,9 +12,10 @@
 
 namespace zelto::ui {
 
-// ---- what may stand in a list of children
-// -------------------------------------------------------------------------- A view; a component (a plain
-// struct with a body()); an optional view, which leaves no trace when absent; several views, spliced in.
+// ---- what may stand in a list of children ----
+
+// A view; a component (a plain struct with a body()); an optional view, which leaves no trace when absent;
+// several views, spliced in.
 
 template <class T>
 concept Component = requires(const T& component) {
