@@ -142,6 +142,10 @@ class ItemPainter {
             paintMask(mask, 0, 0);
             return;
         }
+        if (placed.color.opacity == 1) {
+            draw(context_);
+            return;
+        }
         // Its outlines overlap; together they are one shape of one opacity.
         cairo_push_group(context_);
         cairo_set_source_rgb(context_, placed.color.red, placed.color.green, placed.color.blue);
