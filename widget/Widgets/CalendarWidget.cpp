@@ -64,7 +64,7 @@ Views CalendarWidgetView::content() const {
 std::string EventLine::timeText() const {
     if (event.allDay) return "Dia todo";
     const Formatting& formatting = environment.formatting;
-    const std::string time = formatting.shortTime(event.start);
+    std::string time = formatting.shortTime(event.start);
     if (event.start <= now) return "Agora · até " + formatting.shortTime(event.end);
     if (formatting.isSameDay(event.start, now)) return time;
     // Tomorrow is told from the real current date, not from the entry's.
