@@ -151,7 +151,7 @@ std::string ExtensionProcess::takeReplies(std::map<std::int64_t, Outcome>& outco
 }
 
 std::vector<Outcome> ExtensionProcess::exchange(
-    std::vector<Request> requests, std::chrono::milliseconds patience_) {
+    std::vector<Request> requests, std::chrono::milliseconds allowed) {
     std::map<std::int64_t, Outcome> outcomes;
     std::vector<std::int64_t> order;
     std::string pending, failure;
@@ -165,7 +165,7 @@ std::vector<Outcome> ExtensionProcess::exchange(
             outcomes[request.id].error = "a request that is not UTF-8";
     }
     const auto isOpen = [](const auto& entry) { return !entry.second.reply && entry.second.error.empty(); };
-    const auto deadline = Clock::now() + patience_;
+    const auto deadline = Clock::now() + allowed;
     if (pid_ < 0) failure = "the widget extension has ended";
     while (failure.empty() && std::ranges::any_of(outcomes, isOpen)) {
         std::array<pollfd, 2> ends{
