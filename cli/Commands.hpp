@@ -58,4 +58,19 @@ void snapshotSample();
 /// A file, "-" or empty for the user's own.
 void snapshotCheck(const std::string& file);
 
+/// What the exit statuses of the helper's commands mean, for people.
+std::string helperExitTexts();
+
+struct HelperOptions {
+    std::string bus;       // an address; the system bus when empty
+    double deadline = 10;  // seconds
+    bool json = false;
+    /// "limit=80": what is to change of the configuration in force.
+    std::vector<std::string> changes;
+};
+void helperStatus(const HelperOptions& options);
+void helperSetCharge(const HelperOptions& options);
+void helperSetFan(const HelperOptions& options);
+void helperReset(const HelperOptions& options);
+
 }  // namespace zelto::cli

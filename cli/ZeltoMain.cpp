@@ -8,6 +8,7 @@
 #include <CLI/CLI.hpp>
 
 #include "cli/Commands.hpp"
+#include "cli/Failure.hpp"
 
 namespace {
 
@@ -114,6 +115,31 @@ void addSnapshot(CLI::App& app, std::string& file) {
     check->callback([&] { snapshotCheck(file); });
 }
 
+void addHelper(CLI::App& app, HelperOptions& options) {
+    CLI::App* command = app.add_subcommand("helper", "Talk to the helper that changes charging and fans");
+    command->require_subcommand(1);
+    command->footer(helperExitTexts());
+    const auto add = [&](const char* name, const char* description, void (*run)(const HelperOptions&)) {
+        CLI::App* action = command->add_subcommand(name, description);
+        action->add_option("--bus", options.bus, "The bus's address, instead of the system bus")
+            ->type_name("ADDRESS");
+        action->add_option("--deadline", options.deadline, "How long to wait for an answer, in seconds")
+            ->capture_default_str()
+            ->check(CLI::Range(0.001, 3600.0))
+            ->type_name("N");
+        action->callback([&options, run] { run(options); });
+        return action;
+    };
+    add("status", "Show its state", helperStatus)->add_flag("--json", options.json, "As JSON");
+    for (CLI::App* action :
+         {add("set-charge", "Change charge settings, keeping those that are not named", helperSetCharge),
+          add("set-fan", "Change fan settings, keeping those that are not named", helperSetFan)})
+        action->add_option("changes", options.changes, "Such as limit=80")
+            ->required()
+            ->type_name("FIELD=VALUE");
+    add("reset", "Reset all charge and fan settings", helperReset);
+}
+
 int run(int argc, char** argv) {
     CLI::App app("Zelto's widgets, from the command line.");
     app.require_subcommand(1);
@@ -122,11 +148,13 @@ int run(int argc, char** argv) {
     TimelineOptions timelineOptions;
     RenderOptions renderOptions;
     std::string snapshotFile;
+    HelperOptions helperOptions;
     addGallery(app, galleryOptions);
     addPreview(app, previewOptions);
     addTimeline(app, timelineOptions);
     addRender(app, renderOptions);
     addSnapshot(app, snapshotFile);
+    addHelper(app, helperOptions);
     try {
         app.parse(argc, argv);
         return 0;
@@ -147,6 +175,9 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     try {
         return run(argc, argv);
+    } catch (const Failure& failure) {
+        std::fprintf(stderr, "zelto: %s\n", failure.what());
+        return failure.status;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zelto: %s\n", error.what());
         return 1;

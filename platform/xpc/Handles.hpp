@@ -1,0 +1,62 @@
+#pragma once
+
+// What the files of this room share: owners for the bus library's objects, and its errors as ours.
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+#include <gio/gio.h>
+
+#include "platform/xpc/Bus.hpp"
+#include "platform/xpc/Interface.hpp"
+
+namespace zelto::xpc {
+
+template <auto release>
+struct Releaser {
+    template <class T>
+    void operator()(T* object) const {
+        release(object);
+    }
+};
+using BusConnection = std::unique_ptr<GDBusConnection, Releaser<g_object_unref>>;
+using Variant = std::unique_ptr<GVariant, Releaser<g_variant_unref>>;
+using MainContext = std::unique_ptr<GMainContext, Releaser<g_main_context_unref>>;
+using MainLoop = std::unique_ptr<GMainLoop, Releaser<g_main_loop_unref>>;
+using Cancellable = std::unique_ptr<GCancellable, Releaser<g_object_unref>>;
+using NodeInfo = std::unique_ptr<GDBusNodeInfo, Releaser<g_dbus_node_info_unref>>;
+using Source = std::unique_ptr<GSource, Releaser<g_source_unref>>;
+
+/// Receives the library's errors.
+class ErrorSlot {
+  public:
+    ErrorSlot() = default;
+    ErrorSlot(const ErrorSlot&) = delete;
+    ErrorSlot& operator=(const ErrorSlot&) = delete;
+    ~ErrorSlot() { g_clear_error(&error_); }
+
+    GError** operator&() { return &error_; }
+    /// The error in our terms.
+    Error take();
+
+  private:
+    GError* error_ = nullptr;
+};
+
+/// The name under which an error travels.
+const char* nameOf(ErrorKind kind);
+
+/// A connection of our own to a message bus. Its messages are dispatched in `context`, which the calling
+/// thread must not be running.
+Result<BusConnection> connect(const Bus& bus, std::chrono::milliseconds deadline, GMainContext* context);
+
+/// A tuple of arguments or results. The payloads' sizes have been checked.
+GVariant* pack(const Values& values, const std::vector<ValueKind>& kinds);
+/// The other way; absent when it is another tuple than `kinds` says.
+std::optional<Values> unpack(GVariant* tuple, const std::vector<ValueKind>& kinds);
+
+/// What is wrong with the sizes or texts of values that are to be sent, or nothing.
+std::optional<Error> faultOf(const Values& values, const std::vector<ValueKind>& kinds);
+
+}  // namespace zelto::xpc

@@ -1,0 +1,32 @@
+#include "platform/xpc/Interface.hpp"
+
+#include <algorithm>
+
+namespace zelto::xpc {
+namespace {
+
+std::string describe(const std::vector<ValueKind>& kinds, const char* direction) {
+    std::string out;
+    for (const ValueKind kind : kinds)
+        out += std::string("<arg type=\"") + (kind == ValueKind::data ? "ay" : "s") + "\" direction=\"" +
+               direction + "\"/>";
+    return out;
+}
+
+}  // namespace
+
+std::string Interface::objectPath() const {
+    std::string path = "/" + service;
+    std::ranges::replace(path, '.', '/');
+    return path;
+}
+
+std::string Interface::introspection() const {
+    std::string out = "<node><interface name=\"" + service + "\">";
+    for (const Method& method : methods)
+        out += "<method name=\"" + method.name + "\">" + describe(method.arguments, "in") +
+               describe(method.results, "out") + "</method>";
+    return out + "</interface></node>";
+}
+
+}  // namespace zelto::xpc

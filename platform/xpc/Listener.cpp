@@ -1,0 +1,219 @@
+#include "platform/xpc/Listener.hpp"
+
+#include <algorithm>
+#include <atomic>
+#include <future>
+#include <thread>
+#include <utility>
+
+#include "platform/xpc/Handles.hpp"
+
+namespace zelto::xpc {
+namespace {
+
+constexpr std::chrono::milliseconds busDeadline{5000};
+
+Variant askBus(GDBusConnection* connection, const char* method, GVariant* arguments, ErrorSlot& error) {
+    return Variant(g_dbus_connection_call_sync(
+        connection,
+        "org.freedesktop.DBus",
+        "/org/freedesktop/DBus",
+        "org.freedesktop.DBus",
+        method,
+        arguments,
+        G_VARIANT_TYPE("(u)"),
+        G_DBUS_CALL_FLAGS_NONE,
+        busDeadline.count(),
+        nullptr,
+        &error));
+}
+
+std::optional<uid_t> userOf(GDBusConnection* connection, const char* caller) {
+    ErrorSlot error;
+    const Variant reply = askBus(connection, "GetConnectionUnixUser", g_variant_new("(s)", caller), error);
+    if (!reply) return std::nullopt;
+    guint32 user = 0;
+    g_variant_get(reply.get(), "(u)", &user);
+    return user;
+}
+
+/// A call that waits for its answer. Whoever comes first answers it: the handler, or the deadline.
+class Call {
+  public:
+    Call(GDBusMethodInvocation* invocation, std::vector<ValueKind> results)
+        : invocation_(invocation), results_(std::move(results)) {}
+
+    void startTimer(std::chrono::milliseconds deadline, GMainContext* context, std::weak_ptr<Call> self) {
+        timer_.reset(g_timeout_source_new(static_cast<guint>(deadline.count())));
+        g_source_set_callback(
+            timer_.get(),
+            [](gpointer call) -> gboolean {
+                if (const auto waiting = static_cast<std::weak_ptr<Call>*>(call)->lock())
+                    waiting->answer(Error{ErrorKind::deadlinePassed, "the answer took too long"});
+                return G_SOURCE_REMOVE;
+            },
+            new std::weak_ptr<Call>(std::move(self)),
+            [](gpointer call) { delete static_cast<std::weak_ptr<Call>*>(call); });
+        g_source_attach(timer_.get(), context);
+    }
+
+    void answer(const Result<Values>& result) {
+        if (isAnswered_.exchange(true)) return;
+        if (timer_) g_source_destroy(timer_.get());
+        const auto* values = std::get_if<Values>(&result);
+        const auto fault =
+            values ? faultOf(*values, results_) : std::optional<Error>(std::get<Error>(result));
+        // Both take over the library's reference to the call.
+        if (fault)
+            g_dbus_method_invocation_return_dbus_error(invocation_, nameOf(fault->kind), fault->text.c_str());
+        else
+            g_dbus_method_invocation_return_value(invocation_, pack(*values, results_));
+    }
+
+  private:
+    GDBusMethodInvocation* invocation_;
+    std::vector<ValueKind> results_;
+    std::atomic<bool> isAnswered_ = false;
+    Source timer_ = {};
+};
+
+}  // namespace
+
+struct Listener::State {
+    explicit State(ListenerOptions wanted) : options(std::move(wanted)) {}
+    State(const State&) = delete;
+    State& operator=(const State&) = delete;
+    ~State() {
+        if (!thread.joinable()) return;
+        // Queued, so that it also ends a loop that has not begun yet.
+        const Source quit(g_idle_source_new());
+        g_source_set_callback(
+            quit.get(),
+            [](gpointer running) -> gboolean {
+                g_main_loop_quit(static_cast<GMainLoop*>(running));
+                return G_SOURCE_REMOVE;
+            },
+            loop.get(),
+            nullptr);
+        g_source_attach(quit.get(), context.get());
+        thread.join();
+    }
+
+    /// The thread's whole life; tells through `started` how its beginning went.
+    void run(std::promise<std::optional<Error>>& started) {
+        g_main_context_push_thread_default(context.get());
+        auto error = offer();
+        const bool runs = !error;
+        started.set_value(std::move(error));
+        if (runs) g_main_loop_run(loop.get());
+        if (connection) {
+            g_signal_handlers_disconnect_by_data(connection.get(), this);
+            if (registration != 0) g_dbus_connection_unregister_object(connection.get(), registration);
+            g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
+        }
+        g_main_context_pop_thread_default(context.get());
+    }
+
+    std::optional<Error> offer() {
+        auto connected = connect(options.bus, busDeadline, context.get());
+        if (auto* error = std::get_if<Error>(&connected)) return std::move(*error);
+        connection = std::get<BusConnection>(std::move(connected));
+        g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), this);
+
+        ErrorSlot error;
+        description.reset(g_dbus_node_info_new_for_xml(options.interface.introspection().c_str(), &error));
+        if (!description) return error.take();
+        registration = g_dbus_connection_register_object(
+            connection.get(),
+            options.interface.objectPath().c_str(),
+            description->interfaces[0],
+            &callbacks,
+            this,
+            nullptr,
+            &error);
+        if (registration == 0) return error.take();
+
+        // Once the name is ours, calls come; so it is taken last.
+        constexpr guint32 doNotQueue = 4, isOwner = 1;
+        const Variant reply = askBus(
+            connection.get(),
+            "RequestName",
+            g_variant_new("(su)", options.interface.service.c_str(), doNotQueue),
+            error);
+        if (!reply) return error.take();
+        guint32 outcome = 0;
+        g_variant_get(reply.get(), "(u)", &outcome);
+        if (outcome != isOwner)
+            return Error{ErrorKind::nameTaken, options.interface.service + " is offered by another process"};
+        return std::nullopt;
+    }
+
+    static void onClosed(GDBusConnection*, gboolean, GError*, gpointer self) noexcept {
+        if (const auto& lost = static_cast<State*>(self)->options.lost) lost();
+    }
+
+    static void onCall(
+        GDBusConnection*, const gchar* caller, const gchar*, const gchar*, const gchar* name,
+        GVariant* arguments, GDBusMethodInvocation* invocation, gpointer self) noexcept {
+        static_cast<State*>(self)->handle(caller, name, arguments, invocation);
+    }
+
+    void handle(
+        const char* caller, const std::string& name, GVariant* arguments, GDBusMethodInvocation* invocation) {
+        // The library has made sure that the method exists and that the arguments have its types.
+        const auto method = std::ranges::find(options.interface.methods, name, &Method::name);
+        const auto call = std::make_shared<Call>(invocation, method->results);
+        const auto user = userOf(connection.get(), caller);
+        if (!user || std::ranges::find(options.trusted, *user) == options.trusted.end()) {
+            call->answer(
+                Error{ErrorKind::accessDenied, "this user may not call " + options.interface.service});
+            return;
+        }
+        auto values = unpack(arguments, method->arguments);
+        if (!values) {
+            call->answer(Error{ErrorKind::badPayload, "arguments of another shape than the method has"});
+            return;
+        }
+        if (auto fault = faultOf(*values, method->arguments)) {
+            call->answer(*std::move(fault));
+            return;
+        }
+        call->startTimer(options.deadline, context.get(), call);
+        options.handler(
+            name,
+            *std::move(values),
+            Answer(
+                [call](const Result<Values>& result) { call->answer(result); },
+                [call] {
+                    call->answer(Error{ErrorKind::refused, "the call was left unanswered"});
+                }));
+    }
+
+    static constexpr GDBusInterfaceVTable callbacks{&onCall, nullptr, nullptr, {}};
+
+    ListenerOptions options;
+    MainContext context{g_main_context_new()};
+    MainLoop loop{g_main_loop_new(context.get(), FALSE)};
+    BusConnection connection = {};
+    NodeInfo description = {};
+    guint registration = 0;
+    std::thread thread = {};
+};
+
+Result<Listener> Listener::start(ListenerOptions options) {
+    auto state = std::make_unique<State>(std::move(options));
+    std::promise<std::optional<Error>> started;
+    auto outcome = started.get_future();
+    state->thread = std::thread([&started, owner = state.get()] { owner->run(started); });
+    if (auto error = outcome.get()) {
+        state->thread.join();
+        return *std::move(error);
+    }
+    return Listener(std::move(state));
+}
+
+Listener::Listener(std::unique_ptr<State> state) : state_(std::move(state)) {}
+Listener::Listener(Listener&&) noexcept = default;
+Listener::~Listener() = default;
+
+}  // namespace zelto::xpc
