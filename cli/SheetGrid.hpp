@@ -1,17 +1,13 @@
 #pragma once
 
-#include <cstddef>
-#include <vector>
-
-#include "platform/layout/Geometry.hpp"
-#include "platform/widgetkit/WidgetFamily.hpp"
+#include "host/TileGrid.hpp"
 
 namespace zelto::cli {
 
-/// Finds room for widgets on a grid of tiles, each in the first gap that it fits.
+/// Finds room for widgets on a contact sheet, each in the first gap that it fits.
 class SheetGrid {
   public:
-    explicit SheetGrid(std::size_t columns) : columns_(columns) {}
+    explicit SheetGrid(std::int64_t columns) : grid_(columns) {}
 
     /// The top left corner of the widget's place, in points.
     layout::Point place(WidgetFamily family);
@@ -19,10 +15,7 @@ class SheetGrid {
     layout::Size size() const;
 
   private:
-    bool isFree(std::size_t row, std::size_t column, std::size_t rows, std::size_t columns) const;
-
-    std::size_t columns_;
-    std::vector<std::vector<bool>> taken_;
+    host::TileGrid grid_;
 };
 
 }  // namespace zelto::cli

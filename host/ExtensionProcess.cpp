@@ -52,8 +52,8 @@ std::string describe(int status) {
 
 std::optional<ExtensionProcess> ExtensionProcess::start(
     const std::filesystem::path& program, const std::vector<std::string>& arguments, std::string& why) {
-    auto toChild = Pipe::make(), fromChild = Pipe::make();
-    if (!toChild || !fromChild) {
+    auto toChild = Pipe::make(), fromChild = Pipe::make(), errors = Pipe::make();
+    if (!toChild || !fromChild || !errors) {
         why = std::string("no pipe for the widget extension: ") + std::strerror(errno);
         return std::nullopt;
     }
@@ -61,6 +61,7 @@ std::optional<ExtensionProcess> ExtensionProcess::start(
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, toChild->read.get(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, fromChild->write.get(), STDOUT_FILENO);
+    posix_spawn_file_actions_adddup2(&actions, errors->write.get(), STDERR_FILENO);
 
     std::vector<std::string> words{program.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -76,14 +77,18 @@ std::optional<ExtensionProcess> ExtensionProcess::start(
     }
     makeNonBlocking(toChild->write.get());
     makeNonBlocking(fromChild->read.get());
-    return ExtensionProcess(pid, std::move(toChild->write), std::move(fromChild->read));
+    makeNonBlocking(errors->read.get());
+    return ExtensionProcess(
+        pid, std::move(toChild->write), std::move(fromChild->read), std::move(errors->read));
 }
 
 ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
     : pid_(std::exchange(other.pid_, -1)),
       input_(std::move(other.input_)),
       output_(std::move(other.output_)),
+      errors_(std::move(other.errors_)),
       received_(std::move(other.received_)),
+      failure_(std::move(other.failure_)),
       lastID_(other.lastID_) {}
 
 ExtensionProcess::~ExtensionProcess() {
@@ -112,7 +117,37 @@ std::string ExtensionProcess::farewell() {
         waitpid(pid_, &status, 0);
     }
     pid_ = -1;
-    return describe(status);
+    return describe(status) + lastWords();
+}
+
+/// The last line or so of what it said, to be put behind the report of its end.
+std::string ExtensionProcess::lastWords() {
+    constexpr std::size_t most = 1024;
+    std::string words;
+    std::array<char, 4096> buffer;
+    for (ssize_t count = 0; (count = read(errors_.get(), buffer.data(), buffer.size())) > 0;) {
+        words.append(buffer.data(), static_cast<std::size_t>(count));
+        if (words.size() > most) words.erase(0, words.size() - most);
+    }
+    while (words.ends_with('\n')) words.pop_back();
+    // One line of log, whatever it said.
+    for (char& c : words)
+        if (static_cast<unsigned char>(c) < ' ') c = ' ';
+    return words.empty() ? "" : "; its last words: " + words;
+}
+
+void ExtensionProcess::end() {
+    kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+    pid_ = -1;
+}
+
+std::optional<std::string> ExtensionProcess::ending() {
+    if (pid_ < 0) return "the widget extension has ended";
+    pollfd output{output_.get(), POLLIN, 0};
+    // Nothing was asked: whatever comes is its end, or as bad.
+    if (poll(&output, 1, 0) <= 0) return std::nullopt;
+    return farewell();
 }
 
 bool ExtensionProcess::sendSome(std::string& pending) {
@@ -151,7 +186,7 @@ std::string ExtensionProcess::takeReplies(std::map<std::int64_t, Outcome>& outco
 }
 
 std::vector<Outcome> ExtensionProcess::exchange(
-    std::vector<Request> requests, std::chrono::milliseconds allowed) {
+    std::vector<Request> requests, std::chrono::milliseconds allowed, int cancel) {
     std::map<std::int64_t, Outcome> outcomes;
     std::vector<std::int64_t> order;
     std::string pending, failure;
@@ -168,11 +203,15 @@ std::vector<Outcome> ExtensionProcess::exchange(
     const auto deadline = Clock::now() + allowed;
     if (pid_ < 0) failure = "the widget extension has ended";
     while (failure.empty() && std::ranges::any_of(outcomes, isOpen)) {
-        std::array<pollfd, 2> ends{
-            pollfd{output_.get(), POLLIN, 0}, pollfd{pending.empty() ? -1 : input_.get(), POLLOUT, 0}};
+        std::array<pollfd, 3> ends{
+            pollfd{output_.get(), POLLIN, 0},
+            pollfd{pending.empty() ? -1 : input_.get(), POLLOUT, 0},
+            pollfd{cancel, POLLIN, 0}};
         const int ready = poll(ends.data(), ends.size(), remaining(deadline));
         if (ready == 0) {
-            failure = "the widget extension did not answer in time";
+            failure = "the widget extension did not answer in time" + lastWords();
+        } else if (ready > 0 && ends[2].revents != 0) {
+            failure = "the widget extension is not needed any more";
         } else if (ready > 0) {
             // A broken input shows on the output too, as its end.
             if (ends[1].revents != 0 && !sendSome(pending)) pending.clear();
@@ -182,16 +221,13 @@ std::vector<Outcome> ExtensionProcess::exchange(
             failure = std::string("cannot wait for the widget extension: ") + std::strerror(errno);
         }
     }
+    if (!failure.empty() && pid_ > 0) end();
+    failure_ = failure;
     std::vector<Outcome> out;
     for (const std::int64_t id : order) {
         auto& outcome = outcomes[id];
         if (!outcome.reply && outcome.error.empty()) outcome.error = failure;
         out.push_back(std::move(outcome));
-    }
-    if (!failure.empty() && pid_ > 0) {
-        kill(pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
-        pid_ = -1;
     }
     return out;
 }

@@ -30,6 +30,10 @@ bool syncFolder(const std::filesystem::path& folder) {
     return fd && fsync(fd.get()) == 0;
 }
 
+std::string temporaryPrefix(const std::filesystem::path& path) {
+    return "." + path.filename().string() + ".";
+}
+
 }  // namespace
 
 std::optional<std::string> readFile(const std::filesystem::path& path) {
@@ -61,19 +65,33 @@ std::optional<std::string> readFile(const std::filesystem::path& path) {
     return bytes;
 }
 
-bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes) {
+bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes, Durability durability) {
+    const bool syncs = durability == Durability::powerLoss;
     const auto folder = path.parent_path();
-    const auto temporary = folder / ("." + path.filename().string() + "." + UUID::random().text());
+    const auto temporary = folder / (temporaryPrefix(path) + UUID::random().text());
     // O_EXCL refuses whatever stands there already, a planted symbolic link included.
     FileDescriptor fd(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
     if (!fd) return false;
-    const bool filled = writeAll(fd.get(), bytes) && fsync(fd.get()) == 0;
+    const bool filled = writeAll(fd.get(), bytes) && (!syncs || fsync(fd.get()) == 0);
     fd.reset();
     if (!filled || rename(temporary.c_str(), path.c_str()) != 0) {
         unlink(temporary.c_str());
         return false;
     }
-    return syncFolder(folder);
+    return !syncs || syncFolder(folder);
+}
+
+void removeLeftovers(const std::filesystem::path& path) {
+    std::error_code error;
+    std::vector<std::filesystem::path> leftovers;
+    for (std::filesystem::directory_iterator entry(path.parent_path(), error), end; entry != end && !error;
+         entry.increment(error)) {
+        const std::string name = entry->path().filename();
+        const std::string prefix = temporaryPrefix(path);
+        if (name.starts_with(prefix) && UUID::parse(name.substr(prefix.size())))
+            leftovers.push_back(entry->path());
+    }
+    for (const auto& leftover : leftovers) std::filesystem::remove(leftover, error);
 }
 
 HomeLookup HomeLookup::system() {

@@ -12,10 +12,17 @@ namespace zelto {
 /// a FIFO's or a device's other side.
 std::optional<std::string> readFile(const std::filesystem::path& path);
 
-/// Replaces `path` so that readers see the old bytes or the new ones, also after a loss of power: a new
-/// temporary file in the same folder is filled, synced and renamed. False when that fails; the old file then
-/// stays and no temporary file is left.
-bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes);
+/// What a written file outlives: a death of the process only, or a loss of power too, which costs two waits
+/// for the disk.
+enum class Durability { processDeath, powerLoss };
+
+/// Replaces `path` so that readers see the old bytes or the new ones: a new temporary file in the same folder
+/// is filled and renamed. False when that fails; the old file then stays and no temporary file is left.
+bool writeFileAtomically(
+    const std::filesystem::path& path, std::string_view bytes, Durability durability = Durability::powerLoss);
+
+/// Deletes the temporary files that a death in the middle of such a write has left beside `path`.
+void removeLeftovers(const std::filesystem::path& path);
 
 /// Where a user's home is looked up.
 struct HomeLookup {

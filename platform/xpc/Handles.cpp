@@ -1,6 +1,7 @@
 #include "platform/xpc/Handles.hpp"
 
 #include <array>
+#include <charconv>
 #include <string_view>
 
 namespace zelto::xpc {
@@ -116,17 +117,46 @@ Result<BusConnection> connect(const Bus& bus, std::chrono::milliseconds deadline
     return Error{ErrorKind::noBus, isPassed ? "the bus did not answer in time" : attempt->error.take().text};
 }
 
+namespace {
+
+std::optional<std::int64_t> integerOf(const std::string& digits) {
+    std::int64_t value = 0;
+    const char* end = digits.data() + digits.size();
+    const auto [parsed, error] = std::from_chars(digits.data(), end, value);
+    if (error != std::errc() || parsed != end) return std::nullopt;
+    return value;
+}
+
+GVariant* pack(const std::string& value, ValueKind kind) {
+    switch (kind) {
+        case ValueKind::data:
+            return g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, value.data(), value.size(), 1);
+        case ValueKind::text: return g_variant_new_string(value.c_str());
+        case ValueKind::integer: return g_variant_new_int64(integerOf(value).value_or(0));
+    }
+    return nullptr;
+}
+
+std::optional<std::string> unpack(GVariant* value, ValueKind kind) {
+    gsize size = 0;
+    if (kind == ValueKind::data && g_variant_is_of_type(value, G_VARIANT_TYPE_BYTESTRING)) {
+        const auto* bytes = static_cast<const char*>(g_variant_get_fixed_array(value, &size, 1));
+        return std::string(bytes, bytes + size);
+    }
+    if (kind == ValueKind::text && g_variant_is_of_type(value, G_VARIANT_TYPE_STRING))
+        return g_variant_get_string(value, nullptr);
+    if (kind == ValueKind::integer && g_variant_is_of_type(value, G_VARIANT_TYPE_INT64))
+        return std::to_string(g_variant_get_int64(value));
+    return std::nullopt;
+}
+
+}  // namespace
+
 GVariant* pack(const Values& values, const std::vector<ValueKind>& kinds) {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
-        const std::string& value = values[i];
-        g_variant_builder_add_value(
-            &builder,
-            kinds[i] == ValueKind::text
-                ? g_variant_new_string(value.c_str())
-                : g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, value.data(), value.size(), 1));
-    }
+    for (std::size_t i = 0; i < kinds.size(); ++i)
+        g_variant_builder_add_value(&builder, pack(values[i], kinds[i]));
     return g_variant_builder_end(&builder);
 }
 
@@ -136,14 +166,9 @@ std::optional<Values> unpack(GVariant* tuple, const std::vector<ValueKind>& kind
     Values values;
     for (std::size_t i = 0; i < kinds.size(); ++i) {
         const Variant child(g_variant_get_child_value(tuple, i));
-        const bool isText = kinds[i] == ValueKind::text;
-        if (!g_variant_is_of_type(child.get(), isText ? G_VARIANT_TYPE_STRING : G_VARIANT_TYPE_BYTESTRING))
-            return std::nullopt;
-        gsize size = 0;
-        const char* bytes = isText
-                                ? g_variant_get_string(child.get(), &size)
-                                : static_cast<const char*>(g_variant_get_fixed_array(child.get(), &size, 1));
-        values.emplace_back(bytes, bytes + size);
+        auto value = unpack(child.get(), kinds[i]);
+        if (!value) return std::nullopt;
+        values.push_back(*std::move(value));
     }
     return values;
 }
@@ -152,11 +177,13 @@ std::optional<Error> faultOf(const Values& values, const std::vector<ValueKind>&
     if (values.size() != kinds.size())
         return Error{ErrorKind::badPayload, "another number of values than the method has"};
     for (std::size_t i = 0; i < values.size(); ++i) {
-        if (values[i].size() > largestPayload)
-            return Error{ErrorKind::tooLarge, "a payload of more than 1 MiB"};
+        const auto& value = values[i];
+        if (value.size() > largestPayload) return Error{ErrorKind::tooLarge, "a payload of more than 1 MiB"};
         if (kinds[i] == ValueKind::text &&
-            !g_utf8_validate(values[i].data(), static_cast<gssize>(values[i].size()), nullptr))
+            !g_utf8_validate(value.data(), static_cast<gssize>(value.size()), nullptr))
             return Error{ErrorKind::badPayload, "a text that is not UTF-8"};
+        if (kinds[i] == ValueKind::integer && !integerOf(value))
+            return Error{ErrorKind::badPayload, "'" + value + "' is not an integer"};
     }
     return std::nullopt;
 }

@@ -5,10 +5,19 @@
 namespace zelto::xpc {
 namespace {
 
+const char* signatureOf(ValueKind kind) {
+    switch (kind) {
+        case ValueKind::data: return "ay";
+        case ValueKind::text: return "s";
+        case ValueKind::integer: return "x";
+    }
+    return "";
+}
+
 std::string describe(const std::vector<ValueKind>& kinds, const char* direction) {
     std::string out;
     for (const ValueKind kind : kinds)
-        out += std::string("<arg type=\"") + (kind == ValueKind::data ? "ay" : "s") + "\" direction=\"" +
+        out += std::string("<arg type=\"") + signatureOf(kind) + "\" direction=\"" +
                direction + "\"/>";
     return out;
 }

@@ -1,0 +1,29 @@
+#include "host/Folders.hpp"
+
+#include <cstdlib>
+
+#include "platform/foundation/Files.hpp"
+
+namespace zelto::host {
+
+Folders Folders::of(
+    const std::function<std::optional<std::string>(std::string_view)>& variable,
+    const std::filesystem::path& home) {
+    const auto folder = [&](std::string_view name, const char* usual) {
+        const std::filesystem::path wanted = variable(name).value_or("");
+        return (wanted.is_absolute() ? wanted : home / usual) / "zelto";
+    };
+    return {folder("XDG_CONFIG_HOME", ".config"), folder("XDG_CACHE_HOME", ".cache")};
+}
+
+Folders Folders::current() {
+    return of(
+        [](std::string_view name) -> std::optional<std::string> {
+            const char* value = std::getenv(std::string(name).c_str());
+            if (!value) return std::nullopt;
+            return value;
+        },
+        HomeLookup::system().home());
+}
+
+}  // namespace zelto::host

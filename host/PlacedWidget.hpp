@@ -1,0 +1,37 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/TileGrid.hpp"
+
+namespace zelto::host {
+
+/// A widget on the desktop. `column` and `row` are tiles from the monitor's top left corner.
+struct PlacedWidget {
+    /// Its own name; two widgets of one kind differ in it.
+    std::string id;
+    std::string kind;
+    WidgetFamily family;
+    /// The monitor's name; the first one when absent or not there.
+    std::optional<std::string> monitor = {};
+    std::int64_t column = 0, row = 0;
+
+    Cell cell() const { return {column, row}; }
+    bool operator==(const PlacedWidget&) const = default;
+};
+
+/// The document that keeps them.
+struct PlacedWidgets {
+    std::vector<PlacedWidget> widgets;
+    bool operator==(const PlacedWidgets&) const = default;
+};
+
+/// Places beyond this are nonsense.
+inline constexpr std::int64_t farthestTile = 1000;
+
+}  // namespace zelto::host
+
+ZELTO_RECORD(zelto::host::PlacedWidget, id, kind, family, monitor, column, row);
+ZELTO_RECORD(zelto::host::PlacedWidgets, widgets);

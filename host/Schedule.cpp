@@ -1,0 +1,122 @@
+#include "host/Schedule.hpp"
+
+#include <algorithm>
+#include <limits>
+
+namespace zelto::host {
+namespace {
+
+/// A clock that is set back by less is only being steered.
+constexpr double steering = 1;
+
+constexpr Date longAgo{-std::numeric_limits<double>::infinity()};
+
+/// The last entry whose date has come; before all of them, the first to come. Entries need not be in order.
+const ArchivedEntry& entryAt(const ArchivedTimeline& timeline, Date now) {
+    const ArchivedEntry* best = &timeline.entries.front();
+    for (const ArchivedEntry& entry : timeline.entries) {
+        const bool isCurrent = entry.date <= now, bestIsCurrent = best->date <= now;
+        if (isCurrent != bestIsCurrent ? isCurrent
+                                       : (isCurrent ? entry.date >= best->date : entry.date < best->date))
+            best = &entry;
+    }
+    return *best;
+}
+
+}  // namespace
+
+void Schedule::add(const std::string& id, std::optional<ArchivedTimeline> stored) {
+    Widget& widget = widgets_[id] = Widget{};
+    if (stored && !stored->entries.empty()) widget.timeline = std::move(stored);
+}
+
+void Schedule::remove(const std::string& id) {
+    widgets_.erase(id);
+}
+
+void Schedule::reload(const std::string& id) {
+    if (const auto found = widgets_.find(id); found != widgets_.end()) found->second.askAt.reset();
+}
+
+void Schedule::reloadAll() {
+    for (auto& [id, widget] : widgets_) widget.askAt.reset();
+}
+
+std::optional<Date> Schedule::askingInstant() const {
+    std::optional<Date> first;
+    for (const auto& [id, widget] : widgets_) {
+        if (widget.isAsked) continue;
+        const Date due = widget.askAt.value_or(longAgo);
+        first = first ? std::min(*first, due) : due;
+    }
+    if (!first) return std::nullopt;
+    Date last = *first;
+    for (const auto& [id, widget] : widgets_)
+        if (!widget.isAsked && widget.askAt && *widget.askAt <= *first + together)
+            last = std::max(last, *widget.askAt);
+    return last;
+}
+
+Schedule::Due Schedule::at(Date now) {
+    if (last_ && now < *last_ - steering) reloadAll();
+    last_ = now;
+
+    Due due;
+    const auto asking = askingInstant();
+    for (auto& [id, widget] : widgets_) {
+        if (asking && *asking <= now && !widget.isAsked && widget.askAt.value_or(longAgo) <= now) {
+            widget.isAsked = true;
+            // What is due again before the answer is there waits for it: only a reload asks for more.
+            widget.askAt = Date{std::numeric_limits<double>::infinity()};
+            due.requests.push_back(id);
+        }
+        if (!widget.timeline) continue;
+        const ArchivedEntry& current = entryAt(*widget.timeline, now);
+        const bool isNew = !widget.shown || widget.shown->view != current.view;
+        if (!widget.shown || *widget.shown != current) widget.shown = current;
+        if (isNew) due.shows.push_back(id);
+    }
+    return due;
+}
+
+void Schedule::received(const std::string& id, ArchivedTimeline timeline, Date now) {
+    const auto found = widgets_.find(id);
+    if (found == widgets_.end()) return;
+    if (timeline.entries.empty()) {
+        failed(id, now);
+        return;
+    }
+    Widget& widget = found->second;
+    widget.isAsked = false;
+    widget.backoff.succeeded();
+    // A reload that came while the answer was under way still wants a new one.
+    if (widget.askAt) widget.askAt = std::max(timeline.reloadAfter, now + shortestLife);
+    widget.timeline = std::move(timeline);
+}
+
+void Schedule::failed(const std::string& id, Date now) {
+    const auto found = widgets_.find(id);
+    if (found == widgets_.end()) return;
+    Widget& widget = found->second;
+    widget.isAsked = false;
+    widget.backoff.failed();
+    if (widget.askAt) widget.askAt = now + widget.backoff.pause();
+}
+
+const ArchivedEntry* Schedule::shown(const std::string& id) const {
+    const auto found = widgets_.find(id);
+    return found != widgets_.end() && found->second.shown ? &*found->second.shown : nullptr;
+}
+
+std::optional<Date> Schedule::nextInstant() const {
+    std::optional<Date> next = askingInstant();
+    const auto consider = [&next](Date date) { next = next ? std::min(*next, date) : date; };
+    for (const auto& [id, widget] : widgets_) {
+        if (!widget.timeline) continue;
+        for (const ArchivedEntry& entry : widget.timeline->entries)
+            if (!last_ || entry.date > *last_) consider(entry.date);
+    }
+    return next;
+}
+
+}  // namespace zelto::host

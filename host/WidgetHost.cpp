@@ -1,0 +1,277 @@
+#include "host/WidgetHost.hpp"
+
+#include <algorithm>
+
+#include "platform/foundation/UUID.hpp"
+
+namespace zelto::host {
+namespace {
+
+std::string nameOf(WidgetFamily family) {
+    return std::string(Names<WidgetFamily>::names[static_cast<std::size_t>(family)]);
+}
+
+}  // namespace
+
+WidgetHost::WidgetHost(
+    HostSeams seams, PlacementStore placements, EntryStore entries, HostObserver& observer)
+    : seams_(std::move(seams)),
+      placements_(std::move(placements)),
+      entries_(std::move(entries)),
+      observer_(observer),
+      environment_(seams_.environment()) {}
+
+void WidgetHost::start() {
+    take(placements_.load().value_or(std::vector<PlacedWidget>()));
+    entries_.keepOnly(widgets_);
+    askForOffers();
+    tick();
+}
+
+void WidgetHost::take(std::vector<PlacedWidget> widgets) {
+    const std::vector<PlacedWidget> before = std::exchange(widgets_, std::move(widgets));
+    for (const PlacedWidget& old : before) {
+        if (find(old.id)) continue;
+        schedule_.remove(old.id);
+        observer_.removed(old.id);
+    }
+    for (const PlacedWidget& widget : widgets_) {
+        const auto old = std::ranges::find(before, widget.id, &PlacedWidget::id);
+        if (old != before.end() && *old == widget) continue;
+        const bool showsSame = old != before.end() && old->kind == widget.kind && old->family == widget.family;
+        if (!showsSame) schedule_.add(widget.id, entries_.load(widget));
+        observer_.placed(widget);
+    }
+}
+
+void WidgetHost::wake() {
+    tick();
+}
+
+void WidgetHost::environmentChanged() {
+    environment_ = seams_.environment();
+    reloadAll();
+}
+
+void WidgetHost::tick() {
+    const Date now = seams_.now();
+    const auto [requests, shows] = schedule_.at(now);
+    for (const std::string& id : shows) {
+        const PlacedWidget* widget = find(id);
+        const ArchivedEntry* entry = schedule_.shown(id);
+        if (widget && entry) observer_.shows(*widget, *entry);
+    }
+    if (!requests.empty()) askForTimelines(requests);
+    // Until the extension has told once what it offers, it is asked again along with the rest.
+    if (!requests.empty() && offered_.empty()) askForOffers();
+    seams_.wakeAt(schedule_.nextInstant());
+}
+
+Request WidgetHost::request(RequestKind kind) const {
+    return {.request = kind, .locale = environment_.locale, .timeZone = environment_.timeZone};
+}
+
+void WidgetHost::askForOffers() {
+    if (std::exchange(isAskingForOffers_, true)) return;
+    seams_.ask({request(RequestKind::bundle)}, [this](std::vector<Outcome> outcomes) {
+        isAskingForOffers_ = false;
+        Outcome& outcome = outcomes.front();
+        if (!outcome.reply || !outcome.reply->widgets) return;
+        offered_ = *std::move(outcome.reply->widgets);
+        observer_.offers(offered_);
+    });
+}
+
+void WidgetHost::askForTimelines(const std::vector<std::string>& ids) {
+    std::vector<Request> requests;
+    std::vector<PlacedWidget> asked;
+    for (const std::string& id : ids) {
+        const PlacedWidget* widget = find(id);
+        if (!widget) continue;
+        Request each = request(RequestKind::timeline);
+        each.kind = widget->kind;
+        each.family = widget->family;
+        requests.push_back(std::move(each));
+        asked.push_back(*widget);
+    }
+    seams_.ask(std::move(requests), [this, asked](std::vector<Outcome> outcomes) {
+        for (std::size_t i = 0; i < asked.size() && i < outcomes.size(); ++i)
+            received(asked[i], std::move(outcomes[i]));
+        tick();
+    });
+}
+
+void WidgetHost::received(const PlacedWidget& asked, Outcome outcome) {
+    const PlacedWidget* widget = find(asked.id);
+    // Another family was chosen, or the widget was removed, since then.
+    if (!widget || widget->kind != asked.kind || widget->family != asked.family) return;
+    std::string fault = outcome.error;
+    if (outcome.reply && !outcome.reply->timeline) fault = "an answer without a timeline";
+    if (outcome.reply && outcome.reply->timeline && outcome.reply->timeline->entries.empty())
+        fault = "a timeline without entries";
+    if (!fault.empty()) {
+        seams_.log(asked.kind + ", " + nameOf(asked.family) + ": " + fault);
+        schedule_.failed(asked.id, seams_.now());
+        return;
+    }
+    if (!entries_.save(*widget, *outcome.reply->timeline))
+        seams_.log("the timeline of " + asked.kind + " cannot be stored");
+    schedule_.received(asked.id, *std::move(outcome.reply->timeline), seams_.now());
+}
+
+const PlacedWidget* WidgetHost::find(const std::string& id) const {
+    const auto found = std::ranges::find(widgets_, id, &PlacedWidget::id);
+    return found == widgets_.end() ? nullptr : &*found;
+}
+
+PlacedWidget* WidgetHost::findMutable(const std::string& id) {
+    return const_cast<PlacedWidget*>(find(id));
+}
+
+const WidgetDescription* WidgetHost::describe(const std::string& kind) const {
+    const auto found = std::ranges::find(offered_, kind, &WidgetDescription::kind);
+    return found == offered_.end() ? nullptr : &*found;
+}
+
+void WidgetHost::save() {
+    placements_.save(widgets_);
+    entries_.keepOnly(widgets_);
+    tick();
+}
+
+Cell WidgetHost::roomFor(
+    WidgetFamily family, const std::optional<std::string>& monitor, std::int64_t columns,
+    const std::string& except) const {
+    TileGrid grid(columns);
+    for (const PlacedWidget& widget : widgets_)
+        if (widget.monitor == monitor && widget.id != except) grid.take(widget.cell(), widget.family);
+    return grid.firstFree(family);
+}
+
+bool WidgetHost::isFree(const PlacedWidget& widget) const {
+    TileGrid grid(farthestTile + 1);
+    for (const PlacedWidget& other : widgets_)
+        if (other.id != widget.id && other.monitor == widget.monitor) grid.take(other.cell(), other.family);
+    return grid.isFree(widget.cell(), widget.family);
+}
+
+WidgetHost::Refusal WidgetHost::add(
+    const std::string& kind, WidgetFamily family, std::optional<Cell> cell, std::int64_t columns,
+    std::string& id) {
+    takeOverEdits();
+    if (!offered_.empty()) {
+        const WidgetDescription* description = describe(kind);
+        if (!description) return "no widget '" + kind + "'";
+        if (std::ranges::find(description->families, family) == description->families.end())
+            return kind + " is not offered as " + nameOf(family);
+    }
+    PlacedWidget widget{.id = UUID::random().text(), .kind = kind, .family = family};
+    for (char& c : widget.id)
+        if (c >= 'A' && c <= 'F') c = static_cast<char>(c - 'A' + 'a');
+    const Cell place = cell.value_or(roomFor(family, std::nullopt, columns));
+    widget.column = place.column;
+    widget.row = place.row;
+    if (!isFree(widget)) {
+        const Cell room = roomFor(family, std::nullopt, columns);
+        widget.column = room.column;
+        widget.row = room.row;
+    }
+    id = widget.id;
+    widgets_.push_back(widget);
+    schedule_.add(id, std::nullopt);
+    observer_.placed(widget);
+    save();
+    return {};
+}
+
+WidgetHost::Refusal WidgetHost::remove(const std::string& id) {
+    takeOverEdits();
+    if (!find(id)) return "no placed widget '" + id + "'";
+    std::erase_if(widgets_, [&](const PlacedWidget& widget) { return widget.id == id; });
+    schedule_.remove(id);
+    observer_.removed(id);
+    save();
+    return {};
+}
+
+WidgetHost::Refusal WidgetHost::move(
+    const std::string& id, const std::optional<std::string>& monitor, Cell cell) {
+    takeOverEdits();
+    PlacedWidget* widget = findMutable(id);
+    if (!widget) return "no placed widget '" + id + "'";
+    PlacedWidget moved = *widget;
+    moved.monitor = monitor;
+    moved.column = std::clamp<std::int64_t>(cell.column, 0, farthestTile);
+    moved.row = std::clamp<std::int64_t>(cell.row, 0, farthestTile);
+    if (!isFree(moved)) return "another widget stands there";
+    *widget = moved;
+    observer_.placed(*widget);
+    save();
+    return {};
+}
+
+WidgetHost::Refusal WidgetHost::setFamily(const std::string& id, WidgetFamily family, std::int64_t columns) {
+    takeOverEdits();
+    PlacedWidget* widget = findMutable(id);
+    if (!widget) return "no placed widget '" + id + "'";
+    if (widget->family == family) return {};
+    const WidgetDescription* description = describe(widget->kind);
+    if (description && std::ranges::find(description->families, family) == description->families.end())
+        return widget->kind + " is not offered as " + nameOf(family);
+    widget->family = family;
+    if (!isFree(*widget)) {
+        const Cell room = roomFor(family, widget->monitor, columns, id);
+        widget->column = room.column;
+        widget->row = room.row;
+    }
+    schedule_.add(id, std::nullopt);
+    observer_.placed(*widget);
+    save();
+    return {};
+}
+
+WidgetHost::Refusal WidgetHost::reload(const std::string& id) {
+    if (!find(id)) return "no placed widget '" + id + "'";
+    schedule_.reload(id);
+    tick();
+    return {};
+}
+
+WidgetHost::Refusal WidgetHost::reloadKind(const std::string& kind) {
+    bool isPlaced = false;
+    for (const PlacedWidget& widget : widgets_) {
+        if (widget.kind != kind) continue;
+        schedule_.reload(widget.id);
+        isPlaced = true;
+    }
+    if (!isPlaced && !offered_.empty() && !describe(kind)) return "no widget '" + kind + "'";
+    tick();
+    return {};
+}
+
+void WidgetHost::reloadAll() {
+    schedule_.reloadAll();
+    tick();
+}
+
+void WidgetHost::takeOverEdits() {
+    if (!placements_.wasEdited()) return;
+    if (auto edited = placements_.load()) take(*std::move(edited));
+    tick();
+}
+
+void WidgetHost::preview(
+    const std::string& kind, WidgetFamily family,
+    std::function<void(const std::optional<ArchivedEntry>&)> completion) {
+    Request wanted = request(RequestKind::snapshot);
+    wanted.kind = kind;
+    wanted.family = family;
+    wanted.preview = true;
+    seams_.ask({std::move(wanted)}, [this, kind, completion](std::vector<Outcome> outcomes) {
+        Outcome& outcome = outcomes.front();
+        if (!outcome.reply) seams_.log(kind + ": " + outcome.error);
+        completion(outcome.reply ? std::move(outcome.reply->entry) : std::nullopt);
+    });
+}
+
+}  // namespace zelto::host
