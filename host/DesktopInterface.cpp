@@ -17,12 +17,6 @@ xpc::Error refusal(const std::string& why) {
     return {ErrorKind::badPayload, why};
 }
 
-std::optional<WidgetFamily> familyNamed(const std::string& name) {
-    for (std::size_t i = 0; i < Names<WidgetFamily>::names.size(); ++i)
-        if (Names<WidgetFamily>::names[i] == name) return static_cast<WidgetFamily>(i);
-    return std::nullopt;
-}
-
 std::int64_t integer(const std::string& digits) {
     std::int64_t value = 0;
     std::from_chars(digits.data(), digits.data() + digits.size(), value);
@@ -35,6 +29,12 @@ xpc::Result<Values> answerTo(const WidgetHost::Refusal& why, Values results = {}
 }
 
 }  // namespace
+
+std::optional<WidgetFamily> familyNamed(const std::string& name) {
+    for (std::size_t i = 0; i < Names<WidgetFamily>::names.size(); ++i)
+        if (Names<WidgetFamily>::names[i] == name) return static_cast<WidgetFamily>(i);
+    return std::nullopt;
+}
 
 const xpc::Interface& desktopInterface() {
     static const xpc::Interface interface{

@@ -1,7 +1,9 @@
 #include "host/ExtensionWorker.hpp"
 
 #include <cstdint>
+#include <iterator>
 #include <sstream>
+#include <utility>
 
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -35,33 +37,43 @@ void ExtensionWorker::ask(std::vector<Request> requests, Completion completion) 
     changed_.notify_all();
 }
 
-std::optional<ExtensionWorker::Work> ExtensionWorker::nextWork(std::optional<Clock::time_point> until) {
+std::deque<ExtensionWorker::Work> ExtensionWorker::nextWork(std::optional<Clock::time_point> until) {
     std::unique_lock lock(mutex_);
     const auto isAwake = [this] { return isEnding_ || !work_.empty(); };
     if (until)
         changed_.wait_until(lock, *until, isAwake);
     else
         changed_.wait(lock, isAwake);
-    if (isEnding_ || work_.empty()) return std::nullopt;
-    Work work = std::move(work_.front());
-    work_.pop_front();
-    return work;
+    if (isEnding_) return {};
+    return std::exchange(work_, {});
 }
 
 void ExtensionWorker::run() {
     while (true) {
         std::optional<Clock::time_point> idleAt;
         if (process_) idleAt = Clock::now() + options_.idle;
-        auto work = nextWork(idleAt);
-        if (!work) {
-            process_.reset();
-            const std::lock_guard lock(mutex_);
-            if (isEnding_) return;
+        auto all = nextWork(idleAt);
+        if (!all.empty()) {
+            work(std::move(all));
             continue;
         }
-        auto outcomes = exchange(std::move(work->requests));
-        seams_.post([completion = std::move(work->completion), outcomes = std::move(outcomes)]() mutable {
-            completion(std::move(outcomes));
+        process_.reset();
+        const std::lock_guard lock(mutex_);
+        if (isEnding_) return;
+    }
+}
+
+void ExtensionWorker::work(std::deque<Work> all) {
+    std::vector<Request> requests;
+    for (const Work& each : all) requests.insert(requests.end(), each.requests.begin(), each.requests.end());
+    auto outcomes = exchange(std::move(requests));
+    auto next = std::make_move_iterator(outcomes.begin());
+    for (Work& each : all) {
+        const auto end = next + static_cast<std::ptrdiff_t>(each.requests.size());
+        std::vector<Outcome> own(next, end);
+        next = end;
+        seams_.post([completion = std::move(each.completion), own = std::move(own)]() mutable {
+            completion(std::move(own));
         });
     }
 }

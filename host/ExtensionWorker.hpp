@@ -28,7 +28,8 @@ struct ExtensionOptions {
 };
 
 /// Looks after the extension's process on a thread of its own: starts it when something is asked, ends it
-/// when nothing is, starts it again after it died. Ends with this object, without waiting for answers.
+/// when nothing is, starts it again after it died. What is asked while it is busy goes out together
+/// afterwards. Ends with this object, without waiting for answers.
 class ExtensionWorker {
   public:
     using Completion = std::function<void(std::vector<Outcome>)>;
@@ -53,8 +54,9 @@ class ExtensionWorker {
     };
 
     void run();
-    /// What is to be done next, if anything comes before `until`.
-    std::optional<Work> nextWork(std::optional<Clock::time_point> until);
+    /// All that is to be done next, if anything comes before `until`.
+    std::deque<Work> nextWork(std::optional<Clock::time_point> until);
+    void work(std::deque<Work> all);
     std::vector<Outcome> exchange(std::vector<Request> requests);
     void died(const std::string& how);
     bool pauses();

@@ -36,11 +36,33 @@ std::uint32_t opaquePixel(const ui::LinearGradient& gradient, double t) {
            channel(gradient.top.blue, gradient.bottom.blue);
 }
 
+/// Whole pixels of a picture.
+struct PixelArea {
+    int left, top, right, bottom;
+
+    /// Those that a rectangle in points touches.
+    static PixelArea touched(layout::Rect area, double scale, const Picture& picture) {
+        const auto pixel = [scale](double points, int most) {
+            return static_cast<int>(std::clamp(points * scale, 0.0, static_cast<double>(most)));
+        };
+        return {
+            pixel(area.x, picture.width),
+            pixel(area.y, picture.height),
+            pixel(area.x + area.width + 1 / scale, picture.width),
+            pixel(area.y + area.height + 1 / scale, picture.height)};
+    }
+};
+
 /// Rows of one colour each: what a gradient from top to bottom comes to, at the price of filling the pixels.
-void fillBackground(Picture& picture, const ui::LinearGradient& gradient) {
-    auto row = picture.pixels.begin();
-    for (int y = 0; y < picture.height; ++y, row += picture.width)
-        std::fill_n(row, picture.width, opaquePixel(gradient, (y + 0.5) / picture.height));
+void fillBackground(
+    Picture& picture, const std::optional<ui::LinearGradient>& gradient, const PixelArea& area) {
+    const auto width = static_cast<std::size_t>(picture.width);
+    for (int y = area.top; y < area.bottom; ++y)
+        std::fill_n(
+            picture.pixels.begin() +
+                static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y) * width) + area.left,
+            area.right - area.left,
+            gradient ? opaquePixel(*gradient, (y + 0.5) / picture.height) : 0U);
 }
 
 Pattern gradientPattern(const ui::LinearGradient& gradient, double height) {
@@ -99,12 +121,18 @@ Picture Renderer::draw(const layout::Placement& placement, double scale, double 
 
 void Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius, Picture& picture) {
     resize(picture, placement.size, scale);
-    if (placement.background)
-        fillBackground(picture, *placement.background);
-    else
-        std::ranges::fill(picture.pixels, 0);
+    redraw(placement, scale, cornerRadius, {0, 0, placement.size.width, placement.size.height}, picture);
+}
+
+void Renderer::redraw(
+    const layout::Placement& placement, double scale, double cornerRadius, layout::Rect within,
+    Picture& picture) {
+    const PixelArea area = PixelArea::touched(within, scale, picture);
+    fillBackground(picture, placement.background, area);
     const Surface surface = surfaceOver(picture);
     const Context context(cairo_create(surface.get()));
+    cairo_rectangle(context.get(), area.left, area.top, area.right - area.left, area.bottom - area.top);
+    cairo_clip(context.get());
     cairo_scale(context.get(), scale, scale);
     {
         const SavedState saved(context.get());

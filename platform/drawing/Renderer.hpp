@@ -37,6 +37,10 @@ class Renderer {
     Picture draw(const layout::Placement& placement, double scale, double cornerRadius = 0);
     /// The same into a picture whose pixels are used again when their number is right.
     void draw(const layout::Placement& placement, double scale, double cornerRadius, Picture& into);
+    /// Draws what lies in `area` anew into a picture of the same size, scale and corners.
+    void redraw(
+        const layout::Placement& placement, double scale, double cornerRadius, layout::Rect area,
+        Picture& into);
 
     /// Widgets with rounded corners and shadows on a backdrop of `size` points.
     Picture drawSheet(std::span<const SheetItem> items, layout::Size size, double scale);

@@ -32,6 +32,7 @@ ui::Color resolve(const ui::Style& style, const Inherited& inherited);
 struct Box {
     const ui::Node* node = nullptr;
     const ui::Modifier* modifier = nullptr;
+    const ui::View* view = nullptr;  // that it comes from
     Inherited inherited;
     std::vector<std::size_t> children;
     /// What it answered to each proposal so far.

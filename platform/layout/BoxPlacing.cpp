@@ -1,4 +1,5 @@
 #include "platform/layout/Box.hpp"
+#include "platform/layout/Reading.hpp"
 #include "platform/layout/TimerText.hpp"
 
 namespace zelto::layout {
@@ -88,7 +89,7 @@ void BoxTree::emit(const Box& box, const ui::Modifier& modifier, Rect frame, con
         place(child, {frame.x, frame.y}, inside);
         items.emplace_back(End{});
     } else if (const auto* link = std::get_if<ui::modifier::Link>(&modifier)) {
-        placement_.links.push_back({frame, link->url});
+        placement_.links.push_back({frame, link->url, joined(readingTexts(*box.view, now_))});
         place(child, {frame.x, frame.y}, inside);
     } else {
         placeCentered(child, frame, inside);  // frames, fixed and stretched

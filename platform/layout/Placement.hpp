@@ -71,10 +71,11 @@ struct End {
 using PlacedItem = std::variant<
     PlacedText, PlacedCountdown, PlacedSymbol, PlacedShape, PlacedImage, BeginClip, BeginRotation, End>;
 
-/// Where a tap opens a link of its own.
+/// Where a tap opens a link of its own. `name` is what is read of it aloud.
 struct LinkArea {
     Rect frame;
     std::string url;
+    std::string name;
     bool operator==(const LinkArea&) const = default;
 };
 

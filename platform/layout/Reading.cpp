@@ -29,4 +29,10 @@ std::vector<std::string> readingTexts(const ui::View& view, Date now) {
     return out;
 }
 
+std::string joined(const std::vector<std::string>& texts) {
+    std::string out;
+    for (const std::string& text : texts) out += (out.empty() ? "" : ", ") + text;
+    return out;
+}
+
 }  // namespace zelto::layout

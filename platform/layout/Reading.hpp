@@ -12,4 +12,7 @@ namespace zelto::layout {
 /// in place of what carries an accessibility label, that label. Symbols without one are silent.
 std::vector<std::string> readingTexts(const ui::View& view, Date now);
 
+/// Such texts as one, with commas.
+std::string joined(const std::vector<std::string>& texts);
+
 }  // namespace zelto::layout

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "desktop/Gallery.hpp"
+#include "desktop/MainThread.hpp"
+#include "desktop/WidgetWindow.hpp"
+#include "host/ExtensionWorker.hpp"
+#include "host/Folders.hpp"
+#include "host/LinkOpener.hpp"
+#include "host/WallTimer.hpp"
+#include "host/ZoneWatch.hpp"
+
+namespace zelto::desktop {
+
+struct DesktopOptions {
+    host::ExtensionOptions extension;
+    host::Folders folders;
+    std::string linkCommand;
+    std::optional<double> zoom;
+    /// Widgets to be added, by kind and family.
+    std::vector<std::pair<std::string, WidgetFamily>> wishes;
+    bool showsGallery = false;
+    std::function<void(const std::string&)> log;
+};
+
+/// The widgets on this display: the host, its windows, and what wakes them.
+class Desktop : public host::HostObserver {
+  public:
+    /// The toolkit must have been set up.
+    explicit Desktop(DesktopOptions options);
+    ~Desktop() override;
+
+    host::WidgetHost& host() { return *host_; }
+    std::int64_t columns() const;
+    void showGallery();
+
+  private:
+    void placed(const host::PlacedWidget& widget) override;
+    void removed(const std::string& id) override;
+    void shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) override;
+    void offers(const std::vector<WidgetDescription>& widgets) override;
+
+    host::HostSeams seams();
+    void watchMonitors();
+    void openLink(const std::string& id, const std::string& url);
+    void add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell);
+
+    DesktopOptions options_;
+    Surroundings surroundings_;
+    drawing::Renderer renderer_;
+    host::LinkOpener links_;
+    host::WallTimer timer_;
+    host::ZoneWatch zone_;
+    MainSource timerSource_, zoneSource_;
+    std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
+    std::unique_ptr<Gallery> gallery_;
+    bool isFirstStart_ = false;
+    // Ends first: its completions speak to all of the above.
+    std::unique_ptr<host::WidgetHost> host_;
+    std::shared_ptr<int> life_ = std::make_shared<int>();
+    std::unique_ptr<host::ExtensionWorker> worker_;
+};
+
+}  // namespace zelto::desktop

@@ -1,0 +1,267 @@
+#include "desktop/Face.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include <gtkmm/cssprovider.h>
+
+#include "desktop/MainThread.hpp"
+#include "platform/layout/Layout.hpp"
+#include "platform/layout/Reading.hpp"
+#include "platform/layout/TimerText.hpp"
+
+namespace zelto::desktop {
+namespace {
+
+constexpr double messageSeconds = 4;
+constexpr double linkCornerRadius = 7;  // points
+
+/// One look for all, whatever the desktop's theme: nothing of a button but its behaviour.
+Glib::RefPtr<Gtk::CssProvider> plainStyle() {
+    static const auto style = [] {
+        auto provider = Gtk::CssProvider::create();
+        provider->load_from_data(
+            "button { padding: 0; margin: 0; border: none; min-width: 0; min-height: 0; background: none;"
+            " box-shadow: none; outline: none; transition: none; }"
+            "label { color: white; background-color: rgba(20, 20, 24, 0.92); border-radius: 10px;"
+            " padding: 6px; font-size: 11px; }");
+        return provider;
+    }();
+    return style;
+}
+
+void addPlainStyle(Gtk::Widget& widget) {
+    widget.get_style_context()->add_provider(plainStyle(), GTK_STYLE_PROVIDER_PRIORITY_USER);
+}
+
+int rounded(double value) {
+    return static_cast<int>(std::lround(value));
+}
+
+void roundedRectangle(const Cairo::RefPtr<Cairo::Context>& context, double width, double height, double radius) {
+    constexpr double right = std::numbers::pi / 2;
+    const double r = std::min({radius, width / 2, height / 2});
+    context->begin_new_path();
+    context->arc(width - r, r, r, -right, 0);
+    context->arc(width - r, height - r, r, 0, right);
+    context->arc(r, height - r, r, right, 2 * right);
+    context->arc(r, r, r, 2 * right, 3 * right);
+    context->close_path();
+}
+
+/// The countdowns' rectangle, if they are all that differs between two placements.
+std::optional<layout::Rect> countdownArea(const layout::Placement& before, const layout::Placement& after) {
+    if (before.items.size() != after.items.size() || before.links != after.links) return std::nullopt;
+    std::optional<layout::Rect> area;
+    const auto cover = [&area](const layout::Rect& frame) {
+        if (!area) {
+            area = frame;
+            return;
+        }
+        const double right = std::max(area->x + area->width, frame.x + frame.width);
+        const double bottom = std::max(area->y + area->height, frame.y + frame.height);
+        area->x = std::min(area->x, frame.x);
+        area->y = std::min(area->y, frame.y);
+        area->width = right - area->x;
+        area->height = bottom - area->y;
+    };
+    for (std::size_t i = 0; i < before.items.size(); ++i) {
+        const auto* old = std::get_if<layout::PlacedCountdown>(&before.items[i]);
+        const auto* now = std::get_if<layout::PlacedCountdown>(&after.items[i]);
+        if (old && now) {
+            cover(old->text.frame);
+            cover(now->text.frame);
+        } else if (before.items[i] != after.items[i]) {
+            return std::nullopt;
+        }
+    }
+    return area;
+}
+
+}  // namespace
+
+struct Face::Sources {
+    MainSource tick, message;
+};
+
+TapArea::TapArea(double cornerRadius, bool showsHover) : cornerRadius_(cornerRadius), showsHover_(showsHover) {
+    addPlainStyle(*this);
+    set_can_focus(true);
+    set_focus_on_click(false);
+}
+
+bool TapArea::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
+    const double width = get_allocated_width(), height = get_allocated_height();
+    const auto state = get_state_flags();
+    if (showsHover_ && (state & (Gtk::STATE_FLAG_PRELIGHT | Gtk::STATE_FLAG_ACTIVE)) != 0) {
+        roundedRectangle(context, width, height, cornerRadius_);
+        context->set_source_rgba(1, 1, 1, (state & Gtk::STATE_FLAG_ACTIVE) != 0 ? 0.28 : 0.14);
+        context->fill();
+    }
+    if (has_visible_focus()) {
+        context->translate(1.5, 1.5);
+        roundedRectangle(context, width - 3, height - 3, cornerRadius_);
+        context->set_source_rgb(0.31, 0.55, 0.97);
+        context->set_line_width(3);
+        context->stroke();
+    }
+    return true;
+}
+
+Face::Face(Seams seams, double zoom)
+    : seams_(std::move(seams)),
+      zoom_(zoom),
+      whole_(drawing::containerCornerRadius * zoom, false),
+      sources_(std::make_unique<Sources>()) {
+    put(whole_, 0, 0);
+    whole_.signal_clicked().connect([this] {
+        if (placement_.widgetURL) seams_.open(*placement_.widgetURL);
+    });
+    whole_.show();
+    get_accessible()->set_role(Atk::ROLE_GROUPING);
+    property_scale_factor().signal_changed().connect([this] {
+        if (entry_) drawAll();
+    });
+}
+
+Face::~Face() = default;
+
+void Face::name(const std::string& displayName) {
+    name_ = displayName;
+    get_accessible()->set_name(displayName);
+    whole_.get_accessible()->set_name(displayName);
+}
+
+void Face::resize(WidgetFamily family) {
+    const WidgetSize size = sizeOf(family);
+    size_ = {size.width, size.height};
+    set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
+    whole_.set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
+    if (entry_) layOutAgain();
+}
+
+void Face::present(const ArchivedEntry& entry) {
+    entry_ = entry;
+    layOutAgain();
+}
+
+void Face::layOutAgain() {
+    const Date now = seams_.now();
+    placement_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
+    placeLinks();
+    get_accessible()->set_description(layout::joined(layout::readingTexts(entry_->view, now)));
+    whole_.get_accessible()->set_role(placement_.widgetURL ? Atk::ROLE_LINK : Atk::ROLE_PANEL);
+    drawAll();
+}
+
+void Face::placeLinks() {
+    // The areas stay while the links do, so that the focus does.
+    while (links_.size() > placement_.links.size()) links_.pop_back();
+    while (links_.size() < placement_.links.size()) {
+        const std::size_t index = links_.size();
+        auto& link = links_.emplace_back(std::make_unique<TapArea>(linkCornerRadius * zoom_, true));
+        link->signal_clicked().connect([this, index] { seams_.open(placement_.links.at(index).url); });
+        link->get_accessible()->set_role(Atk::ROLE_LINK);
+        put(*link, 0, 0);
+        link->show();
+    }
+    for (std::size_t i = 0; i < links_.size(); ++i) {
+        const auto& [frame, url, text] = placement_.links[i];
+        links_[i]->set_size_request(rounded(frame.width * zoom_), rounded(frame.height * zoom_));
+        move(*links_[i], rounded(frame.x * zoom_), rounded(frame.y * zoom_));
+        links_[i]->get_accessible()->set_name(text.empty() ? name_ : text);
+    }
+}
+
+double Face::scale() const {
+    return zoom_ * get_scale_factor();
+}
+
+void Face::drawAll() {
+    drawnScale_ = scale();
+    seams_.renderer.draw(placement_, drawnScale_, drawing::containerCornerRadius, picture_);
+    queue_draw();
+}
+
+void Face::say(const std::string& text) {
+    if (!message_) {
+        message_ = std::make_unique<Gtk::Label>();
+        message_->set_line_wrap();
+        addPlainStyle(*message_);
+        put(*message_, 0, 0);
+    }
+    const int width = rounded((size_.width - 24) * zoom_);
+    message_->set_text(text);
+    message_->set_size_request(width, -1);
+    message_->set_max_width_chars(1);
+    message_->show();
+    int least = 0, natural = 0;
+    message_->get_preferred_height_for_width(width, least, natural);
+    move(*message_, rounded(12 * zoom_), rounded(size_.height * zoom_) - natural - rounded(12 * zoom_));
+    sources_->message = MainSource::after(messageSeconds, [this] { message_->hide(); });
+}
+
+void Face::setSeen(bool isSeen) {
+    isSeen_ = isSeen;
+    if (isSeen && entry_) tick();
+}
+
+bool Face::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
+    if (entry_ && picture_.width > 0) {
+        if (drawnScale_ != scale()) drawAll();
+        auto* pixels = reinterpret_cast<unsigned char*>(picture_.pixels.data());
+        const auto surface = Cairo::ImageSurface::create(
+            pixels, Cairo::FORMAT_ARGB32, picture_.width, picture_.height, picture_.width * 4);
+        cairo_surface_set_device_scale(surface->cobj(), get_scale_factor(), get_scale_factor());
+        context->set_operator(Cairo::OPERATOR_SOURCE);
+        context->set_source(surface, 0, 0);
+        context->paint();
+        // The surface borrows the pixels for now only.
+        context->set_source_rgba(0, 0, 0, 0);
+        context->set_operator(Cairo::OPERATOR_OVER);
+        if (onDrawn) onDrawn();
+    } else {
+        roundedRectangle(
+            context, size_.width * zoom_, size_.height * zoom_, drawing::containerCornerRadius * zoom_);
+        context->set_source_rgb(0.11, 0.11, 0.13);
+        context->fill();
+    }
+    waitForTick();
+    return Gtk::Fixed::on_draw(context);
+}
+
+
+/// Waits for the next second of a countdown, from the drawing of one second to the next: what is never drawn
+/// because nobody sees it stops by itself.
+void Face::waitForTick() {
+    if (!isSeen_) return;
+    const Date now = seams_.now();
+    std::optional<Date> next;
+    for (const auto& item : placement_.items)
+        if (const auto* countdown = std::get_if<layout::PlacedCountdown>(&item)) {
+            const Date change = layout::nextTimerChange(countdown->end, now);
+            next = next ? std::min(*next, change) : change;
+        }
+    if (next) sources_->tick = MainSource::after(*next - now, [this] { tick(); });
+}
+
+void Face::tick() {
+    if (!isSeen_ || !entry_) return;
+    auto before = std::move(placement_);
+    placement_ = layout::layOut(entry_->view, {.size = size_, .now = seams_.now()}, seams_.renderer.measuring());
+    const auto area = countdownArea(before, placement_);
+    if (!area) {
+        if (before != placement_) layOutAgain();
+        return;
+    }
+    seams_.renderer.redraw(placement_, drawnScale_, drawing::containerCornerRadius, *area, picture_);
+    // A pixel more on each side: frames need not lie on whole ones.
+    queue_draw_area(
+        static_cast<int>(area->x * zoom_) - 1,
+        static_cast<int>(area->y * zoom_) - 1,
+        static_cast<int>(area->width * zoom_) + 3,
+        static_cast<int>(area->height * zoom_) + 3);
+}
+
+}  // namespace zelto::desktop

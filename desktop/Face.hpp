@@ -1,0 +1,85 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <gtkmm/button.h>
+#include <gtkmm/fixed.h>
+#include <gtkmm/label.h>
+
+#include "platform/drawing/Renderer.hpp"
+#include "platform/layout/Placement.hpp"
+#include "platform/widgetkit/Messages.hpp"
+
+namespace zelto::desktop {
+
+/// Something to tap: draws nothing but that the pointer is over it or that it has the focus.
+class TapArea : public Gtk::Button {
+  public:
+    /// A corner radius in the display's units.
+    TapArea(double cornerRadius, bool showsHover);
+
+  protected:
+    bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
+
+  private:
+    double cornerRadius_;
+    bool showsHover_;
+};
+
+/// What a widget shows, and where it can be tapped: its picture, with one area for all of it and one for each
+/// link. Drawn once for each entry; a countdown redraws its own rectangle once a second while it is seen.
+class Face : public Gtk::Fixed {
+  public:
+    struct Seams {
+        drawing::Renderer& renderer;
+        std::function<Date()> now;
+        std::function<void(const std::string& url)> open;
+    };
+    Face(Seams seams, double zoom);
+    ~Face() override;
+
+    /// Its name for assistive technology.
+    void name(const std::string& displayName);
+    void resize(WidgetFamily family);
+    void present(const ArchivedEntry& entry);
+    /// Says something briefly, over the picture.
+    void say(const std::string& text);
+    /// Whether anything of it is seen; a countdown stops otherwise.
+    void setSeen(bool isSeen);
+    /// What is drawn, for the ghost of a drag.
+    const drawing::Picture& picture() const { return picture_; }
+    /// Calls back after the first pixels of an entry are on the window.
+    std::function<void()> onDrawn;
+
+  protected:
+    bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
+
+  private:
+    void layOutAgain();
+    void placeLinks();
+    void drawAll();
+    void tick();
+    void waitForTick();
+    double scale() const;
+
+    Seams seams_;
+    double zoom_;
+    layout::Size size_;
+    std::string name_;
+    std::optional<ArchivedEntry> entry_;
+    layout::Placement placement_;
+    drawing::Picture picture_;
+    double drawnScale_ = 0;
+    TapArea whole_;
+    std::vector<std::unique_ptr<TapArea>> links_;
+    std::unique_ptr<Gtk::Label> message_;
+    bool isSeen_ = true;
+    struct Sources;
+    std::unique_ptr<Sources> sources_;
+};
+
+}  // namespace zelto::desktop

@@ -1,0 +1,167 @@
+#include "desktop/Gallery.hpp"
+
+#include <cmath>
+
+#include "desktop/Words.hpp"
+#include "platform/layout/Layout.hpp"
+
+namespace zelto::desktop {
+namespace {
+
+constexpr double shrink = 0.6;  // of the widget's size on the desktop
+constexpr double dragThreshold = 8;
+
+Gtk::Label* label(const std::string& text, bool isTitle) {
+    auto* out = Gtk::manage(new Gtk::Label(text));
+    out->set_xalign(0);
+    out->set_line_wrap();
+    if (isTitle) {
+        Pango::AttrList bold;
+        auto weight = Pango::Attribute::create_attr_weight(Pango::WEIGHT_BOLD);
+        bold.insert(weight);
+        out->set_attributes(bold);
+    }
+    return out;
+}
+
+}  // namespace
+
+/// One family of one widget: its picture on a button. The picture is asked for when the gallery opens.
+class Gallery::Look : public Gtk::Button {
+  public:
+    Look(Gallery& gallery, const WidgetDescription& widget, WidgetFamily family)
+        : seams_(gallery.seams_), kind_(widget.kind), family_(family) {
+        auto* box = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 6));
+        const WidgetSize size = sizeOf(family);
+        const double zoom = seams_.surroundings.zoom() * shrink;
+        canvas_.set_size_request(
+            static_cast<int>(std::lround(size.width * zoom)), static_cast<int>(std::lround(size.height * zoom)));
+        canvas_.signal_draw().connect(sigc::mem_fun(*this, &Look::drawn));
+        box->pack_start(canvas_, Gtk::PACK_SHRINK);
+        box->pack_start(*Gtk::manage(new Gtk::Label(words::nameOf(family))), Gtk::PACK_SHRINK);
+        add(*box);
+        set_relief(Gtk::RELIEF_NONE);
+        set_valign(Gtk::ALIGN_END);
+        get_accessible()->set_name(widget.displayName + ", " + words::nameOf(family));
+        signal_clicked().connect([this] { seams_.add(kind_, family_, std::nullopt); });
+        drag_ = Gtk::GestureDrag::create(*this);
+        drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
+        drag_->signal_drag_update().connect([this](double dx, double dy) { dragged(dx, dy); });
+        drag_->signal_drag_end().connect([this](double, double) { dropped(); });
+        seams_.host.preview(
+            kind_,
+            family,
+            [this, isThere = std::weak_ptr(life_)](const std::optional<ArchivedEntry>& entry) {
+                if (!isThere.expired() && entry) show(*entry);
+            });
+    }
+
+  private:
+    void show(const ArchivedEntry& entry) {
+        const WidgetSize size = sizeOf(family_);
+        const auto placement = layout::layOut(
+            entry.view,
+            {.size = {size.width, size.height}, .now = seams_.now()},
+            seams_.renderer.measuring());
+        picture_ = seams_.renderer.draw(
+            placement,
+            seams_.surroundings.zoom() * get_scale_factor(),
+            drawing::containerCornerRadius);
+        canvas_.queue_draw();
+    }
+
+    bool drawn(const Cairo::RefPtr<Cairo::Context>& context) {
+        if (picture_.width == 0) return true;
+        const auto surface = Cairo::ImageSurface::create(
+            reinterpret_cast<unsigned char*>(picture_.pixels.data()),
+            Cairo::FORMAT_ARGB32,
+            picture_.width,
+            picture_.height,
+            picture_.width * 4);
+        context->scale(
+            static_cast<double>(canvas_.get_allocated_width()) / picture_.width,
+            static_cast<double>(canvas_.get_allocated_height()) / picture_.height);
+        context->set_source(surface, 0, 0);
+        context->paint();
+        context->set_source_rgba(0, 0, 0, 0);
+        return true;
+    }
+
+    /// The place under the pointer, where the display tells where that is.
+    std::optional<std::pair<Desk, host::Cell>> target() const {
+        if (seams_.surroundings.placing() != Placing::hints) return std::nullopt;
+        int x = 0, y = 0;
+        GdkDevice* pointer =
+            gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
+        gdk_device_get_position(pointer, nullptr, &x, &y);
+        const auto desk = seams_.surroundings.desk(std::nullopt);
+        if (!desk) return std::nullopt;
+        const WidgetSize size = sizeOf(family_);
+        const double zoom = seams_.surroundings.zoom();
+        const layout::Point corner{x - desk->x - size.width * zoom / 2, y - desk->y - size.height * zoom / 2};
+        return std::pair(*desk, seams_.surroundings.cellAt(*desk, corner, family_));
+    }
+
+    void dragged(double dx, double dy) {
+        if (!isDragging_) {
+            if (std::hypot(dx, dy) < dragThreshold) return;
+            drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
+            isDragging_ = true;
+        }
+        const auto place = target();
+        if (!place) return;
+        if (!ghost_) ghost_ = std::make_unique<Ghost>(seams_.surroundings, family_, picture_);
+        ghost_->place(place->first, place->second);
+    }
+
+    void dropped() {
+        if (!std::exchange(isDragging_, false)) return;
+        ghost_.reset();
+        const auto place = target();
+        seams_.add(kind_, family_, place ? std::optional(place->second) : std::nullopt);
+    }
+
+    Seams& seams_;
+    std::string kind_;
+    WidgetFamily family_;
+    Gtk::DrawingArea canvas_;
+    drawing::Picture picture_;
+    Glib::RefPtr<Gtk::GestureDrag> drag_;
+    std::unique_ptr<Ghost> ghost_;
+    bool isDragging_ = false;
+    std::shared_ptr<int> life_ = std::make_shared<int>();
+};
+
+Gallery::Gallery(Seams seams) : seams_(std::move(seams)) {
+    set_title(words::galleryTitle);
+    set_default_size(860, 640);
+    list_.set_border_width(24);
+    scroller_.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
+    scroller_.add(list_);
+    add(scroller_);
+    offer(seams_.host.offered());
+    show_all();
+}
+
+Gallery::~Gallery() = default;
+
+void Gallery::offer(const std::vector<WidgetDescription>& widgets) {
+    looks_.clear();
+    for (Gtk::Widget* child : list_.get_children()) list_.remove(*child);
+    list_.pack_start(
+        *label(widgets.empty() ? words::galleryEmpty : words::galleryHint, false), Gtk::PACK_SHRINK);
+    for (const WidgetDescription& widget : widgets) {
+        auto* row = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 4));
+        row->pack_start(*label(widget.displayName, true), Gtk::PACK_SHRINK);
+        row->pack_start(*label(widget.description, false), Gtk::PACK_SHRINK);
+        auto* families = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 12));
+        for (const WidgetFamily family : widget.families)
+            families->pack_start(
+                *looks_.emplace_back(std::make_unique<Look>(*this, widget, family)), Gtk::PACK_SHRINK);
+        row->pack_start(*families, Gtk::PACK_SHRINK);
+        list_.pack_start(*row, Gtk::PACK_SHRINK);
+    }
+    list_.show_all();
+}
+
+}  // namespace zelto::desktop

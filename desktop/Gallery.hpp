@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <gtkmm/box.h>
+#include <gtkmm/button.h>
+#include <gtkmm/drawingarea.h>
+#include <gtkmm/gesturedrag.h>
+#include <gtkmm/label.h>
+#include <gtkmm/scrolledwindow.h>
+#include <gtkmm/window.h>
+
+#include "desktop/Ghost.hpp"
+#include "host/WidgetHost.hpp"
+#include "platform/drawing/Renderer.hpp"
+
+namespace zelto::desktop {
+
+/// The window that offers the extension's widgets, with a look of each family. A click, a key or a drag adds
+/// one.
+class Gallery : public Gtk::Window {
+  public:
+    struct Seams {
+        host::WidgetHost& host;
+        const Surroundings& surroundings;
+        drawing::Renderer& renderer;
+        std::function<Date()> now;
+        /// Adds a widget, at a place of the first monitor or where there is room.
+        std::function<void(const std::string& kind, WidgetFamily family, std::optional<host::Cell>)> add;
+    };
+    explicit Gallery(Seams seams);
+    ~Gallery() override;
+
+    void offer(const std::vector<WidgetDescription>& widgets);
+
+  private:
+    class Look;
+
+    Seams seams_;
+    Gtk::ScrolledWindow scroller_;
+    Gtk::Box list_{Gtk::ORIENTATION_VERTICAL, 18};
+    std::vector<std::unique_ptr<Look>> looks_;
+};
+
+}  // namespace zelto::desktop

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <gtkmm/window.h>
+
+#include "desktop/Surroundings.hpp"
+#include "platform/drawing/Picture.hpp"
+
+namespace zelto::desktop {
+
+/// A translucent picture of a dragged widget on the place that it would take.
+class Ghost : public Gtk::Window {
+  public:
+    Ghost(const Surroundings& surroundings, WidgetFamily family, const drawing::Picture& picture);
+
+    void place(const Desk& desk, host::Cell cell);
+
+  protected:
+    bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
+
+  private:
+    const Surroundings& surroundings_;
+    WidgetFamily family_;
+    drawing::Picture picture_;
+};
+
+}  // namespace zelto::desktop

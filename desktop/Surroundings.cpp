@@ -1,0 +1,129 @@
+#include "desktop/Surroundings.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include <gdk/gdkx.h>
+#include <gtk-layer-shell.h>
+
+namespace zelto::desktop {
+namespace {
+
+constexpr double border = 16;  // points between the monitor's edge and the tiles
+
+Placing placingOf(GdkDisplay* display) {
+    if (GDK_IS_X11_DISPLAY(display)) return Placing::hints;
+    return gtk_layer_is_supported() ? Placing::layerShell : Placing::plain;
+}
+
+/// What the desktop asks texts to be enlarged by: how fractional scales are told on X11.
+double zoomOf(GdkScreen* screen) {
+    const double resolution = gdk_screen_get_resolution(screen);
+    return resolution > 0 ? std::clamp(resolution / 96, 0.5, 4.0) : 1;
+}
+
+Desk deskOf(GdkMonitor* monitor) {
+    GdkRectangle area;
+    gdk_monitor_get_workarea(monitor, &area);
+    const char* model = gdk_monitor_get_model(monitor);
+    return {monitor, model ? model : "", area.x, area.y, area.width, area.height};
+}
+
+std::int64_t tilesIn(int length, double zoom) {
+    const double room = length / zoom - 2 * border + host::tileGap;
+    return std::max<std::int64_t>(1, static_cast<std::int64_t>(room / host::tilePitch));
+}
+
+}  // namespace
+
+Surroundings::Surroundings(std::optional<double> zoom)
+    : placing_(placingOf(gdk_display_get_default())),
+      zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {}
+
+std::optional<Desk> Surroundings::desk(const std::optional<std::string>& name) const {
+    GdkDisplay* display = gdk_display_get_default();
+    const int count = gdk_display_get_n_monitors(display);
+    for (int i = 0; name && i < count; ++i) {
+        Desk each = deskOf(gdk_display_get_monitor(display, i));
+        if (each.name == *name) return each;
+    }
+    GdkMonitor* first = gdk_display_get_primary_monitor(display);
+    if (!first && count > 0) first = gdk_display_get_monitor(display, 0);
+    if (!first) return std::nullopt;
+    return deskOf(first);
+}
+
+std::optional<Desk> Surroundings::deskAt(int x, int y) const {
+    GdkMonitor* monitor = gdk_display_get_monitor_at_point(gdk_display_get_default(), x, y);
+    if (!monitor) return std::nullopt;
+    return deskOf(monitor);
+}
+
+std::int64_t Surroundings::columns(const Desk& desk) const {
+    return tilesIn(desk.width, zoom_);
+}
+
+std::int64_t Surroundings::rows(const Desk& desk) const {
+    return tilesIn(desk.height, zoom_);
+}
+
+layout::Point Surroundings::position(const Desk& desk, host::Cell cell, WidgetFamily family) const {
+    const host::Span span = host::spanOf(family);
+    const auto within = [](std::int64_t tile, std::int64_t tiles, std::int64_t covered) {
+        return static_cast<double>(std::min(tile, std::max<std::int64_t>(tiles - covered, 0)));
+    };
+    return {
+        zoom_ * (border + within(cell.column, columns(desk), span.columns) * host::tilePitch),
+        zoom_ * (border + within(cell.row, rows(desk), span.rows) * host::tilePitch)};
+}
+
+host::Cell Surroundings::cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const {
+    const host::Span span = host::spanOf(family);
+    const auto nearest = [this](double position, std::int64_t tiles, std::int64_t covered) {
+        const auto tile = static_cast<std::int64_t>(std::lround((position / zoom_ - border) / host::tilePitch));
+        return std::clamp<std::int64_t>(tile, 0, std::max<std::int64_t>(tiles - covered, 0));
+    };
+    return {nearest(point.x, columns(desk), span.columns), nearest(point.y, rows(desk), span.rows)};
+}
+
+void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const {
+    window.set_decorated(false);
+    window.set_resizable(false);
+    window.set_app_paintable(true);
+    const auto screen = window.get_screen();
+    if (const auto visual = screen->get_rgba_visual()) gtk_widget_set_visual(GTK_WIDGET(window.gobj()), visual->gobj());
+    if (placing_ == Placing::layerShell) {
+        gtk_layer_init_for_window(window.gobj());
+        gtk_layer_set_namespace(window.gobj(), name.c_str());
+        gtk_layer_set_layer(window.gobj(), GTK_LAYER_SHELL_LAYER_BOTTOM);
+        gtk_layer_set_anchor(window.gobj(), GTK_LAYER_SHELL_EDGE_LEFT, TRUE);
+        gtk_layer_set_anchor(window.gobj(), GTK_LAYER_SHELL_EDGE_TOP, TRUE);
+        if (takesKeys)
+            gtk_layer_set_keyboard_mode(
+                window.gobj(),
+                gtk_layer_get_protocol_version() >= 4 ? GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND
+                                                      : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+        return;
+    }
+    if (placing_ != Placing::hints) return;
+    window.set_type_hint(Gdk::WINDOW_TYPE_HINT_DESKTOP);
+    window.set_keep_below(true);
+    window.stick();
+    window.set_skip_taskbar_hint(true);
+    window.set_skip_pager_hint(true);
+    window.set_accept_focus(takesKeys);
+    window.set_focus_on_map(false);
+}
+
+void Surroundings::place(Gtk::Window& window, const Desk& desk, layout::Point position) const {
+    const int x = static_cast<int>(std::lround(position.x)), y = static_cast<int>(std::lround(position.y));
+    if (placing_ == Placing::layerShell) {
+        gtk_layer_set_monitor(window.gobj(), desk.monitor);
+        gtk_layer_set_margin(window.gobj(), GTK_LAYER_SHELL_EDGE_LEFT, x);
+        gtk_layer_set_margin(window.gobj(), GTK_LAYER_SHELL_EDGE_TOP, y);
+    } else {
+        window.move(desk.x + x, desk.y + y);
+    }
+}
+
+}  // namespace zelto::desktop

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include <gtkmm/window.h>
+
+#include "host/PlacedWidget.hpp"
+
+namespace zelto::desktop {
+
+/// How windows come to lie on this display: by the compositor's layers, by the window manager's hints, or as
+/// plain windows where neither is to be had.
+enum class Placing { layerShell, hints, plain };
+
+/// A monitor's room for widgets, in the display's own units.
+struct Desk {
+    GdkMonitor* monitor;
+    std::string name;
+    int x, y, width, height;
+};
+
+/// The display that the widgets are on. One point of a widget is `zoom` of the display's units.
+class Surroundings {
+  public:
+    explicit Surroundings(std::optional<double> zoom);
+
+    Placing placing() const { return placing_; }
+    double zoom() const { return zoom_; }
+
+    /// The monitor of that name; the primary or first one when there is none. Null without monitors.
+    std::optional<Desk> desk(const std::optional<std::string>& name) const;
+    /// The monitor that a point lies on.
+    std::optional<Desk> deskAt(int x, int y) const;
+    /// How many tiles fit beside, and below, each other; at least one.
+    std::int64_t columns(const Desk& desk) const;
+    std::int64_t rows(const Desk& desk) const;
+
+    /// Where a tile begins on its monitor, in the display's units, drawn in so far that the widget is seen.
+    layout::Point position(const Desk& desk, host::Cell cell, WidgetFamily family) const;
+    /// The tile whose beginning is nearest to a point on the monitor.
+    host::Cell cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const;
+
+    /// Makes a window that is not shown yet lie below all others; `name` is for compositors.
+    void prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const;
+    /// Puts it there.
+    void place(Gtk::Window& window, const Desk& desk, layout::Point position) const;
+
+  private:
+    Placing placing_;
+    double zoom_;
+};
+
+}  // namespace zelto::desktop

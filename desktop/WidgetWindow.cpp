@@ -1,0 +1,214 @@
+#include "desktop/WidgetWindow.hpp"
+
+#include <algorithm>
+#include <cmath>
+
+#include <gtkmm/checkmenuitem.h>
+#include <gtkmm/separatormenuitem.h>
+
+#include "desktop/Words.hpp"
+
+namespace zelto::desktop {
+namespace {
+
+constexpr double dragThreshold = 8;  // in the display's units
+
+}  // namespace
+
+WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
+    : seams_(std::move(seams)), widget_(widget), face_(seams_.face, seams_.surroundings.zoom()) {
+    seams_.surroundings.prepare(*this, "zelto-widget", true);
+    set_title(widget.kind);
+    face_.name(widget.kind);
+    add_events(Gdk::BUTTON_PRESS_MASK | Gdk::VISIBILITY_NOTIFY_MASK);
+    add(face_);
+    face_.show();
+
+    drag_ = Gtk::GestureDrag::create(*this);
+    // Before the areas below it, so that a tap that becomes a drag opens nothing.
+    drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
+    drag_->signal_drag_update().connect([this](double dx, double dy) { update(dx, dy); });
+    drag_->signal_drag_end().connect([this](double dx, double dy) { end(dx, dy); });
+
+    menu_.attach_to_widget(*this);
+    place(widget);
+}
+
+void WidgetWindow::place(const host::PlacedWidget& widget) {
+    const bool isResized = widget.family != widget_.family || !get_visible();
+    widget_ = widget;
+    if (isResized) face_.resize(widget.family);
+    placeAgain();
+    show();
+}
+
+void WidgetWindow::placeAgain() {
+    const auto desk = seams_.surroundings.desk(widget_.monitor);
+    if (!desk) return;
+    seams_.surroundings.place(
+        *this, *desk, seams_.surroundings.position(*desk, widget_.cell(), widget_.family));
+}
+
+void WidgetWindow::describe(const WidgetDescription& description) {
+    description_ = description;
+    set_title(description.displayName);
+    face_.name(description.displayName);
+}
+
+void WidgetWindow::makeMenu() {
+    for (Gtk::Widget* item : menu_.get_children()) menu_.remove(*item);
+    const auto append = [this](Gtk::MenuItem* item, auto action) {
+        item->signal_activate().connect(action);
+        menu_.append(*Gtk::manage(item));
+        return item;
+    };
+    if (description_)
+        for (const WidgetFamily family : description_->families) {
+            auto* item = new Gtk::CheckMenuItem(words::nameOf(family));
+            item->set_draw_as_radio();
+            item->set_active(family == widget_.family);
+            append(item, [this, family] { setFamily(family); });
+        }
+    menu_.append(*Gtk::manage(new Gtk::SeparatorMenuItem));
+    append(new Gtk::MenuItem(words::reload), [this] { seams_.host.reload(widget_.id); });
+    append(new Gtk::MenuItem(words::addWidgets), [this] { seams_.showGallery(); });
+    append(new Gtk::MenuItem(words::remove), [this] { seams_.host.remove(widget_.id); });
+    menu_.show_all();
+}
+
+bool WidgetWindow::on_button_press_event(GdkEventButton* event) {
+    if (event->type != GDK_BUTTON_PRESS || event->button != GDK_BUTTON_SECONDARY)
+        return Gtk::Window::on_button_press_event(event);
+    makeMenu();
+    menu_.popup_at_pointer(reinterpret_cast<GdkEvent*>(event));
+    return true;
+}
+
+void WidgetWindow::showMenu() {
+    makeMenu();
+    menu_.popup_at_widget(&face_, Gdk::GRAVITY_CENTER, Gdk::GRAVITY_NORTH_WEST, nullptr);
+}
+
+bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
+    const bool isControl = (event->state & GDK_CONTROL_MASK) != 0;
+    const bool isShift = (event->state & GDK_SHIFT_MASK) != 0;
+    switch (event->keyval) {
+        case GDK_KEY_Menu: showMenu(); return true;
+        case GDK_KEY_F10: if (isShift) { showMenu(); return true; } break;
+        case GDK_KEY_Delete: seams_.host.remove(widget_.id); return true;
+        case GDK_KEY_F5: seams_.host.reload(widget_.id); return true;
+        case GDK_KEY_Insert: seams_.showGallery(); return true;
+        case GDK_KEY_plus: stepFamily(+1); return true;
+        case GDK_KEY_minus: stepFamily(-1); return true;
+        case GDK_KEY_Left: if (isControl) { step(-1, 0); return true; } break;
+        case GDK_KEY_Right: if (isControl) { step(+1, 0); return true; } break;
+        case GDK_KEY_Up: if (isControl) { step(0, -1); return true; } break;
+        case GDK_KEY_Down: if (isControl) { step(0, +1); return true; } break;
+        default: break;
+    }
+    return Gtk::Window::on_key_press_event(event);
+}
+
+bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {
+    face_.setSeen(event->state != GDK_VISIBILITY_FULLY_OBSCURED);
+    return false;
+}
+
+void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
+    Gtk::Window::on_size_allocate(allocation);
+    shapeCorners();
+}
+
+/// Where nothing can be translucent, the corners are cut out of the window.
+void WidgetWindow::shapeCorners() {
+    if (seams_.surroundings.placing() != Placing::hints || get_screen()->is_composited()) return;
+    const int width = get_allocated_width(), height = get_allocated_height();
+    const auto mask = Cairo::ImageSurface::create(Cairo::FORMAT_A1, width, height);
+    const auto context = Cairo::Context::create(mask);
+    const double radius = drawing::containerCornerRadius * seams_.surroundings.zoom();
+    context->arc(radius, radius, radius, 0, 2 * M_PI);
+    context->arc(width - radius, radius, radius, 0, 2 * M_PI);
+    context->arc(width - radius, height - radius, radius, 0, 2 * M_PI);
+    context->arc(radius, height - radius, radius, 0, 2 * M_PI);
+    context->fill();
+    context->rectangle(radius, 0, width - 2 * radius, height);
+    context->rectangle(0, radius, width, height - 2 * radius);
+    context->fill();
+    cairo_region_t* region = gdk_cairo_region_create_from_surface(mask->cobj());
+    gtk_widget_shape_combine_region(GTK_WIDGET(gobj()), region);
+    cairo_region_destroy(region);
+}
+
+std::pair<Desk, host::Cell> WidgetWindow::target(double dx, double dy) const {
+    const auto& surroundings = seams_.surroundings;
+    Desk desk = *surroundings.desk(widget_.monitor);
+    layout::Point point = surroundings.position(desk, widget_.cell(), widget_.family);
+    point.x += dx;
+    point.y += dy;
+    if (surroundings.placing() == Placing::hints) {
+        // The widget's middle says which monitor is meant.
+        const WidgetSize size = sizeOf(widget_.family);
+        const double x = desk.x + point.x, y = desk.y + point.y;
+        if (const auto other = surroundings.deskAt(
+                static_cast<int>(x + size.width * surroundings.zoom() / 2),
+                static_cast<int>(y + size.height * surroundings.zoom() / 2));
+            other && other->monitor != desk.monitor) {
+            desk = *other;
+            point = {x - desk.x, y - desk.y};
+        }
+    }
+    return {desk, surroundings.cellAt(desk, point, widget_.family)};
+}
+
+void WidgetWindow::update(double dx, double dy) {
+    if (!ghost_) {
+        if (std::hypot(dx, dy) < dragThreshold || !seams_.surroundings.desk(widget_.monitor)) return;
+        // From here on it is no tap.
+        drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
+        ghost_ = std::make_unique<Ghost>(seams_.surroundings, widget_.family, face_.picture());
+    }
+    const auto [desk, cell] = target(dx, dy);
+    ghost_->place(desk, cell);
+}
+
+void WidgetWindow::end(double dx, double dy) {
+    if (!ghost_) return;
+    ghost_.reset();
+    const auto [desk, cell] = target(dx, dy);
+    const auto here = seams_.surroundings.desk(widget_.monitor);
+    auto monitor = widget_.monitor;
+    if (!here || here->monitor != desk.monitor) monitor = desk.name;
+    if (monitor == widget_.monitor && cell == widget_.cell()) return;
+    refuse(seams_.host.move(widget_.id, monitor, cell));
+}
+
+void WidgetWindow::step(std::int64_t columns, std::int64_t rows) {
+    const auto desk = seams_.surroundings.desk(widget_.monitor);
+    if (!desk) return;
+    const host::Cell wanted{widget_.column + columns, widget_.row + rows};
+    // As far as the monitor goes.
+    const host::Cell cell = seams_.surroundings.cellAt(
+        *desk, seams_.surroundings.position(*desk, wanted, widget_.family), widget_.family);
+    if (wanted.column >= 0 && wanted.row >= 0 && cell != widget_.cell())
+        refuse(seams_.host.move(widget_.id, widget_.monitor, cell));
+}
+
+void WidgetWindow::stepFamily(int direction) {
+    if (!description_) return;
+    const auto& families = description_->families;
+    const auto current = std::ranges::find(families, widget_.family);
+    const auto index = current - families.begin() + direction;
+    if (current != families.end() && index >= 0 && index < std::ssize(families))
+        setFamily(families[static_cast<std::size_t>(index)]);
+}
+
+void WidgetWindow::setFamily(WidgetFamily family) {
+    const auto desk = seams_.surroundings.desk(widget_.monitor);
+    refuse(seams_.host.setFamily(widget_.id, family, desk ? seams_.surroundings.columns(*desk) : 1));
+}
+
+void WidgetWindow::refuse(const std::string& why) {
+    if (!why.empty()) face_.say(words::noRoom);
+}
+
+}  // namespace zelto::desktop

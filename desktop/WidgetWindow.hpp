@@ -1,0 +1,64 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include <gtkmm/gesturedrag.h>
+#include <gtkmm/menu.h>
+#include <gtkmm/window.h>
+
+#include "desktop/Face.hpp"
+#include "desktop/Ghost.hpp"
+#include "desktop/Surroundings.hpp"
+#include "host/WidgetHost.hpp"
+
+namespace zelto::desktop {
+
+/// A placed widget's window: a tap opens links, a drag moves it on the grid, a menu and keys do the rest.
+class WidgetWindow : public Gtk::Window {
+  public:
+    struct Seams {
+        host::WidgetHost& host;
+        const Surroundings& surroundings;
+        Face::Seams face;
+        std::function<void()> showGallery;
+    };
+    WidgetWindow(Seams seams, const host::PlacedWidget& widget);
+
+    /// Takes its place, on another monitor perhaps, in another size perhaps.
+    void place(const host::PlacedWidget& widget);
+    /// Puts it where it belongs on the monitors that there are now.
+    void placeAgain();
+    /// What the extension calls it, and which families it offers.
+    void describe(const WidgetDescription& description);
+    Face& face() { return face_; }
+
+  protected:
+    bool on_key_press_event(GdkEventKey* event) override;
+    bool on_button_press_event(GdkEventButton* event) override;
+    bool on_visibility_notify_event(GdkEventVisibility* event) override;
+    void on_size_allocate(Gtk::Allocation& allocation) override;
+
+  private:
+    void makeMenu();
+    void showMenu();
+    void update(double dx, double dy);
+    void end(double dx, double dy);
+    /// Where it would come to stand if it were let go.
+    std::pair<Desk, host::Cell> target(double dx, double dy) const;
+    void step(std::int64_t columns, std::int64_t rows);
+    void stepFamily(int direction);
+    void setFamily(WidgetFamily family);
+    void refuse(const std::string& why);
+    void shapeCorners();
+
+    Seams seams_;
+    host::PlacedWidget widget_;
+    std::optional<WidgetDescription> description_;
+    Face face_;
+    Glib::RefPtr<Gtk::GestureDrag> drag_;
+    std::unique_ptr<Ghost> ghost_;
+    Gtk::Menu menu_;
+};
+
+}  // namespace zelto::desktop
