@@ -58,6 +58,15 @@ void snapshotSample();
 /// A file, "-" or empty for the user's own.
 void snapshotCheck(const std::string& file);
 
+/// Becomes the program that puts the widgets on the desktop.
+void desktop(const std::vector<std::string>& arguments);
+
+struct ReloadOptions {
+    std::string kind;  // all when empty
+    std::string bus;   // an address; the session bus when empty
+};
+void reload(const ReloadOptions& options);
+
 /// What the exit statuses of the helper's commands mean, for people.
 std::string helperExitTexts();
 

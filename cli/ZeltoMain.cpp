@@ -115,6 +115,22 @@ void addSnapshot(CLI::App& app, std::string& file) {
     check->callback([&] { snapshotCheck(file); });
 }
 
+void addDesktop(CLI::App& app) {
+    CLI::App* command =
+        app.add_subcommand("desktop", "Put the widgets on the desktop (its options: zelto desktop --help)");
+    command->prefix_command();
+    command->set_help_flag();
+    command->callback([command] { desktop(command->remaining()); });
+}
+
+void addReload(CLI::App& app, ReloadOptions& options) {
+    CLI::App* command = app.add_subcommand("reload", "Have the widgets on the desktop show what is new");
+    command->add_option("kind", options.kind, "Only widgets of this kind, such as ZeltoBattery");
+    command->add_option("--bus", options.bus, "The bus's address, instead of the session bus")
+        ->type_name("ADDRESS");
+    command->callback([&] { reload(options); });
+}
+
 void addHelper(CLI::App& app, HelperOptions& options) {
     CLI::App* command = app.add_subcommand("helper", "Talk to the helper that changes charging and fans");
     command->require_subcommand(1);
@@ -148,12 +164,15 @@ int run(int argc, char** argv) {
     TimelineOptions timelineOptions;
     RenderOptions renderOptions;
     std::string snapshotFile;
+    ReloadOptions reloadOptions;
     HelperOptions helperOptions;
     addGallery(app, galleryOptions);
     addPreview(app, previewOptions);
     addTimeline(app, timelineOptions);
     addRender(app, renderOptions);
     addSnapshot(app, snapshotFile);
+    addDesktop(app);
+    addReload(app, reloadOptions);
     addHelper(app, helperOptions);
     try {
         app.parse(argc, argv);

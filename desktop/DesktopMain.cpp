@@ -5,14 +5,13 @@
 #include <cstdio>
 #include <ctime>
 #include <exception>
+#include <gtkmm/main.h>
 #include <iostream>
-#include <mutex>
-
 #include <malloc.h>
+#include <mutex>
 
 #include <CLI/CLI.hpp>
 #include <glib-unix.h>
-#include <gtkmm/main.h>
 
 #include "desktop/Desktop.hpp"
 #include "host/DesktopInterface.hpp"
@@ -45,14 +44,18 @@ void describe(CLI::App& app, Options& options) {
         ->check(CLI::Range(0.25, 8.0))
         ->type_name("N");
     app.add_option(
-           "--link-command", options.desktop.linkCommand, "Run with each link, instead of the links' own program")
+           "--link-command",
+           options.desktop.linkCommand,
+           "Run with each link, instead of the links' own program")
         ->type_name("CMD");
-    app.add_option("--bus", options.bus, "The bus's address, instead of the session bus")->type_name("ADDRESS");
+    app.add_option("--bus", options.bus, "The bus's address, instead of the session bus")
+        ->type_name("ADDRESS");
     app.add_option("--extension", options.extension, "The extension program, instead of the installed one")
         ->type_name("FILE");
     app.add_option("--home", options.home, "Where the extension looks for the snapshot, instead of your home")
         ->type_name("DIR");
-    app.add_option("--machine", options.machine, "Where it finds proc and sys, instead of /")->type_name("DIR");
+    app.add_option("--machine", options.machine, "Where it finds proc and sys, instead of /")
+        ->type_name("DIR");
     app.add_option("--now", options.now, "The current instant for the extension, ISO 8601 with an offset")
         ->type_name("D");
     app.add_option(
@@ -65,7 +68,9 @@ void describe(CLI::App& app, Options& options) {
 }
 
 /// Hands the wishes to the host that runs already.
-int handOver(const xpc::Bus& bus, const Options& options, const std::vector<std::pair<std::string, std::string>>& wishes) {
+int handOver(
+    const xpc::Bus& bus, const Options& options,
+    const std::vector<std::pair<std::string, std::string>>& wishes) {
     xpc::Connection running(bus, host::desktopInterface());
     const auto call = [&](const std::string& method, const xpc::Values& arguments) {
         const auto outcome = running.call(method, arguments, std::chrono::seconds(10));
@@ -106,7 +111,7 @@ int run(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     const xpc::Bus bus = options.bus.empty() ? xpc::Bus::session() : xpc::Bus::at(options.bus);
     std::unique_ptr<desktop::Desktop> desktop;
-    const auto quit = [] { Gtk::Main::quit(); };
+    const auto quit = [] { gtk_main_quit(); };
     const auto handler = [&](const std::string& method, xpc::Values arguments, xpc::Answer answer) {
         auto shared = std::make_shared<xpc::Answer>(std::move(answer));
         desktop::postToMainThread([&, method, arguments = std::move(arguments), shared] {
@@ -143,7 +148,8 @@ int run(int argc, char** argv) {
     settings.extension.longestPause = settings.extension.firstPause * 60;
     for (const auto& [option, value] :
          {std::pair{"--home", &options.home}, {"--machine", &options.machine}, {"--now", &options.now}})
-        if (!value->empty()) settings.extension.arguments.insert(settings.extension.arguments.end(), {option, *value});
+        if (!value->empty())
+            settings.extension.arguments.insert(settings.extension.arguments.end(), {option, *value});
     for (const auto& [kind, family] : wishes) settings.wishes.emplace_back(kind, *host::familyNamed(family));
 
     desktop = std::make_unique<desktop::Desktop>(settings);
@@ -151,7 +157,7 @@ int run(int argc, char** argv) {
         g_unix_signal_add(
             signal,
             [](gpointer) -> gboolean {
-                Gtk::Main::quit();
+                gtk_main_quit();
                 return G_SOURCE_CONTINUE;
             },
             nullptr);

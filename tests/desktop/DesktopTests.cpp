@@ -1,0 +1,237 @@
+// The widgets on real displays: X11 with a window manager, and a Wayland compositor.
+
+#include <algorithm>
+#include <set>
+
+#include <gtest/gtest.h>
+
+#include "platform/foundation/Files.hpp"
+#include "tests/desktop/RunningDesktop.hpp"
+#include "tests/support/Process.hpp"
+
+namespace zelto::test {
+namespace {
+
+using Button = Display::Button;
+using host::PlacedWidget;
+
+PlacedWidget widget(const std::string& kind, WidgetFamily family, std::int64_t column, std::int64_t row) {
+    return {.id = kind, .kind = kind, .family = family, .column = column, .row = row};
+}
+
+/// All eleven, in families of all sizes.
+std::vector<PlacedWidget> eleven() {
+    using enum WidgetFamily;
+    return {
+        widget("ZeltoWidget", systemMedium, 0, 0),
+        widget("ZeltoBattery", systemSmall, 2, 0),
+        widget("ZeltoSystem", systemMedium, 3, 0),
+        widget("ZeltoStorage", systemSmall, 5, 0),
+        widget("ZeltoFans", systemSmall, 6, 0),
+        widget("ZeltoCalendar", systemLarge, 0, 1),
+        widget("ZeltoWorldClock", systemMedium, 2, 1),
+        widget("ZeltoClipboard", systemLarge, 4, 1),
+        widget("ZeltoAwake", systemMedium, 2, 2),
+        widget("ZeltoEqualizer", systemSmall, 6, 1),
+        widget("ZeltoCare", systemMedium, 0, 3)};
+}
+
+class DesktopOn : public testing::TestWithParam<const char*> {
+  public:
+    DesktopOn()
+        : display_(GetParam() == std::string("X11") ? startX11() : startWayland()), desktop(*display_) {
+        // Out of the widgets' way.
+        display_->move(Display::width - 2, Display::height - 2);
+    }
+
+  private:
+    std::unique_ptr<Display> display_;
+
+  public:
+    RunningDesktop desktop;
+    Display& display() { return *display_; }
+
+    void startWith(const std::vector<PlacedWidget>& widgets, const std::vector<std::string>& arguments = {}) {
+        desktop.place(widgets);
+        desktop.start(arguments);
+        ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    }
+    void drag(const PlacedWidget& from, int dx, int dy) {
+        const auto [x, y] = RunningDesktop::onDisplay(from, {20, 82});
+        display().move(x, y);
+        display().press(Button::primary);
+        // As a hand does: in steps.
+        for (int i = 1; i <= 4; ++i) display().move(x + dx * i / 4, y + dy * i / 4);
+        display().release(Button::primary);
+        display().move(Display::width - 2, Display::height - 2);
+    }
+    PlacedWidget only() { return desktop.widgets().at(0); }
+    /// Gives a widget the keyboard by a tap on what opens nothing else than its own link.
+    void focus(const PlacedWidget& target) {
+        const auto [x, y] = RunningDesktop::onDisplay(target, {8, 82});
+        display().click(x, y);
+        EXPECT_TRUE(desktop.openedLink());
+    }
+};
+INSTANTIATE_TEST_SUITE_P(, DesktopOn, testing::Values("X11", "Wayland"), [](const auto& each) {
+    return std::string(each.param);
+});
+
+TEST_P(DesktopOn, ShowsAllElevenWidgetsWhereTheyWerePlaced) {
+    startWith(eleven());
+    EXPECT_EQ(desktop.widgets(), eleven());
+}
+
+TEST_P(DesktopOn, ATapOpensTheLinkUnderIt) {
+    startWith(eleven());
+    std::set<std::string> opened;
+    for (const PlacedWidget& each : desktop.widgets()) {
+        const auto placement = desktop.placement(each);
+        ASSERT_TRUE(placement.widgetURL) << each.kind;
+        const auto tap = [&](layout::Point point) {
+            const auto [x, y] = RunningDesktop::onDisplay(each, point);
+            display().click(x, y);
+            const auto url = desktop.openedLink();
+            EXPECT_EQ(url, placement.linkAt(point)) << each.kind;
+            if (url) opened.insert(url->substr(0, url->find_first_of("?", 8)));
+        };
+        tap({8, 82});
+        for (const auto& link : placement.links) tap(link.frame.center());
+    }
+    EXPECT_EQ(
+        opened,
+        (std::set<std::string>{
+            "zelto://open", "zelto://awake", "zelto://eq", "zelto://clip", "zelto://join"}));
+}
+
+TEST_P(DesktopOn, ADragMovesAWidgetOnTheGridAndOpensNothing) {
+    startWith(
+        {widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0),
+         widget("ZeltoCare", WidgetFamily::systemSmall, 4, 0)});
+    // 1.7 tiles to the right and 1.3 down come to two and one.
+    drag(only(), 306, 234);
+    ASSERT_TRUE(eventually([&] { return only().cell() == host::Cell{2, 1}; })) << desktop.log();
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    // Onto another widget, it stays.
+    drag(only(), 360, -180);
+    EXPECT_EQ(only().cell(), (host::Cell{2, 1}));
+    // The first link that arrives is that of a tap.
+    focus(only());
+    const auto stored = readFile(desktop.folder() / "config/zelto/desktop.json");
+    ASSERT_TRUE(stored);
+    EXPECT_NE(stored->find(R"("column":2,"row":1)"), std::string::npos) << *stored;
+}
+
+TEST_P(DesktopOn, KeysWalkLinksChangeTheFamilyMoveAndRemove) {
+    startWith({widget("ZeltoAwake", WidgetFamily::systemMedium, 1, 1)});
+    focus(only());
+    const auto links = desktop.placement(only()).links;
+    ASSERT_GE(links.size(), 4U);
+    // The widget itself has the focus first.
+    display().key("Tab");
+    display().key("Return");
+    EXPECT_EQ(desktop.openedLink(), links[0].url);
+    display().key("Tab");
+    display().key("Return");
+    EXPECT_EQ(desktop.openedLink(), links[1].url);
+    display().key("minus");
+    ASSERT_TRUE(eventually([&] { return only().family == WidgetFamily::systemSmall; })) << desktop.log();
+    display().key("plus");
+    ASSERT_TRUE(eventually([&] { return only().family == WidgetFamily::systemMedium; }));
+    display().key("ctrl+Right");
+    ASSERT_TRUE(eventually([&] { return only().cell() == host::Cell{2, 1}; }));
+    display().key("Delete");
+    EXPECT_TRUE(eventually([&] { return desktop.widgets().empty(); }));
+    EXPECT_TRUE(desktop.stop());
+}
+
+TEST_P(DesktopOn, TheMenuRemoves) {
+    startWith({widget("ZeltoFans", WidgetFamily::systemSmall, 1, 1)});
+    const auto [x, y] = RunningDesktop::onDisplay(only(), {30, 30});
+    const auto before = display().screenshot();
+    display().click(x, y, Button::secondary);
+    // It is there when the pixels beside the pointer, out on the desktop's side, have changed.
+    ASSERT_TRUE(
+        eventually([&] { return display().screenshot().at(x + 40, y + 40) != before.at(x + 40, y + 40); }));
+    // From below: the last entry.
+    display().key("Up");
+    display().key("Return");
+    EXPECT_TRUE(eventually([&] { return desktop.widgets().empty(); })) << desktop.log();
+}
+
+TEST_P(DesktopOn, AStartFindsEverythingAgainAndShowsItAtOnce) {
+    startWith(eleven());
+    ASSERT_TRUE(eventually([&] {
+        return std::ranges::all_of(
+            eleven(), [&](const auto& each) { return desktop.entry(each).has_value(); });
+    }));
+    EXPECT_TRUE(desktop.stop());
+    // Without an extension that answers, only what was stored can be there.
+    desktop.start({"--extension", "/bin/false"});
+    EXPECT_EQ(desktop.widgets(), eleven());
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    EXPECT_TRUE(eventually(
+        [&] { return desktop.log().find("the widget extension ended by itself") != std::string::npos; }));
+}
+
+TEST_P(DesktopOn, WithoutAProgramForLinksTheWidgetSaysSo) {
+    desktop.forgetHandler();
+    startWith({widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0)});
+    const auto [x, y] = RunningDesktop::onDisplay(only(), {8, 82});
+    display().click(x, y);
+    EXPECT_TRUE(eventually(
+        [&] { return desktop.log().find("no program opens zelto://open?tab=fans") != std::string::npos; }));
+    EXPECT_TRUE(eventually([&] { return !desktop.isSeen(only()); }));
+}
+
+TEST_P(DesktopOn, ALinkCommandGetsTheLink) {
+    desktop.forgetHandler();
+    startWith(
+        {widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0)},
+        {"--link-command", desktop.folder() / "handler"});
+    const auto [x, y] = RunningDesktop::onDisplay(only(), {8, 82});
+    display().click(x, y);
+    EXPECT_EQ(desktop.openedLink(), "zelto://open?tab=fans");
+}
+
+TEST_P(DesktopOn, TheFirstStartPlacesEveryWidgetOnce) {
+    desktop.start();
+    ASSERT_TRUE(eventually([&] { return desktop.widgets().size() == 11; })) << desktop.log();
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    for (const PlacedWidget& each : desktop.widgets()) desktop.call("remove", {each.id});
+    EXPECT_TRUE(desktop.widgets().empty());
+    EXPECT_TRUE(desktop.stop());
+    // Who has removed them all wants none.
+    desktop.start();
+    EXPECT_EQ(desktop.zelto({"reload"}).status, 0);
+    EXPECT_TRUE(desktop.widgets().empty());
+}
+
+TEST_P(DesktopOn, ASecondStartHandsItsWishOver) {
+    startWith({widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0)});
+    const auto second = desktop.zelto({"desktop", "--add", "ZeltoBattery:medium"});
+    EXPECT_EQ(second.status, 0) << second.errors;
+    ASSERT_EQ(desktop.widgets().size(), 2U);
+    EXPECT_EQ(desktop.widgets()[1].kind, "ZeltoBattery");
+    EXPECT_EQ(desktop.widgets()[1].cell(), (host::Cell{1, 0}));
+    const auto unknown = desktop.zelto({"desktop", "--add", "ZeltoNothing:small"});
+    EXPECT_EQ(unknown.status, 1);
+    EXPECT_NE(unknown.errors.find("no widget 'ZeltoNothing'"), std::string::npos) << unknown.errors;
+}
+
+TEST_P(DesktopOn, TheGalleryAddsWidgets) {
+    startWith({widget("ZeltoFans", WidgetFamily::systemSmall, 6, 3)});
+    EXPECT_EQ(desktop.zelto({"desktop", "--gallery"}).status, 0);
+    const auto before = display().screenshot();
+    ASSERT_TRUE(eventually([&] { return display().screenshot() != before; }));
+    // The gallery has the keyboard; its first look is the first widget's smallest.
+    ASSERT_TRUE(eventually([&] {
+        display().key("Tab");
+        display().key("Return");
+        return desktop.widgets().size() > 1;
+    })) << desktop.log();
+    EXPECT_NE(desktop.widgets()[1].kind, "");
+}
+
+}  // namespace
+}  // namespace zelto::test

@@ -1,0 +1,213 @@
+#include "tests/desktop/Display.hpp"
+
+#include <cstring>
+#include <map>
+#include <stdexcept>
+
+#include <unistd.h>
+
+#include "platform/foundation/Files.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/Paths.hpp"
+#include "tests/support/Process.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace zelto::test {
+namespace {
+
+const std::string path = "PATH=/usr/bin:/bin:/usr/local/bin";
+
+std::uint32_t bigEndian(const std::string& bytes, std::size_t index) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < 4; ++i)
+        value = value << 8 | static_cast<unsigned char>(bytes.at(index * 4 + i));
+    return value;
+}
+
+/// The frame buffer's file is an X window dump that is always current.
+drawing::Picture pictureOfDump(const std::string& bytes) {
+    constexpr std::size_t colorSize = 12;
+    const std::size_t headerSize = bigEndian(bytes, 0);
+    const std::size_t lineSize = bigEndian(bytes, 12), colors = bigEndian(bytes, 19);
+    drawing::Picture out;
+    out.width = static_cast<int>(bigEndian(bytes, 4));
+    out.height = static_cast<int>(bigEndian(bytes, 5));
+    out.pixels.resize(static_cast<std::size_t>(out.width) * static_cast<std::size_t>(out.height));
+    const char* pixels = bytes.data() + headerSize + colors * colorSize;
+    for (std::size_t y = 0; y < static_cast<std::size_t>(out.height); ++y)
+        std::memcpy(
+            &out.pixels[y * static_cast<std::size_t>(out.width)],
+            pixels + y * lineSize,
+            static_cast<std::size_t>(out.width) * 4);
+    for (std::uint32_t& pixel : out.pixels) pixel |= 0xFF000000U;
+    return out;
+}
+
+/// "P6 WIDTH HEIGHT 255" and three bytes a pixel.
+drawing::Picture pictureOfPPM(const std::string& bytes) {
+    drawing::Picture out;
+    int depth = 0, header = 0;
+    if (std::sscanf(bytes.c_str(), "P6 %d %d %d%n", &out.width, &out.height, &depth, &header) != 3)
+        throw std::runtime_error("no screenshot");
+    const std::size_t count = static_cast<std::size_t>(out.width) * static_cast<std::size_t>(out.height);
+    const auto* at = reinterpret_cast<const unsigned char*>(bytes.data()) + header + 1;
+    for (std::size_t i = 0; i < count; ++i, at += 3)
+        out.pixels.push_back(0xFF000000U | static_cast<std::uint32_t>(at[0] << 16 | at[1] << 8 | at[2]));
+    return out;
+}
+
+class X11 : public Display {
+  public:
+    X11()
+        : server_(
+              {"Xvfb",
+               "-displayfd",
+               "1",
+               "-screen",
+               "0",
+               std::to_string(width) + "x" + std::to_string(height) + "x24",
+               "-fbdir",
+               folder_.path(),
+               "-nolisten",
+               "tcp",
+               "-noreset"},
+              {path}, folder_.path() / "server.log"),
+          name_(":" + server_.line().value_or("")),
+          manager_(
+              {"openbox", "--sm-disable", "--startup", "echo ready"},
+              {path, "DISPLAY=" + name_, "HOME=" + folder_.path().string()}, folder_.path() / "manager.log") {
+        if (name_ == ":") throw std::runtime_error("no X server");
+        std::optional<std::string> line;
+        // It has complaints first.
+        while ((line = manager_.line()) && *line != "ready") {
+        }
+        if (!line) throw std::runtime_error("no window manager");
+    }
+
+    std::vector<std::string> environment() const override {
+        return {path, "DISPLAY=" + name_, "GDK_BACKEND=x11"};
+    }
+    drawing::Picture screenshot() override {
+        return pictureOfDump(readFile(folder_.path() / "Xvfb_screen0").value());
+    }
+    void move(int x, int y) override { tool({"mousemove", std::to_string(x), std::to_string(y)}); }
+    void press(Button button) override { tool({"mousedown", number(button)}); }
+    void release(Button button) override { tool({"mouseup", number(button)}); }
+    void key(const std::string& name) override { tool({"key", name}); }
+
+  private:
+    static std::string number(Button button) { return button == Button::primary ? "1" : "3"; }
+    void tool(std::vector<std::string> words) const {
+        words.insert(words.begin(), "/usr/bin/xdotool");
+        const auto result = run(words, "", environment());
+        if (result.status != 0) throw std::runtime_error(result.errors);
+    }
+
+    TemporaryFolder folder_;
+    Child server_;
+    std::string name_;
+    Child manager_;
+};
+
+class Wayland : public Display {
+  public:
+    explicit Wayland(const std::string& scale)
+        : compositor_(
+              withoutRoot({"sway", "--config", folder_.write("config", configuration(scale))}),
+              {path,
+               "XDG_RUNTIME_DIR=" + folder_.path().string(),
+               "WLR_BACKENDS=headless",
+               "WLR_RENDERER=pixman",
+               "WLR_LIBINPUT_NO_DEVICES=1"},
+              folder_.path() / "compositor.log"),
+          name_(compositor_.line().value_or("")),
+          fifo_(folder_.path() / "devices"),
+          devices_(startDevices()) {
+        if (devices_.line() != "ready") throw std::runtime_error("no pointer and keyboard");
+        input_ = std::fopen(fifo_.c_str(), "w");
+    }
+    ~Wayland() override {
+        if (input_) std::fclose(input_);
+    }
+
+    std::vector<std::string> environment() const override {
+        return {
+            path,
+            "XDG_RUNTIME_DIR=" + folder_.path().string(),
+            "WAYLAND_DISPLAY=" + name_,
+            "GDK_BACKEND=wayland"};
+    }
+    drawing::Picture screenshot() override {
+        const auto result = run({"/usr/bin/grim", "-t", "ppm", "-"}, "", environment());
+        return pictureOfPPM(result.output);
+    }
+    void move(int x, int y) override { tell("move " + std::to_string(x) + " " + std::to_string(y)); }
+    void press(Button button) override { tell("press " + code(button)); }
+    void release(Button button) override { tell("release " + code(button)); }
+    void key(const std::string& name) override {
+        // By the kernel's codes, with shift as 1 and control as 4.
+        static const std::map<std::string, std::string> codes{
+            {"Tab", "15 0"},
+            {"Return", "28 0"},
+            {"Up", "103 0"},
+            {"Delete", "111 0"},
+            {"minus", "12 0"},
+            {"plus", "13 1"},
+            {"ctrl+Right", "106 4"}};
+        tell("key " + codes.at(name));
+    }
+
+  private:
+    static std::string configuration(const std::string& scale) {
+        return "output HEADLESS-1 resolution " + std::to_string(width) + "x" + std::to_string(height) +
+               " position 0 0 scale " + scale + " bg #102030 solid_color\nseat * hide_cursor 100\n" +
+               "xwayland disable\nexec echo $WAYLAND_DISPLAY\n";
+    }
+    /// The compositor refuses to run as root.
+    std::vector<std::string> withoutRoot(std::vector<std::string> command) const {
+        constexpr uid_t nobody = 65534;
+        if (getuid() != 0) return command;
+        if (chown(folder_.path().c_str(), nobody, nobody) != 0) throw std::runtime_error("no folder for it");
+        const std::string user = std::to_string(nobody);
+        command.insert(command.begin(), {"setpriv", "--reuid=" + user, "--regid=" + user, "--clear-groups"});
+        return command;
+    }
+    static std::string code(Button button) { return button == Button::primary ? "272" : "273"; }
+
+    /// They read from a FIFO, which the shell opens for them.
+    Child startDevices() {
+        run({"/usr/bin/mkfifo", fifo_});
+        return Child(
+            {"/bin/sh",
+             "-c",
+             "exec \"$0\" " + std::to_string(width) + " " + std::to_string(height) + " 0<>\"$1\"",
+             programFolder() / "virtual-input",
+             fifo_},
+            environment(),
+            folder_.path() / "devices.log");
+    }
+    void tell(const std::string& command) {
+        std::fputs((command + "\n").c_str(), input_);
+        std::fflush(input_);
+        if (devices_.line() != "ok") throw std::runtime_error("the devices do not answer");
+    }
+
+    TemporaryFolder folder_;
+    Child compositor_;
+    std::string name_;
+    std::string fifo_;
+    Child devices_;
+    std::FILE* input_ = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<Display> startX11() {
+    return std::make_unique<X11>();
+}
+
+std::unique_ptr<Display> startWayland(const std::string& scale) {
+    return std::make_unique<Wayland>(scale);
+}
+
+}  // namespace zelto::test

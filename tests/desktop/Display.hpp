@@ -1,0 +1,43 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/drawing/Picture.hpp"
+
+namespace zelto::test {
+
+/// A display of the test's own, with a pointer and a keyboard.
+class Display {
+  public:
+    static constexpr int width = 1400, height = 900;
+
+    virtual ~Display() = default;
+    /// What a program needs to find it.
+    virtual std::vector<std::string> environment() const = 0;
+    /// Opaque pixels.
+    virtual drawing::Picture screenshot() = 0;
+
+    enum class Button { primary, secondary };
+    virtual void move(int x, int y) = 0;
+    virtual void press(Button button) = 0;
+    virtual void release(Button button) = 0;
+    /// A key by its X name, modifiers before it: "Tab", "ctrl+Right".
+    virtual void key(const std::string& name) = 0;
+
+    void click(int x, int y, Button button = Button::primary) {
+        move(x, y);
+        press(button);
+        release(button);
+    }
+};
+
+/// X11: a frame buffer in memory and a small window manager.
+std::unique_ptr<Display> startX11();
+/// Wayland: a compositor without a screen; `scale` is its output's.
+std::unique_ptr<Display> startWayland(const std::string& scale = "1");
+
+}  // namespace zelto::test

@@ -1,0 +1,177 @@
+#include "tests/desktop/RunningDesktop.hpp"
+
+#include <cmath>
+
+#include <poll.h>
+
+#include "host/EntryStore.hpp"
+#include "host/PlacementStore.hpp"
+#include "host/Schedule.hpp"
+#include "platform/foundation/Files.hpp"
+#include "platform/foundation/JSONDecoder.hpp"
+#include "platform/layout/Layout.hpp"
+#include "tests/support/Paths.hpp"
+#include "tests/support/Process.hpp"
+
+namespace zelto::test {
+namespace {
+
+constexpr const char* snapshotFile = "Library/Application Support/Zelto/widget.json";
+
+Child readerOf(const std::filesystem::path& fifo) {
+    run({"/usr/bin/mkfifo", fifo});
+    return Child({"/bin/sh", "-c", "exec cat 0<>\"$0\"", fifo});
+}
+
+}  // namespace
+
+bool eventually(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (std::chrono::steady_clock::now() < deadline) {
+        if (condition()) return true;
+        poll(nullptr, 0, 10);
+    }
+    return condition();
+}
+
+RunningDesktop::RunningDesktop(Display& display)
+    : display_(display),
+      opened_(readerOf(folder_.path() / "opened")),
+      connection_(xpc::Bus::at(bus_.address()), host::desktopInterface()) {
+    const auto sample = run({programFolder() / "zelto", "snapshot", "sample"});
+    folder_.write(snapshotFile, sample.output);
+    const auto handler =
+        folder_.write("handler", "#!/bin/sh\necho \"$1\" > '" + (folder() / "opened").string() + "'\n");
+    std::filesystem::permissions(handler, std::filesystem::perms(0755));
+    folder_.write(
+        "data/applications/handler.desktop",
+        "[Desktop Entry]\nType=Application\nName=Handler\nExec=" + handler.string() +
+            " %u\nMimeType=x-scheme-handler/zelto;\n");
+    folder_.write(
+        "data/applications/mimeapps.list",
+        "[Default Applications]\nx-scheme-handler/zelto=handler.desktop\n");
+}
+
+void RunningDesktop::forgetHandler() const {
+    std::filesystem::remove_all(folder() / "data");
+}
+
+std::vector<std::string> RunningDesktop::environment() const {
+    auto variables = display_.environment();
+    for (const auto& [name, value] :
+         {std::pair<std::string, std::string>{"XDG_CONFIG_HOME", folder() / "config"},
+          {"XDG_CACHE_HOME", folder() / "cache"},
+          {"XDG_DATA_HOME", folder() / "data"},
+          {"HOME", folder()},
+          {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
+          {"TZ", "America/Sao_Paulo"},
+          {"LC_ALL", "C.UTF-8"},
+          {"LANG", "pt_BR.UTF-8"}})
+        variables.push_back(name + "=" + value);
+    return variables;
+}
+
+void RunningDesktop::place(const std::vector<host::PlacedWidget>& widgets) const {
+    host::PlacementStore(folder() / "config/zelto", [](const std::string&) {}).save(widgets);
+}
+
+void RunningDesktop::start(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
+    arguments.insert(arguments.begin(), {programFolder() / "zelto-desktop", "--home", folder()});
+    auto all = environment();
+    all.insert(all.end(), variables.begin(), variables.end());
+    process_.emplace(std::move(arguments), std::move(all), folder() / "log");
+    if (!eventually([this] { return std::holds_alternative<xpc::Values>(call("list")); }))
+        throw std::runtime_error("the desktop did not start: " + log());
+}
+
+bool RunningDesktop::stop() {
+    process_->kill(SIGTERM);
+    const int status = process_->wait();
+    process_.reset();
+    return status == 0;
+}
+
+std::string RunningDesktop::log() const {
+    return readFile(folder() / "log").value_or("");
+}
+
+xpc::Result<xpc::Values> RunningDesktop::call(const std::string& method, const xpc::Values& arguments) {
+    return connection_.call(method, arguments, std::chrono::seconds(10));
+}
+
+Finished RunningDesktop::zelto(std::vector<std::string> words) const {
+    words.insert(words.begin(), programFolder() / "zelto");
+    auto variables = environment();
+    if (const char* options = std::getenv("LSAN_OPTIONS"))
+        variables.push_back(std::string("LSAN_OPTIONS=") + options);
+    return run(words, "", variables);
+}
+
+std::vector<host::PlacedWidget> RunningDesktop::widgets() {
+    const auto outcome = call("list");
+    if (const auto* error = std::get_if<xpc::Error>(&outcome)) throw std::runtime_error(error->text);
+    return decodeJSON<std::vector<host::PlacedWidget>>(std::get<xpc::Values>(outcome).front()).value();
+}
+
+std::optional<ArchivedEntry> RunningDesktop::entry(const host::PlacedWidget& widget) const {
+    auto stored = host::EntryStore(folder() / "cache/zelto").load(widget);
+    if (!stored) return std::nullopt;
+    host::Schedule schedule;
+    schedule.add(widget.id, std::move(stored));
+    schedule.at(Date::now());
+    return *schedule.shown(widget.id);
+}
+
+layout::Placement RunningDesktop::placement(const host::PlacedWidget& widget) {
+    const auto shown = entry(widget);
+    if (!shown) throw std::runtime_error("no timeline for " + widget.kind);
+    const WidgetSize size = sizeOf(widget.family);
+    return layout::layOut(
+        shown->view, {.size = {size.width, size.height}, .now = Date::now()}, renderer_.measuring());
+}
+
+bool RunningDesktop::isSeen(const host::PlacedWidget& widget, double zoom, double pixelsPerUnit) {
+    if (!entry(widget)) return false;
+    const auto wanted = placement(widget);
+    const double scale = zoom * pixelsPerUnit;
+    const auto picture = renderer_.draw(wanted, scale, drawing::containerCornerRadius);
+    const auto shot = display_.screenshot();
+    const auto edge = [&](std::int64_t tile) {
+        const double unit = std::round(zoom * (16 + static_cast<double>(tile) * host::tilePitch));
+        return static_cast<int>(std::lround(unit * pixelsPerUnit));
+    };
+    const int left = edge(widget.column), top = edge(widget.row);
+    const auto isCountdown = [&](int x, int y) {
+        for (const auto& item : wanted.items)
+            if (const auto* countdown = std::get_if<layout::PlacedCountdown>(&item)) {
+                const layout::Rect& frame = countdown->text.frame;
+                if (layout::Rect{frame.x - 8, frame.y - 2, frame.width + 16, frame.height + 4}.contains(
+                        {x / scale, y / scale}))
+                    return true;
+            }
+        return false;
+    };
+    for (int y = 0; y < picture.height; ++y)
+        for (int x = 0; x < picture.width; ++x) {
+            // What is translucent has the background in it.
+            if (picture.at(x, y) >> 24 != 0xFF || isCountdown(x, y)) continue;
+            if (left + x >= shot.width || top + y >= shot.height) return false;
+            if (shot.at(left + x, top + y) != picture.at(x, y)) return false;
+        }
+    return true;
+}
+
+bool RunningDesktop::allSeen() {
+    for (const auto& widget : widgets())
+        if (!isSeen(widget)) return false;
+    return true;
+}
+
+std::pair<int, int> RunningDesktop::onDisplay(const host::PlacedWidget& widget, layout::Point point) {
+    const auto edge = [](std::int64_t tile, double within) {
+        return static_cast<int>(16 + static_cast<double>(tile) * host::tilePitch + within);
+    };
+    return {edge(widget.column, point.x), edge(widget.row, point.y)};
+}
+
+}  // namespace zelto::test

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/DesktopInterface.hpp"
+#include "platform/drawing/Renderer.hpp"
+#include "tests/desktop/Display.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/PrivateBus.hpp"
+#include "tests/support/Process.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace zelto::test {
+
+/// Whether a condition comes to hold; asked again and again for at most half a minute.
+bool eventually(const std::function<bool()>& condition);
+
+/// The real host on a display of its own, with folders, a bus and a program for links of its own.
+class RunningDesktop {
+  public:
+    explicit RunningDesktop(Display& display);
+
+    void place(const std::vector<host::PlacedWidget>& widgets) const;
+    void start(std::vector<std::string> arguments = {}, const std::vector<std::string>& variables = {});
+    /// Ends it as a logout does; true when it goes willingly.
+    bool stop();
+    Child& process() { return *process_; }
+    std::string log() const;
+
+    std::vector<host::PlacedWidget> widgets();
+    xpc::Result<xpc::Values> call(const std::string& method, const xpc::Values& arguments = {});
+    Finished zelto(std::vector<std::string> words) const;
+
+    /// What a widget's stored timeline shows now; absent while there is none.
+    std::optional<ArchivedEntry> entry(const host::PlacedWidget& widget) const;
+    layout::Placement placement(const host::PlacedWidget& widget);
+    /// Whether the display shows just that, but for the seconds of a countdown.
+    bool isSeen(const host::PlacedWidget& widget, double zoom = 1, double pixelsPerUnit = 1);
+    /// Every one of them.
+    bool allSeen();
+    /// Of a point of a widget, on the display.
+    static std::pair<int, int> onDisplay(const host::PlacedWidget& widget, layout::Point point);
+
+    /// The next link that the registered program got.
+    std::optional<std::string> openedLink() { return opened_.line(); }
+    /// Nothing opens links any more.
+    void forgetHandler() const;
+
+    const std::filesystem::path& folder() const { return folder_.path(); }
+    std::vector<std::string> environment() const;
+    Display& display() { return display_; }
+
+  private:
+    Display& display_;
+    TemporaryFolder folder_;
+    PrivateBus bus_;
+    Child opened_;
+    xpc::Connection connection_;
+    drawing::Renderer renderer_;
+    std::optional<Child> process_;
+};
+
+}  // namespace zelto::test
