@@ -37,9 +37,8 @@ std::optional<WidgetFamily> familyNamed(const std::string& name) {
 }
 
 const xpc::Interface& desktopInterface() {
-    static const xpc::Interface interface{
-        .service = "com.kavra.zelto.desktop",
-        .methods = {
+    static const xpc::Interface interface {
+        .service = "com.kavra.zelto.desktop", .methods = {
             {"reload", {ValueKind::text}, {}},
             {"list", {}, {ValueKind::text}},
             {"add", {ValueKind::text, ValueKind::text}, {ValueKind::text}},
@@ -47,7 +46,9 @@ const xpc::Interface& desktopInterface() {
             {"move", {ValueKind::text, ValueKind::text, ValueKind::integer, ValueKind::integer}, {}},
             {"resize", {ValueKind::text, ValueKind::text}, {}},
             {"gallery", {}, {}},
-            {"quit", {}, {}}}};
+            {"quit", {}, {}}
+        }
+    };
     return interface;
 }
 

@@ -44,7 +44,8 @@ std::optional<ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) con
     auto stored = decodeJSON<StoredTimeline>(*bytes);
     if (!stored || stored->kind != widget.kind || stored->family != widget.family) return std::nullopt;
     const auto& entries = stored->timeline.entries;
-    if (std::ranges::any_of(entries, [](const ArchivedEntry& entry) { return faultOf(entry.view).has_value(); }))
+    if (std::ranges::any_of(
+            entries, [](const ArchivedEntry& entry) { return faultOf(entry.view).has_value(); }))
         return std::nullopt;
     return std::move(stored->timeline);
 }

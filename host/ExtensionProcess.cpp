@@ -112,9 +112,8 @@ std::string ExtensionProcess::farewell() {
     input_.reset();
     int status = 0;
     if (waitpid(pid_, &status, WNOHANG) == 0) {
-        // It closed its output without ending: it is of no use any more.
-        kill(pid_, SIGKILL);
-        waitpid(pid_, &status, 0);
+        end();
+        return "the widget extension closed its output" + lastWords();
     }
     pid_ = -1;
     return describe(status) + lastWords();

@@ -78,7 +78,7 @@ void ExtensionWorker::work(std::deque<Work> all) {
     }
 }
 
-void ExtensionWorker::died(const std::string& how) {
+void ExtensionWorker::died(std::string how) {
     process_.reset();
     {
         const std::lock_guard lock(mutex_);

@@ -67,8 +67,9 @@ void PlacementStore::keepAside(const std::string& why) {
         aside = folder_ / ("desktop.broken-" + std::to_string(i) + ".json");
     std::filesystem::rename(file(), aside, error);
     log_(
-        file().string() + ": " + why + (error ? "; it cannot be kept aside: " + error.message()
-                                              : "; it is kept as " + aside.filename().string()));
+        file().string() + ": " + why +
+        (error ? "; it cannot be kept aside: " + error.message()
+               : "; it is kept as " + aside.filename().string()));
 }
 
 bool PlacementStore::save(const std::vector<PlacedWidget>& widgets) {

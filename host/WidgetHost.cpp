@@ -13,8 +13,7 @@ std::string nameOf(WidgetFamily family) {
 
 }  // namespace
 
-WidgetHost::WidgetHost(
-    HostSeams seams, PlacementStore placements, EntryStore entries, HostObserver& observer)
+WidgetHost::WidgetHost(HostSeams seams, PlacementStore placements, EntryStore entries, HostObserver& observer)
     : seams_(std::move(seams)),
       placements_(std::move(placements)),
       entries_(std::move(entries)),
@@ -38,7 +37,8 @@ void WidgetHost::take(std::vector<PlacedWidget> widgets) {
     for (const PlacedWidget& widget : widgets_) {
         const auto old = std::ranges::find(before, widget.id, &PlacedWidget::id);
         if (old != before.end() && *old == widget) continue;
-        const bool showsSame = old != before.end() && old->kind == widget.kind && old->family == widget.family;
+        const bool showsSame =
+            old != before.end() && old->kind == widget.kind && old->family == widget.family;
         if (!showsSame) schedule_.add(widget.id, entries_.load(widget));
         observer_.placed(widget);
     }

@@ -66,6 +66,7 @@ std::vector<std::string> RunningDesktop::environment() const {
           {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
           {"TZ", "America/Sao_Paulo"},
           {"LC_ALL", "C.UTF-8"},
+          {"NO_AT_BRIDGE", "1"},
           {"LANG", "pt_BR.UTF-8"}})
         variables.push_back(name + "=" + value);
     return variables;

@@ -1,0 +1,211 @@
+// The extension's keeper with real processes: the extension itself, and programs that misbehave.
+
+#include <csignal>
+#include <cstdlib>
+#include <mutex>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "host/ExtensionWorker.hpp"
+#include "platform/foundation/Files.hpp"
+#include "tests/support/Paths.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace zelto::host {
+namespace {
+
+using namespace std::chrono_literals;
+using test::programFolder;
+
+/// A queue that the test runs by itself, as a host's main loop does.
+class Loop {
+  public:
+    void post(std::function<void()> function) {
+        const std::lock_guard lock(mutex_);
+        waiting_.push_back(std::move(function));
+        changed_.notify_all();
+    }
+    void runOne() {
+        std::function<void()> next;
+        {
+            std::unique_lock lock(mutex_);
+            if (!changed_.wait_for(lock, 60s, [this] { return !waiting_.empty(); }))
+                throw std::runtime_error("nothing happened");
+            next = std::move(waiting_.front());
+            waiting_.pop_front();
+        }
+        next();
+    }
+
+  private:
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::deque<std::function<void()>> waiting_;
+};
+
+struct Worker : testing::Test {
+    test::TemporaryFolder folder;
+    Loop loop;
+    std::mutex mutex;
+    std::vector<std::string> log;
+    ExtensionOptions options{
+        .program = programFolder() / "zelto-widgets",
+        .arguments = {"--home", "/no/such/home"},
+        .firstPause = 0.001,
+        .longestPause = 0.008};
+    std::unique_ptr<ExtensionWorker> worker;
+
+    void make() {
+        worker = std::make_unique<ExtensionWorker>(
+            options,
+            ExtensionWorker::Seams{
+                .post = [this](std::function<void()> function) { loop.post(std::move(function)); },
+                .log =
+                    [this](const std::string& line) {
+                        const std::lock_guard lock(mutex);
+                        log.push_back(line);
+                    }});
+    }
+    /// A program in the extension's place.
+    void standIn(const std::string& script) {
+        options.program = folder.write("extension", "#!/bin/sh\n" + script + "\n");
+        std::filesystem::permissions(options.program, std::filesystem::perms(0755));
+        make();
+    }
+    std::vector<Outcome> ask(std::vector<Request> requests) {
+        std::vector<Outcome> got;
+        worker->ask(std::move(requests), [&](std::vector<Outcome> outcomes) { got = std::move(outcomes); });
+        loop.runOne();
+        return got;
+    }
+    std::string errorOf(std::vector<Request> requests = {{.request = RequestKind::bundle}}) {
+        const auto outcomes = ask(std::move(requests));
+        return outcomes.front().reply ? "" : outcomes.front().error;
+    }
+    std::vector<std::string> logged() {
+        const std::lock_guard lock(mutex);
+        return log;
+    }
+};
+
+const Request bundle{.request = RequestKind::bundle};
+Request placeholder(const std::string& kind) {
+    return {.request = RequestKind::placeholder, .kind = kind, .family = WidgetFamily::systemSmall};
+}
+
+TEST_F(Worker, AsksTheRealExtensionSideBySide) {
+    make();
+    const auto outcomes = ask({bundle, placeholder("ZeltoFans"), placeholder("ZeltoNothing")});
+    ASSERT_EQ(outcomes.size(), 3U);
+    EXPECT_EQ(outcomes[0].reply->widgets->size(), 11U);
+    EXPECT_TRUE(outcomes[1].reply->entry);
+    EXPECT_FALSE(outcomes[2].reply);
+    EXPECT_NE(outcomes[2].error, "");
+    EXPECT_TRUE(logged().empty());
+}
+
+TEST_F(Worker, GivesEachAskerItsOwn) {
+    make();
+    std::vector<std::size_t> sizes;
+    for (const std::size_t count : {1U, 3U, 2U})
+        worker->ask(std::vector<Request>(count, bundle), [&](const std::vector<Outcome>& outcomes) {
+            sizes.push_back(outcomes.size());
+        });
+    for (int i = 0; i < 3; ++i) loop.runOne();
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 3, 2}));
+}
+
+TEST_F(Worker, EndsAProcessThatNobodyNeeds) {
+    options.idle = 1ms;
+    // The process marks its end.
+    const auto mark = folder.path() / "ended";
+    standIn(
+        "'" + (programFolder() / "zelto-widgets").string() + "' --home /no/such/home; mkfifo '" +
+        mark.string() + "'; echo over > '" + mark.string() + "'");
+    EXPECT_EQ(errorOf(), "");
+    // Opening the mark waits for it; before it exists there is nothing to open.
+    while (!std::filesystem::exists(mark)) std::this_thread::yield();
+    EXPECT_EQ(std::system(("read line < '" + mark.string() + "' && [ \"$line\" = over ]").c_str()), 0);
+    EXPECT_EQ(errorOf(), "");
+    EXPECT_TRUE(logged().empty());
+}
+
+TEST_F(Worker, AHangIsEndedByTheDeadline) {
+    options.deadline = 20ms;
+    standIn("while read line; do :; done");
+    EXPECT_EQ(errorOf(), "the widget extension did not answer in time");
+    EXPECT_EQ(logged().size(), 1U);
+}
+
+TEST_F(Worker, AnOutputThatIsClosedIsAnEnd) {
+    standIn("exec cat > /dev/null");
+    EXPECT_EQ(errorOf(), "the widget extension closed its output");
+}
+
+TEST_F(Worker, NonsenseEndsTheProcess) {
+    standIn("read line; echo hello; exec cat > /dev/null");
+    EXPECT_TRUE(errorOf().starts_with("the widget extension answered nonsense: ")) << logged().back();
+}
+
+TEST_F(Worker, ALineWithoutAnEndIsNonsense) {
+    standIn("read line; exec cat /dev/zero");
+    EXPECT_EQ(errorOf(), "the widget extension answered without an end");
+}
+
+TEST_F(Worker, LastWordsGoToTheLog) {
+    standIn("read line; echo 'first line' >&2; printf 'out of\\tluck\\n' >&2; exit 3");
+    EXPECT_EQ(
+        errorOf(), "the widget extension ended by itself (status 3); its last words: first line out of luck");
+    EXPECT_EQ(
+        logged(),
+        std::vector<std::string>{
+            "the widget extension ended by itself (status 3); its last words: first line out of "
+            "luck; to be started again after 0.001 s"});
+}
+
+TEST_F(Worker, PausesGrowWithDeathsAndShrinkWithAnswers) {
+    const auto broken = folder.write("broken", "");
+    standIn(
+        "if [ -e '" + broken.string() + "' ]; then read line; exit 1; fi; exec '" +
+        (programFolder() / "zelto-widgets").string() + "' --home /no/such/home");
+    for (int i = 0; i < 5; ++i) EXPECT_NE(errorOf(), "");
+    std::filesystem::remove(broken);
+    EXPECT_EQ(errorOf(), "");
+    EXPECT_EQ(errorOf(), "");
+    std::vector<std::string> pauses;
+    for (const std::string& line : logged()) pauses.push_back(line.substr(line.rfind("after ") + 6));
+    EXPECT_EQ(pauses, (std::vector<std::string>{"0.001 s", "0.002 s", "0.004 s", "0.008 s", "0.008 s"}));
+}
+
+TEST_F(Worker, ADeathWhileNothingIsAskedIsMadeGood) {
+    const auto pid = folder.path() / "pid";
+    standIn(
+        "echo $$ > '" + pid.string() + "'; exec '" + (programFolder() / "zelto-widgets").string() +
+        "' --home /no/such/home");
+    EXPECT_EQ(errorOf(), "");
+    ASSERT_EQ(kill(std::stoi(readFile(pid).value()), SIGKILL), 0);
+    // Whether its end shows before the question or in the middle of it, the one after that is answered.
+    errorOf();
+    EXPECT_EQ(errorOf(), "");
+    ASSERT_EQ(logged().size(), 1U);
+    EXPECT_TRUE(logged()[0].starts_with("the widget extension died (signal 9, Killed)")) << logged()[0];
+}
+
+TEST_F(Worker, AProgramThatIsNotThereIsReported) {
+    options.program = "/no/such/program";
+    make();
+    EXPECT_EQ(errorOf(), "cannot start the widget extension /no/such/program: No such file or directory");
+}
+
+TEST_F(Worker, EndsWithoutWaitingForAnswers) {
+    standIn("while read line; do :; done");
+    worker->ask({bundle}, [](const std::vector<Outcome>&) {});
+    const auto before = std::chrono::steady_clock::now();
+    worker.reset();
+    EXPECT_LT(std::chrono::steady_clock::now() - before, options.deadline);
+    EXPECT_TRUE(logged().empty());
+}
+
+}  // namespace
+}  // namespace zelto::host

@@ -1,0 +1,304 @@
+#include <algorithm>
+#include <deque>
+
+#include <gtest/gtest.h>
+
+#include "host/WidgetHost.hpp"
+#include "platform/ui/Building.hpp"
+#include "tests/support/TemporaryFolder.hpp"
+
+namespace zelto::host {
+namespace {
+
+using test::TemporaryFolder;
+
+/// A host whose clock, extension and display are the test's.
+struct Hosted : testing::Test, HostObserver {
+    struct Asked {
+        std::vector<Request> requests;
+        std::function<void(std::vector<Outcome>)> completion;
+    };
+
+    TemporaryFolder folder;
+    Date now{800'000'000};
+    Environment environment{"pt_BR", "America/Sao_Paulo"};
+    std::deque<Asked> asked;
+    std::optional<Date> wakeAt;
+    std::vector<std::string> log, seen;
+    std::unique_ptr<WidgetHost> host;
+
+    void SetUp() override { make(); }
+    void make() {
+        const auto note = [this](const std::string& line) { log.push_back(line); };
+        host = std::make_unique<WidgetHost>(
+            HostSeams{
+                .now = [this] { return now; },
+                .environment = [this] { return environment; },
+                .ask =
+                    [this](
+                        std::vector<Request> requests, std::function<void(std::vector<Outcome>)> completion) {
+                        asked.push_back({std::move(requests), std::move(completion)});
+                    },
+                .wakeAt = [this](std::optional<Date> instant) { wakeAt = instant; },
+                .log = note},
+            PlacementStore(folder.path() / "config", note),
+            EntryStore(folder.path() / "cache"),
+            *this);
+    }
+
+    void placed(const PlacedWidget& widget) override {
+        see("placed " + widget.kind + " " + std::to_string(widget.column) + "," + std::to_string(widget.row));
+    }
+    void removed(const std::string&) override { see("removed"); }
+    void shows(const PlacedWidget& widget, const ArchivedEntry& entry) override {
+        see(widget.kind + " shows " + std::get<ui::node::Text>(entry.view.node).text);
+    }
+    void offers(const std::vector<WidgetDescription>& widgets) override {
+        see("offers " + std::to_string(widgets.size()));
+    }
+    void see(const std::string& what) { seen.push_back(what); }
+    std::vector<std::string> takeSeen() { return std::exchange(seen, {}); }
+
+    /// Answers the oldest open question with timelines that show `text`, or with the widgets on offer.
+    void answer(const std::string& text) {
+        Asked open = std::move(asked.front());
+        asked.pop_front();
+        std::vector<Outcome> outcomes;
+        for (const Request& request : open.requests) {
+            Reply reply{};
+            if (request.request == RequestKind::bundle)
+                reply.widgets = offered();
+            else if (request.request == RequestKind::snapshot)
+                reply.entry = ArchivedEntry{now, ui::Text(text)};
+            else
+                reply.timeline = ArchivedTimeline{{{now, ui::Text(text)}}, now + 300};
+            outcomes.push_back({reply, ""});
+        }
+        open.completion(std::move(outcomes));
+    }
+    void fail(const std::string& error) {
+        Asked open = std::move(asked.front());
+        asked.pop_front();
+        open.completion(std::vector<Outcome>(open.requests.size(), Outcome{std::nullopt, error}));
+    }
+    static std::vector<WidgetDescription> offered() {
+        using enum WidgetFamily;
+        return {
+            {"Battery", "Bateria", "", {systemSmall, systemMedium}},
+            {"Clock", "Relógio", "", {systemSmall, systemMedium, systemLarge}}};
+    }
+    /// Started, with the widgets on offer known.
+    void start() {
+        host->start();
+        answer("");
+        seen.clear();
+    }
+    std::string add(const std::string& kind, WidgetFamily family, std::optional<Cell> cell = {}) {
+        std::string id;
+        EXPECT_EQ(host->add(kind, family, cell, 4, id), "");
+        return id;
+    }
+};
+
+using Seen = std::vector<std::string>;
+
+TEST_F(Hosted, AnAddedWidgetIsPlacedAskedForAndShown) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    EXPECT_EQ(takeSeen(), Seen{"placed Battery 0,0"});
+    ASSERT_EQ(asked.size(), 1U);
+    const Request& request = asked[0].requests.at(0);
+    EXPECT_EQ(request.request, RequestKind::timeline);
+    EXPECT_EQ(request.kind, "Battery");
+    EXPECT_EQ(request.family, WidgetFamily::systemSmall);
+    EXPECT_EQ(request.locale, "pt_BR");
+    EXPECT_EQ(request.timeZone, "America/Sao_Paulo");
+    answer("80 %");
+    EXPECT_EQ(takeSeen(), Seen{"Battery shows 80 %"});
+    EXPECT_EQ(wakeAt, now + 300);
+}
+
+TEST_F(Hosted, EverythingIsThereAgainAfterAStart) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    add("Clock", WidgetFamily::systemLarge);
+    answer("14:05");
+    asked.clear();
+    make();
+    seen.clear();
+    host->start();
+    auto again = takeSeen();
+    std::ranges::sort(again);
+    EXPECT_EQ(
+        again, (Seen{"Battery shows 80 %", "Clock shows 14:05", "placed Battery 0,0", "placed Clock 1,0"}));
+    // New ones are asked for behind them, side by side.
+    ASSERT_EQ(asked.size(), 2U);
+    EXPECT_EQ(asked[1].requests.size(), 2U);
+}
+
+TEST_F(Hosted, AFailureKeepsThePictureAndIsLogged) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    now = now + 300;
+    host->wake();
+    fail("it died");
+    EXPECT_EQ(log, Seen{"Battery, systemSmall: it died"});
+    EXPECT_EQ(std::get<ui::node::Text>(host->shown(host->widgets()[0].id)->view.node).text, "80 %");
+    EXPECT_EQ(wakeAt, now + Schedule::firstPause);
+}
+
+TEST_F(Hosted, AnAnswerOfTheWrongKindIsAFailure) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    Asked open = std::move(asked.front());
+    asked.pop_front();
+    Reply reply{};
+    reply.entry = ArchivedEntry{now, ui::Text("x")};
+    open.completion({Outcome{reply, ""}});
+    EXPECT_EQ(log, Seen{"Battery, systemSmall: an answer without a timeline"});
+}
+
+TEST_F(Hosted, AChangeOfZoneAsksForEverythingInTheNewOne) {
+    start();
+    add("Clock", WidgetFamily::systemSmall);
+    answer("14:05");
+    environment.timeZone = "Asia/Tokyo";
+    host->environmentChanged();
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(asked[0].requests[0].timeZone, "Asia/Tokyo");
+    takeSeen();
+    answer("02:05");
+    EXPECT_EQ(takeSeen(), Seen{"Clock shows 02:05"});
+}
+
+TEST_F(Hosted, AnAnswerForAnotherFamilyOrARemovedWidgetIsDropped) {
+    start();
+    const auto id = add("Battery", WidgetFamily::systemSmall);
+    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemMedium, 4), "");
+    takeSeen();
+    answer("small");
+    EXPECT_EQ(takeSeen(), Seen{});
+    answer("medium");
+    EXPECT_EQ(takeSeen(), Seen{"Battery shows medium"});
+    host->reload(id);
+    EXPECT_EQ(host->remove(id), "");
+    takeSeen();
+    answer("late");
+    EXPECT_EQ(takeSeen(), Seen{});
+    EXPECT_TRUE(host->widgets().empty());
+}
+
+TEST_F(Hosted, WidgetsStandBesideEachOther) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    add("Clock", WidgetFamily::systemLarge);
+    add("Battery", WidgetFamily::systemSmall);
+    // Three tiles are left in the first two rows, none of them two wide.
+    const auto wide = add("Battery", WidgetFamily::systemMedium);
+    std::vector<Cell> cells;
+    for (const PlacedWidget& widget : host->widgets()) cells.push_back(widget.cell());
+    EXPECT_EQ(cells, (std::vector<Cell>{{0, 0}, {1, 0}, {3, 0}, {0, 2}}));
+    EXPECT_EQ(host->move(wide, std::nullopt, {2, 0}), "another widget stands there");
+    EXPECT_EQ(host->move(wide, std::nullopt, {2, 5}), "");
+    // On another monitor there is room everywhere.
+    EXPECT_EQ(host->move(wide, "DP-1", {2, 0}), "");
+    EXPECT_EQ(host->widgets()[3].monitor, "DP-1");
+    // A wish for a taken place is met where there is room.
+    add("Battery", WidgetFamily::systemSmall, Cell{0, 0});
+    EXPECT_EQ(host->widgets()[4].cell(), (Cell{0, 1}));
+}
+
+TEST_F(Hosted, AWidgetThatGrowsIntoAnotherMovesAway) {
+    start();
+    const auto id = add("Battery", WidgetFamily::systemSmall);
+    add("Battery", WidgetFamily::systemSmall);
+    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemMedium, 4), "");
+    EXPECT_EQ(host->widgets()[0].cell(), (Cell{2, 0}));
+    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemLarge, 4), "Battery is not offered as systemLarge");
+}
+
+TEST_F(Hosted, WishesThatMakeNoSenseAreRefused) {
+    start();
+    std::string id;
+    EXPECT_EQ(host->add("Nothing", WidgetFamily::systemSmall, {}, 4, id), "no widget 'Nothing'");
+    EXPECT_EQ(
+        host->add("Battery", WidgetFamily::systemLarge, {}, 4, id), "Battery is not offered as systemLarge");
+    EXPECT_EQ(host->remove("x"), "no placed widget 'x'");
+    EXPECT_EQ(host->move("x", {}, {}), "no placed widget 'x'");
+    EXPECT_EQ(host->setFamily("x", WidgetFamily::systemSmall, 4), "no placed widget 'x'");
+    EXPECT_EQ(host->reload("x"), "no placed widget 'x'");
+    EXPECT_EQ(host->reloadKind("Nothing"), "no widget 'Nothing'");
+    EXPECT_EQ(host->reloadKind("Battery"), "");
+}
+
+TEST_F(Hosted, ReloadsOneKindOrAll) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    add("Clock", WidgetFamily::systemSmall);
+    answer("14:05");
+    EXPECT_EQ(host->reloadKind("Clock"), "");
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(asked[0].requests.size(), 1U);
+    answer("14:06");
+    host->reloadAll();
+    ASSERT_EQ(asked.size(), 1U);
+    EXPECT_EQ(asked[0].requests.size(), 2U);
+}
+
+TEST_F(Hosted, WhatAPersonWroteInTheFileIsTakenOver) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    auto edited = host->widgets();
+    edited[0].column = 3;
+    edited.push_back({.id = "mine", .kind = "Clock", .family = WidgetFamily::systemSmall, .row = 1});
+    PlacementStore(folder.path() / "config", [](const std::string&) {}).save(edited);
+    takeSeen();
+    add("Battery", WidgetFamily::systemSmall);
+    EXPECT_EQ(takeSeen(), (Seen{"placed Battery 3,0", "placed Clock 0,1", "placed Battery 0,0"}));
+}
+
+TEST_F(Hosted, ABrokenEditIsKeptAsideAndTheWidgetsStay) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    folder.write("config/desktop.json", "{");
+    add("Clock", WidgetFamily::systemSmall);
+    EXPECT_EQ(host->widgets().size(), 2U);
+    ASSERT_EQ(log.size(), 1U);
+    EXPECT_TRUE(log[0].ends_with("it is kept as desktop.broken-1.json"));
+    EXPECT_EQ(PlacementStore(folder.path() / "config", [](const std::string&) {}).load()->size(), 2U);
+}
+
+TEST_F(Hosted, AnExtensionThatDoesNotSayWhatItOffersIsAskedAgain) {
+    host->start();
+    fail("it died");
+    add("Battery", WidgetFamily::systemSmall);
+    ASSERT_EQ(asked.size(), 2U);
+    answer("80 %");
+    answer("");
+    EXPECT_EQ(host->offered().size(), 2U);
+}
+
+TEST_F(Hosted, PreviewsAreTheGallerys) {
+    start();
+    std::string shown;
+    host->preview("Battery", WidgetFamily::systemSmall, [&](const auto& entry) {
+        shown = entry ? std::get<ui::node::Text>(entry->view.node).text : "nothing";
+    });
+    EXPECT_EQ(asked[0].requests[0].preview, true);
+    EXPECT_EQ(asked[0].requests[0].request, RequestKind::snapshot);
+    answer("look");
+    EXPECT_EQ(shown, "look");
+    host->preview("Battery", WidgetFamily::systemSmall, [&](const auto& entry) {
+        shown = entry ? "something" : "nothing";
+    });
+    fail("it died");
+    EXPECT_EQ(shown, "nothing");
+}
+
+}  // namespace
+}  // namespace zelto::host
