@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/foundation/Files.hpp"
+#include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Process.hpp"
 
@@ -14,27 +15,6 @@ namespace {
 
 using Button = Display::Button;
 using host::PlacedWidget;
-
-PlacedWidget widget(const std::string& kind, WidgetFamily family, std::int64_t column, std::int64_t row) {
-    return {.id = kind, .kind = kind, .family = family, .column = column, .row = row};
-}
-
-/// All eleven, in families of all sizes.
-std::vector<PlacedWidget> eleven() {
-    using enum WidgetFamily;
-    return {
-        widget("ZeltoWidget", systemMedium, 0, 0),
-        widget("ZeltoBattery", systemSmall, 2, 0),
-        widget("ZeltoSystem", systemMedium, 3, 0),
-        widget("ZeltoStorage", systemSmall, 5, 0),
-        widget("ZeltoFans", systemSmall, 6, 0),
-        widget("ZeltoCalendar", systemLarge, 0, 1),
-        widget("ZeltoWorldClock", systemMedium, 2, 1),
-        widget("ZeltoClipboard", systemLarge, 4, 1),
-        widget("ZeltoAwake", systemMedium, 2, 2),
-        widget("ZeltoEqualizer", systemSmall, 6, 1),
-        widget("ZeltoCare", systemMedium, 0, 3)};
-}
 
 class DesktopOn : public testing::TestWithParam<const char*> {
   public:

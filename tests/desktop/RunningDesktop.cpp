@@ -34,8 +34,12 @@ bool eventually(const std::function<bool()>& condition) {
     return condition();
 }
 
-RunningDesktop::RunningDesktop(Display& display)
+RunningDesktop::RunningDesktop(Display& display, bool isAccessible)
     : display_(display),
+      isAccessible_(isAccessible),
+      bus_(
+          R"(<type>session</type><servicedir>/usr/share/dbus-1/services</servicedir><policy context="default"><allow user="*"/>)"
+          R"(<allow own="*"/><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/></policy>)"),
       opened_(readerOf(folder_.path() / "opened")),
       connection_(xpc::Bus::at(bus_.address()), host::desktopInterface()) {
     const auto sample = run({programFolder() / "zelto", "snapshot", "sample"});
@@ -66,7 +70,7 @@ std::vector<std::string> RunningDesktop::environment() const {
           {"DBUS_SESSION_BUS_ADDRESS", bus_.address()},
           {"TZ", "America/Sao_Paulo"},
           {"LC_ALL", "C.UTF-8"},
-          {"NO_AT_BRIDGE", "1"},
+          {"NO_AT_BRIDGE", isAccessible_ ? "0" : "1"},
           {"LANG", "pt_BR.UTF-8"}})
         variables.push_back(name + "=" + value);
     return variables;
@@ -76,11 +80,15 @@ void RunningDesktop::place(const std::vector<host::PlacedWidget>& widgets) const
     host::PlacementStore(folder() / "config/zelto", [](const std::string&) {}).save(widgets);
 }
 
-void RunningDesktop::start(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
+void RunningDesktop::launch(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
     arguments.insert(arguments.begin(), {programFolder() / "zelto-desktop", "--home", folder()});
     auto all = environment();
     all.insert(all.end(), variables.begin(), variables.end());
     process_.emplace(std::move(arguments), std::move(all), folder() / "log");
+}
+
+void RunningDesktop::start(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
+    launch(std::move(arguments), variables);
     if (!eventually([this] { return std::holds_alternative<xpc::Values>(call("list")); }))
         throw std::runtime_error("the desktop did not start: " + log());
 }

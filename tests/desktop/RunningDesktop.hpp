@@ -23,10 +23,13 @@ bool eventually(const std::function<bool()>& condition);
 /// The real host on a display of its own, with folders, a bus and a program for links of its own.
 class RunningDesktop {
   public:
-    explicit RunningDesktop(Display& display);
+    /// Assistive technology costs a process more; only its test wants it.
+    explicit RunningDesktop(Display& display, bool isAccessible = false);
 
     void place(const std::vector<host::PlacedWidget>& widgets) const;
     void start(std::vector<std::string> arguments = {}, const std::vector<std::string>& variables = {});
+    /// The same without waiting for anything.
+    void launch(std::vector<std::string> arguments = {}, const std::vector<std::string>& variables = {});
     /// Ends it as a logout does; true when it goes willingly.
     bool stop();
     Child& process() { return *process_; }
@@ -57,6 +60,7 @@ class RunningDesktop {
 
   private:
     Display& display_;
+    bool isAccessible_;
     TemporaryFolder folder_;
     PrivateBus bus_;
     Child opened_;

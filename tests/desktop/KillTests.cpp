@@ -1,0 +1,111 @@
+// Deaths at random moments: of the extension, and of the host.
+
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+#include <random>
+
+#include <gtest/gtest.h>
+#include <poll.h>
+
+#include "host/EntryStore.hpp"
+#include "host/PlacementStore.hpp"
+#include "platform/foundation/Files.hpp"
+#include "tests/desktop/PlacedWidgets.hpp"
+#include "tests/desktop/RunningDesktop.hpp"
+#include "tests/support/Paths.hpp"
+
+namespace zelto::test {
+namespace {
+
+struct Deaths : testing::Test {
+    std::unique_ptr<Display> display = startX11();
+    RunningDesktop desktop{*display};
+    std::mt19937 random{20'261'121};
+
+    // Where it highlights nothing.
+    Deaths() { display->move(Display::width - 2, Display::height - 2); }
+
+    /// Lets a moment of random length pass, which is what these tests are about.
+    void moment(int atMost) { poll(nullptr, 0, std::uniform_int_distribution<int>(0, atMost)(random)); }
+    std::filesystem::path pidFile() const { return desktop.folder() / "pid"; }
+
+    /// The extension behind a script that tells its process.
+    std::string tellingExtension() {
+        const auto script = desktop.folder() / "extension";
+        std::ofstream(script) << "#!/bin/sh\necho $$ > '" + pidFile().string() + "'\nexec '" +
+                                     (programFolder() / "zelto-widgets").string() + "' \"$@\"\n";
+        std::filesystem::permissions(script, std::filesystem::perms(0755));
+        return script;
+    }
+};
+
+TEST_F(Deaths, OfTheExtensionFiveHundredTimesLeaveEveryWidgetItsPicture) {
+    desktop.place(eleven());
+    desktop.start({"--extension", tellingExtension(), "--restart-pause", "0.001"});
+    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    const pid_t host = desktop.process().pid();
+
+    pid_t last = 0;
+    for (int deaths = 0; deaths < 500;) {
+        ASSERT_TRUE(std::holds_alternative<xpc::Values>(desktop.call("reload", {""})));
+        moment(20);
+        const pid_t pid = std::atoi(readFile(pidFile()).value_or("0").c_str());
+        if (pid <= 0 || pid == last || kill(pid, SIGKILL) != 0) continue;
+        last = pid;
+        if (++deaths % 50 != 0) continue;
+        // None is blank: each shows what is stored, though the extension has no peace.
+        EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << deaths;
+        EXPECT_EQ(kill(host, 0), 0);
+    }
+    const std::string log = desktop.log();
+    EXPECT_NE(log.find("the widget extension died (signal 9, Killed)"), std::string::npos);
+    for (const char* pause : {"0.001 s", "0.002 s", "0.004 s"})
+        EXPECT_NE(log.find(std::string("to be started again after ") + pause), std::string::npos) << pause;
+
+    // Left in peace, it brings new timelines again.
+    const Date before = Date::now();
+    desktop.call("reload", {""});
+    EXPECT_TRUE(eventually([&] { return desktop.entry(eleven()[2])->date > before; })) << desktop.log();
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    EXPECT_EQ(desktop.widgets(), eleven());
+    EXPECT_TRUE(desktop.stop());
+}
+
+TEST_F(Deaths, OfTheHostTwoHundredTimesLoseNothingThatWasKept) {
+    desktop.place(eleven());
+    desktop.start();
+    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    desktop.process().kill(SIGKILL);
+    desktop.process().wait();
+
+    // One widget goes to and fro, so that there is something to be half-written.
+    const auto fans = eleven()[4];
+    for (int i = 0; i < 200; ++i) {
+        desktop.launch();
+        moment(120);
+        // Whether the host is up yet to hear this is part of the chance.
+        const std::string row = i % 2 == 0 ? "4" : "0";
+        for (int calls = 0; calls < i % 4; ++calls) desktop.call("move", {fans.id, "", "6", row});
+        moment(60);
+        desktop.process().kill(SIGKILL);
+        desktop.process().wait();
+
+        std::string complaint;
+        auto places = host::PlacementStore(desktop.folder() / "config/zelto", [&](const std::string& line) {
+                          complaint = line;
+                      }).load();
+        ASSERT_TRUE(places) << complaint;
+        ASSERT_EQ(places->size(), 11U);
+        EXPECT_TRUE((*places)[4].row == 0 || (*places)[4].row == 4);
+        (*places)[4].row = fans.row;
+        ASSERT_EQ(*places, eleven());
+        for (const auto& each : eleven())
+            ASSERT_TRUE(host::EntryStore(desktop.folder() / "cache/zelto").load(each)) << each.kind;
+    }
+    desktop.start({"--extension", "/bin/false"});
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+}
+
+}  // namespace
+}  // namespace zelto::test
