@@ -9,15 +9,14 @@ Desktop::Desktop(DesktopOptions options)
       surroundings_(options_.zoom),
       links_(options_.linkCommand, options_.log),
       worker_(std::make_unique<host::ExtensionWorker>(
-          options_.extension,
-          host::ExtensionWorker::Seams{
-              .post =
-                  [isThere = std::weak_ptr(life_)](std::function<void()> function) {
-                      postToMainThread([isThere, function = std::move(function)] {
-                          if (!isThere.expired()) function();
-                      });
-                  },
-              .log = options_.log})) {
+          options_.extension, host::ExtensionWorker::Seams{
+                                  .post =
+                                      [isThere = std::weak_ptr(life_)](std::function<void()> function) {
+                                          postToMainThread([isThere, function = std::move(function)] {
+                                              if (!isThere.expired()) function();
+                                          });
+                                      },
+                                  .log = options_.log})) {
     host::PlacementStore placements(options_.folders.configuration, options_.log);
     std::error_code error;
     isFirstStart_ = !std::filesystem::exists(placements.file(), error);
@@ -48,9 +47,10 @@ host::HostSeams Desktop::seams() {
     return {
         .now = &Date::now,
         .environment = &Environment::current,
-        .ask = [this](std::vector<Request> requests, host::ExtensionWorker::Completion completion) {
-            worker_->ask(std::move(requests), std::move(completion));
-        },
+        .ask =
+            [this](std::vector<Request> requests, host::ExtensionWorker::Completion completion) {
+                worker_->ask(std::move(requests), std::move(completion));
+            },
         .wakeAt = [this](std::optional<Date> instant) { timer_.arm(instant); },
         .log = options_.log};
 }
@@ -100,7 +100,8 @@ void Desktop::removed(const std::string& id) {
 }
 
 void Desktop::shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) {
-    if (const auto found = windows_.find(widget.id); found != windows_.end()) found->second->face().present(entry);
+    if (const auto found = windows_.find(widget.id); found != windows_.end())
+        found->second->face().present(entry);
 }
 
 void Desktop::offers(const std::vector<WidgetDescription>& widgets) {
@@ -123,7 +124,8 @@ void Desktop::add(const std::string& kind, WidgetFamily family, std::optional<ho
 
 void Desktop::openLink(const std::string& id, const std::string& url) {
     if (links_.open(url)) return;
-    if (const auto found = windows_.find(id); found != windows_.end()) found->second->face().say(words::noHandler);
+    if (const auto found = windows_.find(id); found != windows_.end())
+        found->second->face().say(words::noHandler);
 }
 
 void Desktop::showGallery() {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <exception>
 #include <gtkmm/main.h>
@@ -132,6 +133,8 @@ int run(int argc, char** argv) {
     }
 
     g_set_prgname("zelto-desktop");
+    // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
+    setenv("GDK_GL", "disable", 0);
     if (!gtk_init_check(nullptr, nullptr)) {
         log("there is no display; `zelto render` draws pictures without one");
         return 1;

@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
-
 #include <gtkmm/cssprovider.h>
+#include <numbers>
 
 #include "desktop/MainThread.hpp"
 #include "platform/layout/Layout.hpp"
@@ -39,7 +38,8 @@ int rounded(double value) {
     return static_cast<int>(std::lround(value));
 }
 
-void roundedRectangle(const Cairo::RefPtr<Cairo::Context>& context, double width, double height, double radius) {
+void roundedRectangle(
+    const Cairo::RefPtr<Cairo::Context>& context, double width, double height, double radius) {
     constexpr double right = std::numbers::pi / 2;
     const double r = std::min({radius, width / 2, height / 2});
     context->begin_new_path();
@@ -85,7 +85,8 @@ struct Face::Sources {
     MainSource tick, message;
 };
 
-TapArea::TapArea(double cornerRadius, bool showsHover) : cornerRadius_(cornerRadius), showsHover_(showsHover) {
+TapArea::TapArea(double cornerRadius, bool showsHover)
+    : cornerRadius_(cornerRadius), showsHover_(showsHover) {
     addPlainStyle(*this);
     set_can_focus(true);
     set_focus_on_click(false);
@@ -231,7 +232,6 @@ bool Face::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
     return Gtk::Fixed::on_draw(context);
 }
 
-
 /// Waits for the next second of a countdown, from the drawing of one second to the next: what is never drawn
 /// because nobody sees it stops by itself.
 void Face::waitForTick() {
@@ -249,7 +249,8 @@ void Face::waitForTick() {
 void Face::tick() {
     if (!isSeen_ || !entry_) return;
     auto before = std::move(placement_);
-    placement_ = layout::layOut(entry_->view, {.size = size_, .now = seams_.now()}, seams_.renderer.measuring());
+    placement_ =
+        layout::layOut(entry_->view, {.size = size_, .now = seams_.now()}, seams_.renderer.measuring());
     const auto area = countdownArea(before, placement_);
     if (!area) {
         if (before != placement_) layOutAgain();

@@ -1,14 +1,13 @@
 #pragma once
 
 #include <functional>
+#include <gtkmm/button.h>
+#include <gtkmm/fixed.h>
+#include <gtkmm/label.h>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include <gtkmm/button.h>
-#include <gtkmm/fixed.h>
-#include <gtkmm/label.h>
 
 #include "platform/drawing/Renderer.hpp"
 #include "platform/layout/Placement.hpp"

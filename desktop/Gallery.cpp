@@ -1,6 +1,7 @@
 #include "desktop/Gallery.hpp"
 
 #include <cmath>
+#include <gtkmm/cssprovider.h>
 
 #include "desktop/Words.hpp"
 #include "platform/layout/Layout.hpp"
@@ -11,16 +12,28 @@ namespace {
 constexpr double shrink = 0.6;  // of the widget's size on the desktop
 constexpr double dragThreshold = 8;
 
-Gtk::Label* label(const std::string& text, bool isTitle) {
+/// The widgets' own look, whatever the desktop's theme.
+void addStyle(Gtk::Window& window) {
+    const auto style = Gtk::CssProvider::create();
+    style->load_from_data(
+        ".zelto-gallery, .zelto-gallery scrolledwindow, .zelto-gallery viewport { background: #15171c; }"
+        ".zelto-gallery label { color: #e8e8ea; font-family: Inter; font-size: 13px; }"
+        ".zelto-gallery .title { font-size: 17px; font-weight: 700; color: #ffffff; }"
+        ".zelto-gallery .dim { color: #9a9ca3; }"
+        ".zelto-gallery button { background: none; border: none; box-shadow: none; padding: 8px;"
+        " border-radius: 16px; text-shadow: none; }"
+        ".zelto-gallery button:hover { background: rgba(255, 255, 255, 0.08); }"
+        ".zelto-gallery button:focus { box-shadow: inset 0 0 0 3px #4f8df7; outline: none; }");
+    Gtk::StyleContext::add_provider_for_screen(
+        window.get_screen(), style, GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    window.get_style_context()->add_class("zelto-gallery");
+}
+
+Gtk::Label* label(const std::string& text, const char* style) {
     auto* out = Gtk::manage(new Gtk::Label(text));
     out->set_xalign(0);
     out->set_line_wrap();
-    if (isTitle) {
-        Pango::AttrList bold;
-        auto weight = Pango::Attribute::create_attr_weight(Pango::WEIGHT_BOLD);
-        bold.insert(weight);
-        out->set_attributes(bold);
-    }
+    out->get_style_context()->add_class(style);
     return out;
 }
 
@@ -35,10 +48,13 @@ class Gallery::Look : public Gtk::Button {
         const WidgetSize size = sizeOf(family);
         const double zoom = seams_.surroundings.zoom() * shrink;
         canvas_.set_size_request(
-            static_cast<int>(std::lround(size.width * zoom)), static_cast<int>(std::lround(size.height * zoom)));
+            static_cast<int>(std::lround(size.width * zoom)),
+            static_cast<int>(std::lround(size.height * zoom)));
         canvas_.signal_draw().connect(sigc::mem_fun(*this, &Look::drawn));
         box->pack_start(canvas_, Gtk::PACK_SHRINK);
-        box->pack_start(*Gtk::manage(new Gtk::Label(words::nameOf(family))), Gtk::PACK_SHRINK);
+        auto* name = label(words::nameOf(family), "dim");
+        name->set_xalign(0.5);
+        box->pack_start(*name, Gtk::PACK_SHRINK);
         add(*box);
         set_relief(Gtk::RELIEF_NONE);
         set_valign(Gtk::ALIGN_END);
@@ -49,9 +65,7 @@ class Gallery::Look : public Gtk::Button {
         drag_->signal_drag_update().connect([this](double dx, double dy) { dragged(dx, dy); });
         drag_->signal_drag_end().connect([this](double, double) { dropped(); });
         seams_.host.preview(
-            kind_,
-            family,
-            [this, isThere = std::weak_ptr(life_)](const std::optional<ArchivedEntry>& entry) {
+            kind_, family, [this, isThere = std::weak_ptr(life_)](const std::optional<ArchivedEntry>& entry) {
                 if (!isThere.expired() && entry) show(*entry);
             });
     }
@@ -64,9 +78,7 @@ class Gallery::Look : public Gtk::Button {
             {.size = {size.width, size.height}, .now = seams_.now()},
             seams_.renderer.measuring());
         picture_ = seams_.renderer.draw(
-            placement,
-            seams_.surroundings.zoom() * get_scale_factor(),
-            drawing::containerCornerRadius);
+            placement, seams_.surroundings.zoom() * get_scale_factor(), drawing::containerCornerRadius);
         canvas_.queue_draw();
     }
 
@@ -91,8 +103,7 @@ class Gallery::Look : public Gtk::Button {
     std::optional<std::pair<Desk, host::Cell>> target() const {
         if (seams_.surroundings.placing() != Placing::hints) return std::nullopt;
         int x = 0, y = 0;
-        GdkDevice* pointer =
-            gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
+        GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
         gdk_device_get_position(pointer, nullptr, &x, &y);
         const auto desk = seams_.surroundings.desk(std::nullopt);
         if (!desk) return std::nullopt;
@@ -134,6 +145,7 @@ class Gallery::Look : public Gtk::Button {
 
 Gallery::Gallery(Seams seams) : seams_(std::move(seams)) {
     set_title(words::galleryTitle);
+    addStyle(*this);
     set_default_size(860, 640);
     list_.set_border_width(24);
     scroller_.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
@@ -149,11 +161,11 @@ void Gallery::offer(const std::vector<WidgetDescription>& widgets) {
     looks_.clear();
     for (Gtk::Widget* child : list_.get_children()) list_.remove(*child);
     list_.pack_start(
-        *label(widgets.empty() ? words::galleryEmpty : words::galleryHint, false), Gtk::PACK_SHRINK);
+        *label(widgets.empty() ? words::galleryEmpty : words::galleryHint, "dim"), Gtk::PACK_SHRINK);
     for (const WidgetDescription& widget : widgets) {
         auto* row = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 4));
-        row->pack_start(*label(widget.displayName, true), Gtk::PACK_SHRINK);
-        row->pack_start(*label(widget.description, false), Gtk::PACK_SHRINK);
+        row->pack_start(*label(widget.displayName, "title"), Gtk::PACK_SHRINK);
+        row->pack_start(*label(widget.description, "dim"), Gtk::PACK_SHRINK);
         auto* families = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 12));
         for (const WidgetFamily family : widget.families)
             families->pack_start(

@@ -1,10 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <memory>
-#include <string>
-#include <vector>
-
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
 #include <gtkmm/drawingarea.h>
@@ -12,6 +8,9 @@
 #include <gtkmm/label.h>
 #include <gtkmm/scrolledwindow.h>
 #include <gtkmm/window.h>
+#include <memory>
+#include <string>
+#include <vector>
 
 #include "desktop/Ghost.hpp"
 #include "host/WidgetHost.hpp"

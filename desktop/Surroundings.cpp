@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-
 #include <gdk/gdkx.h>
 #include <gtk-layer-shell.h>
 
@@ -22,11 +21,26 @@ double zoomOf(GdkScreen* screen) {
     return resolution > 0 ? std::clamp(resolution / 96, 0.5, 4.0) : 1;
 }
 
+/// Its connector, such as "DP-1"; where the display does not tell that, its model.
+std::string nameOf(GdkMonitor* monitor) {
+    GdkDisplay* display = gdk_monitor_get_display(monitor);
+    int index = 0;
+    while (index < gdk_display_get_n_monitors(display) && gdk_display_get_monitor(display, index) != monitor)
+        ++index;
+    // The only call that tells it has no successor in this version of the toolkit.
+    G_GNUC_BEGIN_IGNORE_DEPRECATIONS
+    gchar* connector = gdk_screen_get_monitor_plug_name(gdk_display_get_default_screen(display), index);
+    G_GNUC_END_IGNORE_DEPRECATIONS
+    const char* model = gdk_monitor_get_model(monitor);
+    const std::string name = connector ? connector : model ? model : "";
+    g_free(connector);
+    return name;
+}
+
 Desk deskOf(GdkMonitor* monitor) {
     GdkRectangle area;
     gdk_monitor_get_workarea(monitor, &area);
-    const char* model = gdk_monitor_get_model(monitor);
-    return {monitor, model ? model : "", area.x, area.y, area.width, area.height};
+    return {monitor, nameOf(monitor), area.x, area.y, area.width, area.height};
 }
 
 std::int64_t tilesIn(int length, double zoom) {
@@ -80,7 +94,8 @@ layout::Point Surroundings::position(const Desk& desk, host::Cell cell, WidgetFa
 host::Cell Surroundings::cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const {
     const host::Span span = host::spanOf(family);
     const auto nearest = [this](double position, std::int64_t tiles, std::int64_t covered) {
-        const auto tile = static_cast<std::int64_t>(std::lround((position / zoom_ - border) / host::tilePitch));
+        const auto tile =
+            static_cast<std::int64_t>(std::lround((position / zoom_ - border) / host::tilePitch));
         return std::clamp<std::int64_t>(tile, 0, std::max<std::int64_t>(tiles - covered, 0));
     };
     return {nearest(point.x, columns(desk), span.columns), nearest(point.y, rows(desk), span.rows)};
@@ -91,7 +106,8 @@ void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool ta
     window.set_resizable(false);
     window.set_app_paintable(true);
     const auto screen = window.get_screen();
-    if (const auto visual = screen->get_rgba_visual()) gtk_widget_set_visual(GTK_WIDGET(window.gobj()), visual->gobj());
+    if (const auto visual = screen->get_rgba_visual())
+        gtk_widget_set_visual(GTK_WIDGET(window.gobj()), visual->gobj());
     if (placing_ == Placing::layerShell) {
         gtk_layer_init_for_window(window.gobj());
         gtk_layer_set_namespace(window.gobj(), name.c_str());

@@ -1,10 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <gtkmm/window.h>
 #include <optional>
 #include <string>
-
-#include <gtkmm/window.h>
 
 #include "host/PlacedWidget.hpp"
 

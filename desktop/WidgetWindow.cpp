@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
-
 #include <gtkmm/checkmenuitem.h>
 #include <gtkmm/separatormenuitem.h>
 
+#include "desktop/MainThread.hpp"
 #include "desktop/Words.hpp"
 
 namespace zelto::desktop {
@@ -94,19 +94,55 @@ bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
     const bool isShift = (event->state & GDK_SHIFT_MASK) != 0;
     switch (event->keyval) {
         case GDK_KEY_Menu: showMenu(); return true;
-        case GDK_KEY_F10: if (isShift) { showMenu(); return true; } break;
+        case GDK_KEY_F10:
+            if (isShift) {
+                showMenu();
+                return true;
+            }
+            break;
         case GDK_KEY_Delete: seams_.host.remove(widget_.id); return true;
         case GDK_KEY_F5: seams_.host.reload(widget_.id); return true;
         case GDK_KEY_Insert: seams_.showGallery(); return true;
         case GDK_KEY_plus: stepFamily(+1); return true;
         case GDK_KEY_minus: stepFamily(-1); return true;
-        case GDK_KEY_Left: if (isControl) { step(-1, 0); return true; } break;
-        case GDK_KEY_Right: if (isControl) { step(+1, 0); return true; } break;
-        case GDK_KEY_Up: if (isControl) { step(0, -1); return true; } break;
-        case GDK_KEY_Down: if (isControl) { step(0, +1); return true; } break;
+        case GDK_KEY_Left:
+            if (isControl) {
+                step(-1, 0);
+                return true;
+            }
+            break;
+        case GDK_KEY_Right:
+            if (isControl) {
+                step(+1, 0);
+                return true;
+            }
+            break;
+        case GDK_KEY_Up:
+            if (isControl) {
+                step(0, -1);
+                return true;
+            }
+            break;
+        case GDK_KEY_Down:
+            if (isControl) {
+                step(0, +1);
+                return true;
+            }
+            break;
         default: break;
     }
     return Gtk::Window::on_key_press_event(event);
+}
+
+/// A compositor closes what was on a monitor that went away; the widget comes back on another one.
+bool WidgetWindow::on_delete_event(GdkEventAny*) {
+    postToMainThread([this, isThere = std::weak_ptr(life_)] {
+        if (isThere.expired()) return;
+        hide();
+        placeAgain();
+        show();
+    });
+    return true;
 }
 
 bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <functional>
-#include <memory>
-
 #include <gtkmm/gesturedrag.h>
 #include <gtkmm/menu.h>
 #include <gtkmm/window.h>
+#include <memory>
 
 #include "desktop/Face.hpp"
 #include "desktop/Ghost.hpp"
@@ -36,6 +35,7 @@ class WidgetWindow : public Gtk::Window {
   protected:
     bool on_key_press_event(GdkEventKey* event) override;
     bool on_button_press_event(GdkEventButton* event) override;
+    bool on_delete_event(GdkEventAny* event) override;
     bool on_visibility_notify_event(GdkEventVisibility* event) override;
     void on_size_allocate(Gtk::Allocation& allocation) override;
 
@@ -59,6 +59,7 @@ class WidgetWindow : public Gtk::Window {
     Glib::RefPtr<Gtk::GestureDrag> drag_;
     std::unique_ptr<Ghost> ghost_;
     Gtk::Menu menu_;
+    std::shared_ptr<int> life_ = std::make_shared<int>();
 };
 
 }  // namespace zelto::desktop

@@ -1,7 +1,9 @@
 #include "tests/desktop/Display.hpp"
 
 #include <cstring>
+#include <fstream>
 #include <map>
+#include <set>
 #include <stdexcept>
 
 #include <unistd.h>
@@ -157,11 +159,13 @@ class Wayland : public Display {
         tell("key " + codes.at(name));
     }
 
-  private:
-    static std::string configuration(const std::string& scale) {
-        return "output HEADLESS-1 resolution " + std::to_string(width) + "x" + std::to_string(height) +
-               " position 0 0 scale " + scale + " bg #102030 solid_color\nseat * hide_cursor 100\n" +
-               "xwayland disable\nexec echo $WAYLAND_DISPLAY\n";
+    const std::filesystem::path& folder() const { return folder_.path(); }
+    /// The sockets through which compositors in its folder take commands.
+    std::set<std::string> commandSockets() const {
+        std::set<std::string> out;
+        for (const auto& entry : std::filesystem::directory_iterator(folder()))
+            if (entry.path().filename().string().starts_with("sway-ipc")) out.insert(entry.path());
+        return out;
     }
     /// The compositor refuses to run as root.
     std::vector<std::string> withoutRoot(std::vector<std::string> command) const {
@@ -171,6 +175,14 @@ class Wayland : public Display {
         const std::string user = std::to_string(nobody);
         command.insert(command.begin(), {"setpriv", "--reuid=" + user, "--regid=" + user, "--clear-groups"});
         return command;
+    }
+
+  private:
+    static std::string configuration(const std::string& scale) {
+        return "output HEADLESS-1 resolution " + std::to_string(width) + "x" + std::to_string(height) +
+               " position 0 0 scale " + scale +
+               " bg #102030 solid_color\nseat * hide_cursor 100\ndefault_border none\n" +
+               "xwayland disable\nexec echo $WAYLAND_DISPLAY\n";
     }
     static std::string code(Button button) { return button == Button::primary ? "272" : "273"; }
 
@@ -200,10 +212,78 @@ class Wayland : public Display {
     std::FILE* input_ = nullptr;
 };
 
+/// A compositor in another's windows: each is a monitor, and closing one unplugs it.
+class NestedWayland : public Monitors {
+  public:
+    NestedWayland()
+        : compositor_(
+              around_.withoutRoot({"sway", "--config", configuration()}), variables(),
+              around_.folder() / "inner.log"),
+          name_(compositor_.line().value_or("")) {
+        if (name_.empty()) throw std::runtime_error("no inner compositor");
+    }
+
+    std::vector<std::string> environment() const override {
+        auto out = around_.environment();
+        for (std::string& variable : out)
+            if (variable.starts_with("WAYLAND_DISPLAY=")) variable = "WAYLAND_DISPLAY=" + name_;
+        return out;
+    }
+    drawing::Picture screenshot() override {
+        return pictureOfPPM(run({"/usr/bin/grim", "-t", "ppm", "-"}, "", environment()).output);
+    }
+    void move(int x, int y) override { around_.move(x, y); }
+    void press(Button button) override { around_.press(button); }
+    void release(Button button) override { around_.release(button); }
+    void key(const std::string& name) override { around_.key(name); }
+
+    void plugIn() override {
+        message(innerSocket(), {"create_output"});
+        ++plugged_;
+    }
+    void unplug() override {
+        message(outerSocket_, {"[title=\"wlroots - WL-" + std::to_string(plugged_) + "\"]", "kill"});
+    }
+    std::string second() const override { return "WL-" + std::to_string(plugged_); }
+
+  private:
+    std::string configuration() const {
+        const auto file = around_.folder() / "inner";
+        std::ofstream(file)
+            << "xwayland disable\noutput * bg #302010 solid_color\nexec echo $WAYLAND_DISPLAY\n";
+        return file;
+    }
+    std::vector<std::string> variables() const {
+        auto out = around_.environment();
+        out.insert(out.end(), {"WLR_BACKENDS=wayland", "WLR_RENDERER=pixman"});
+        return out;
+    }
+    std::string innerSocket() const {
+        auto sockets = around_.commandSockets();
+        sockets.erase(outerSocket_);
+        return *sockets.begin();
+    }
+    static void message(const std::string& socket, std::vector<std::string> words) {
+        words.insert(words.begin(), {"/usr/bin/swaymsg", "-s", socket});
+        const auto result = run(words, "", {path});
+        if (result.status != 0) throw std::runtime_error(result.output + result.errors);
+    }
+
+    Wayland around_{"1"};
+    std::string outerSocket_ = *around_.commandSockets().begin();
+    Child compositor_;
+    std::string name_;
+    int plugged_ = 1;
+};
+
 }  // namespace
 
 std::unique_ptr<Display> startX11() {
     return std::make_unique<X11>();
+}
+
+std::unique_ptr<Monitors> startMonitors() {
+    return std::make_unique<NestedWayland>();
 }
 
 std::unique_ptr<Display> startWayland(const std::string& scale) {

@@ -35,9 +35,21 @@ class Display {
     }
 };
 
+/// A display of two monitors, of which the second comes and goes.
+class Monitors : public Display {
+  public:
+    virtual void plugIn() = 0;
+    virtual void unplug() = 0;
+    /// The connector of the one that came last.
+    virtual std::string second() const = 0;
+};
+
 /// X11: a frame buffer in memory and a small window manager.
 std::unique_ptr<Display> startX11();
 /// Wayland: a compositor without a screen; `scale` is its output's.
 std::unique_ptr<Display> startWayland(const std::string& scale = "1");
+
+/// Wayland, with one monitor at first.
+std::unique_ptr<Monitors> startMonitors();
 
 }  // namespace zelto::test

@@ -139,7 +139,8 @@ layout::Placement RunningDesktop::placement(const host::PlacedWidget& widget) {
         shown->view, {.size = {size.width, size.height}, .now = Date::now()}, renderer_.measuring());
 }
 
-bool RunningDesktop::isSeen(const host::PlacedWidget& widget, double zoom, double pixelsPerUnit) {
+bool RunningDesktop::isSeen(
+    const host::PlacedWidget& widget, double zoom, double pixelsPerUnit, double tolerance, int monitorLeft) {
     if (!entry(widget)) return false;
     const auto wanted = placement(widget);
     const double scale = zoom * pixelsPerUnit;
@@ -149,7 +150,8 @@ bool RunningDesktop::isSeen(const host::PlacedWidget& widget, double zoom, doubl
         const double unit = std::round(zoom * (16 + static_cast<double>(tile) * host::tilePitch));
         return static_cast<int>(std::lround(unit * pixelsPerUnit));
     };
-    const int left = edge(widget.column), top = edge(widget.row);
+    const int left = monitorLeft + edge(widget.column), top = edge(widget.row);
+    if (left + picture.width > shot.width || top + picture.height > shot.height) return false;
     const auto isCountdown = [&](int x, int y) {
         for (const auto& item : wanted.items)
             if (const auto* countdown = std::get_if<layout::PlacedCountdown>(&item)) {
@@ -160,14 +162,22 @@ bool RunningDesktop::isSeen(const host::PlacedWidget& widget, double zoom, doubl
             }
         return false;
     };
+    double difference = 0, compared = 0;
     for (int y = 0; y < picture.height; ++y)
         for (int x = 0; x < picture.width; ++x) {
+            const std::uint32_t expected = picture.at(x, y), found = shot.at(left + x, top + y);
             // What is translucent has the background in it.
-            if (picture.at(x, y) >> 24 != 0xFF || isCountdown(x, y)) continue;
-            if (left + x >= shot.width || top + y >= shot.height) return false;
-            if (shot.at(left + x, top + y) != picture.at(x, y)) return false;
+            if (expected >> 24 != 0xFF || isCountdown(x, y)) continue;
+            if (tolerance == 0 && expected != found) return false;
+            for (const int shift : {0, 8, 16}) {
+                const auto channel = [shift](std::uint32_t pixel) {
+                    return static_cast<int>(pixel >> shift & 0xFF);
+                };
+                difference += std::abs(channel(expected) - channel(found));
+                ++compared;
+            }
         }
-    return true;
+    return difference <= tolerance * compared;
 }
 
 bool RunningDesktop::allSeen() {

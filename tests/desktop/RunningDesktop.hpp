@@ -43,7 +43,10 @@ class RunningDesktop {
     std::optional<ArchivedEntry> entry(const host::PlacedWidget& widget) const;
     layout::Placement placement(const host::PlacedWidget& widget);
     /// Whether the display shows just that, but for the seconds of a countdown.
-    bool isSeen(const host::PlacedWidget& widget, double zoom = 1, double pixelsPerUnit = 1);
+    /// `left` is where its monitor begins; up to `tolerance` of 255 each channel may be off on the average.
+    bool isSeen(
+        const host::PlacedWidget& widget, double zoom = 1, double pixelsPerUnit = 1, double tolerance = 0,
+        int left = 0);
     /// Every one of them.
     bool allSeen();
     /// Of a point of a widget, on the display.
