@@ -58,7 +58,8 @@ void change(Config& config, const std::string& text) {
     const std::string name = text.substr(0, equals);
     std::string names;
     for (const Schema::Field& field : schemaOf<Config>().fields) {
-        names += (names.empty() ? "" : ", ") + std::string(field.name);
+        names += names.empty() ? "" : ", ";
+        names += field.name;
         if (field.name != name) continue;
         if (equals == text.size())
             throw Failure(name + ": a value is missing (write " + name + "=…)", badValue);

@@ -32,7 +32,7 @@ std::string nameOf(GdkMonitor* monitor) {
     gchar* connector = gdk_screen_get_monitor_plug_name(gdk_display_get_default_screen(display), index);
     G_GNUC_END_IGNORE_DEPRECATIONS
     const char* model = gdk_monitor_get_model(monitor);
-    const std::string name = connector ? connector : model ? model : "";
+    std::string name = connector ? connector : model ? model : "";
     g_free(connector);
     return name;
 }
@@ -53,6 +53,10 @@ std::int64_t tilesIn(int length, double zoom) {
 Surroundings::Surroundings(std::optional<double> zoom)
     : placing_(placingOf(gdk_display_get_default())),
       zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {}
+
+bool Surroundings::isTranslucent() const {
+    return gdk_screen_is_composited(gdk_screen_get_default());
+}
 
 std::optional<Desk> Surroundings::desk(const std::optional<std::string>& name) const {
     GdkDisplay* display = gdk_display_get_default();
@@ -105,9 +109,10 @@ void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool ta
     window.set_decorated(false);
     window.set_resizable(false);
     window.set_app_paintable(true);
-    const auto screen = window.get_screen();
-    if (const auto visual = screen->get_rgba_visual())
-        gtk_widget_set_visual(GTK_WIDGET(window.gobj()), visual->gobj());
+    // Where nothing composes windows, such a visual would only hide from them that others cover them.
+    if (isTranslucent())
+        if (const auto visual = window.get_screen()->get_rgba_visual())
+            gtk_widget_set_visual(GTK_WIDGET(window.gobj()), visual->gobj());
     if (placing_ == Placing::layerShell) {
         gtk_layer_init_for_window(window.gobj());
         gtk_layer_set_namespace(window.gobj(), name.c_str());

@@ -27,6 +27,8 @@ class Surroundings {
 
     Placing placing() const { return placing_; }
     double zoom() const { return zoom_; }
+    /// Whether windows can be seen through.
+    bool isTranslucent() const;
 
     /// The monitor of that name; the primary or first one when there is none. Null without monitors.
     std::optional<Desk> desk(const std::optional<std::string>& name) const;

@@ -157,7 +157,7 @@ void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
 
 /// Where nothing can be translucent, the corners are cut out of the window.
 void WidgetWindow::shapeCorners() {
-    if (seams_.surroundings.placing() != Placing::hints || get_screen()->is_composited()) return;
+    if (seams_.surroundings.isTranslucent()) return;
     const int width = get_allocated_width(), height = get_allocated_height();
     const auto mask = Cairo::ImageSurface::create(Cairo::FORMAT_A1, width, height);
     const auto context = Cairo::Context::create(mask);

@@ -10,6 +10,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,7 +21,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// How long a process that was asked to end, by closing its input, may take.
+/// How long a process that was asked to end, by closing its input, or that closed its output, may take.
 constexpr std::chrono::milliseconds patience{2000};
 
 struct Pipe {
@@ -110,11 +111,15 @@ ExtensionProcess::~ExtensionProcess() {
 
 std::string ExtensionProcess::farewell() {
     input_.reset();
+    // A process that ends closes its output a little before it is gone.
+    const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
+    pollfd gone{process.get(), POLLIN, 0};
     int status = 0;
-    if (waitpid(pid_, &status, WNOHANG) == 0) {
+    if (poll(&gone, 1, static_cast<int>(patience.count())) == 0) {
         end();
         return "the widget extension closed its output" + lastWords();
     }
+    waitpid(pid_, &status, 0);
     pid_ = -1;
     return describe(status) + lastWords();
 }

@@ -78,18 +78,16 @@ void ExtensionWorker::work(std::deque<Work> all) {
     }
 }
 
-void ExtensionWorker::died(std::string how) {
-    process_.reset();
-    {
-        const std::lock_guard lock(mutex_);
-        if (isEnding_) return;
-    }
+void ExtensionWorker::died(const std::string& how) {
     backoff_.failed();
     startableAt_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                       std::chrono::duration<double>(backoff_.pause()));
     std::ostringstream line;
     line << how << "; to be started again after " << backoff_.pause() << " s";
-    seams_.log(line.str());
+    // What is told may be the process's own.
+    process_.reset();
+    const std::lock_guard lock(mutex_);
+    if (!isEnding_) seams_.log(line.str());
 }
 
 /// Waits until the process may be started again; false when the end has come.

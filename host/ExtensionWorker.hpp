@@ -58,7 +58,7 @@ class ExtensionWorker {
     std::deque<Work> nextWork(std::optional<Clock::time_point> until);
     void work(std::deque<Work> all);
     std::vector<Outcome> exchange(std::vector<Request> requests);
-    void died(std::string how);
+    void died(const std::string& how);
     bool pauses();
 
     const ExtensionOptions options_;

@@ -267,11 +267,12 @@ void WidgetHost::preview(
     wanted.kind = kind;
     wanted.family = family;
     wanted.preview = true;
-    seams_.ask({std::move(wanted)}, [this, kind, completion](std::vector<Outcome> outcomes) {
-        Outcome& outcome = outcomes.front();
-        if (!outcome.reply) seams_.log(kind + ": " + outcome.error);
-        completion(outcome.reply ? std::move(outcome.reply->entry) : std::nullopt);
-    });
+    seams_.ask(
+        {std::move(wanted)}, [this, kind, completion = std::move(completion)](std::vector<Outcome> outcomes) {
+            Outcome& outcome = outcomes.front();
+            if (!outcome.reply) seams_.log(kind + ": " + outcome.error);
+            completion(outcome.reply ? std::move(outcome.reply->entry) : std::nullopt);
+        });
 }
 
 }  // namespace zelto::host

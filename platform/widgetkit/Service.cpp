@@ -86,8 +86,11 @@ Reply Service::reply(const Request& request) const {
     return out;
 }
 
-bool Service::serve(int input, int output) const {
-    return serveLines(input, output, longestLine, [this](std::string_view line) { return answer(line); });
+bool Service::serve(int input, int output, std::mutex& turn) const {
+    return serveLines(input, output, longestLine, [&](std::string_view line) {
+        const std::lock_guard computes(turn);
+        return answer(line);
+    });
 }
 
 }  // namespace zelto

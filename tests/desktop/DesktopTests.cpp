@@ -4,6 +4,7 @@
 #include <set>
 
 #include <gtest/gtest.h>
+#include <poll.h>
 
 #include "platform/foundation/Files.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
@@ -211,6 +212,47 @@ TEST_P(DesktopOn, TheGalleryAddsWidgets) {
         return desktop.widgets().size() > 1;
     })) << desktop.log();
     EXPECT_NE(desktop.widgets()[1].kind, "");
+}
+
+TEST_P(DesktopOn, ACountdownRunsInItsOwnRectangle) {
+    startWith({widget("ZeltoAwake", WidgetFamily::systemSmall, 0, 0)});
+    const auto placement = desktop.placement(only());
+    const auto countdown = std::ranges::find_if(placement.items, [](const auto& item) {
+        return std::holds_alternative<layout::PlacedCountdown>(item);
+    });
+    ASSERT_NE(countdown, placement.items.end());
+    const auto first = display().screenshot();
+    for (int i = 0; i < 2; ++i) {
+        const auto before = display().screenshot();
+        ASSERT_TRUE(eventually([&] { return display().screenshot() != before; }));
+        // All but the seconds is as it was.
+        EXPECT_TRUE(desktop.isSeen(only()));
+    }
+    EXPECT_NE(display().screenshot(), first);
+}
+
+TEST(Countdown, StopsWhenNobodySeesIt) {
+    const auto display = startX11();
+    RunningDesktop desktop(*display);
+    display->move(Display::width - 2, Display::height - 2);
+    // Where the gallery comes to cover it.
+    desktop.place({widget("ZeltoAwake", WidgetFamily::systemSmall, 2, 1)});
+    desktop.start();
+    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    const auto switches = [&] {
+        const std::string status =
+            readFile("/proc/" + std::to_string(desktop.process().pid()) + "/status").value();
+        return std::stol(status.substr(status.find("\nvoluntary_ctxt_switches:") + 25));
+    };
+    // A period that is long enough to tell a clock that ticks from one that does not.
+    const auto inThreeSeconds = [&] {
+        const long before = switches();
+        poll(nullptr, 0, 3000);
+        return switches() - before;
+    };
+    EXPECT_GE(inThreeSeconds(), 2);
+    ASSERT_EQ(desktop.zelto({"desktop", "--gallery"}).status, 0);
+    EXPECT_TRUE(eventually([&] { return inThreeSeconds() == 0; }));
 }
 
 }  // namespace

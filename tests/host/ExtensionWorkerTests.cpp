@@ -140,7 +140,7 @@ TEST_F(Worker, AHangIsEndedByTheDeadline) {
 
 TEST_F(Worker, AnOutputThatIsClosedIsAnEnd) {
     standIn("exec cat > /dev/null");
-    EXPECT_EQ(errorOf(), "the widget extension closed its output");
+    EXPECT_EQ(errorOf(), "the widget extension ended by itself (status 0)");
 }
 
 TEST_F(Worker, NonsenseEndsTheProcess) {

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/DesktopInterface.hpp"
 #include "host/WidgetHost.hpp"
 #include "platform/ui/Building.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -298,6 +299,75 @@ TEST_F(Hosted, PreviewsAreTheGallerys) {
     });
     fail("it died");
     EXPECT_EQ(shown, "nothing");
+}
+
+struct OnTheBus : Hosted {
+    int galleries = 0, ends = 0;
+
+    /// The results of a call with commas, or why there are none.
+    std::string call(const std::string& method, const xpc::Values& arguments = {}) {
+        const auto outcome = perform(
+            {.host = *host,
+             .columns = [] { return 4; },
+             .showGallery = [this] { ++galleries; },
+             .quit = [this] { ++ends; }},
+            method,
+            arguments);
+        if (const auto* error = std::get_if<xpc::Error>(&outcome)) {
+            EXPECT_EQ(error->kind, xpc::ErrorKind::badPayload);
+            return error->text;
+        }
+        std::string out;
+        for (const auto& value : std::get<xpc::Values>(outcome)) out += (out.empty() ? "" : ",") + value;
+        return out;
+    }
+};
+
+TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
+    start();
+    EXPECT_EQ(call("list"), "[]");
+    const std::string id = call("add", {"Battery", "systemSmall"});
+    EXPECT_EQ(
+        call("list"),
+        R"([{"id":")" + id + R"(","kind":"Battery","family":"systemSmall","column":0,"row":0}])");
+    EXPECT_EQ(call("move", {id, "", "3", "2"}), "");
+    EXPECT_EQ(call("resize", {id, "systemMedium"}), "");
+    EXPECT_EQ(call("move", {id, "DP-1", "0", "1"}), "");
+    EXPECT_EQ(
+        call("list"),
+        R"([{"id":")" + id +
+            R"(","kind":"Battery","family":"systemMedium","monitor":"DP-1","column":0,"row":1}])");
+    asked.clear();
+    EXPECT_EQ(call("reload", {"Battery"}), "");
+    EXPECT_EQ(call("reload", {""}), "");
+    EXPECT_EQ(call("remove", {id}), "");
+    EXPECT_EQ(call("list"), "[]");
+    EXPECT_EQ(call("gallery"), "");
+    EXPECT_EQ(call("quit"), "");
+    EXPECT_EQ(galleries, 1);
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_F(OnTheBus, WhatMakesNoSenseIsAnsweredWithWhy) {
+    start();
+    EXPECT_EQ(call("add", {"Battery", "small"}), "'small' is not systemSmall, systemMedium or systemLarge");
+    EXPECT_EQ(call("add", {"Nothing", "systemSmall"}), "no widget 'Nothing'");
+    EXPECT_EQ(call("resize", {"x", "systemSmall"}), "no placed widget 'x'");
+    EXPECT_EQ(call("move", {"x", "", "0", "0"}), "no placed widget 'x'");
+    EXPECT_EQ(call("remove", {"x"}), "no placed widget 'x'");
+    EXPECT_EQ(call("reload", {"Nothing"}), "no widget 'Nothing'");
+}
+
+TEST(Wishes, AreAKindAndAFamily) {
+    const auto parse = [](const std::string& text) {
+        const auto wish = parseWish(text);
+        return wish ? wish->first + " " + wish->second : "nothing";
+    };
+    EXPECT_EQ(parse("ZeltoBattery:small"), "ZeltoBattery systemSmall");
+    EXPECT_EQ(parse("ZeltoBattery:systemLarge"), "ZeltoBattery systemLarge");
+    EXPECT_EQ(parse("a:b:medium"), "a:b systemMedium");
+    for (const char* bad : {"", ":", ":small", "ZeltoBattery", "ZeltoBattery:", "ZeltoBattery:huge"})
+        EXPECT_EQ(parse(bad), "nothing") << bad;
 }
 
 }  // namespace

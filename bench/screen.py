@@ -1,0 +1,130 @@
+"""An X server in memory with the real widgets on it, for what measures or pictures them."""
+
+import json
+import mmap
+import os
+import pathlib
+import signal
+import struct
+import subprocess
+import sys
+import time
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+BIN = ROOT / "build/release/bin"
+
+# The widgets in families of all sizes; column and row.
+PLACES = [
+    ("ZeltoWidget", "Medium", 0, 0), ("ZeltoBattery", "Small", 2, 0), ("ZeltoSystem", "Medium", 3, 0),
+    ("ZeltoStorage", "Small", 5, 0), ("ZeltoFans", "Small", 6, 0), ("ZeltoCalendar", "Large", 0, 1),
+    ("ZeltoWorldClock", "Medium", 2, 1), ("ZeltoClipboard", "Large", 4, 1), ("ZeltoAwake", "Medium", 2, 2),
+    ("ZeltoEqualizer", "Small", 6, 1), ("ZeltoCare", "Medium", 0, 3)]
+
+# In the extension's place: runs it and notes what it took when it ends.
+KEEPER = """#!/usr/bin/env python3
+import os, sys
+pid = os.posix_spawn({program!r}, [{program!r}] + sys.argv[1:], os.environ)
+_, _, usage = os.wait4(pid, 0)
+with open({notes!r}, "a") as notes:
+    notes.write(f"{{usage.ru_nvcsw}} {{usage.ru_utime + usage.ru_stime}}\\n")
+"""
+
+
+class Screen:
+    """An X server with a window manager."""
+
+    def __init__(self, folder):
+        self.folder = folder
+        folder.mkdir()
+        self.server = subprocess.Popen(
+            ["Xvfb", "-displayfd", "1", "-screen", "0", "1400x900x24", "-fbdir", folder, "-nolisten", "tcp",
+             "-noreset"], stdout=subprocess.PIPE, stderr=None)
+        self.environment = dict(os.environ, DISPLAY=":" + self.server.stdout.readline().decode().strip())
+        for name in ("WAYLAND_DISPLAY", "XAUTHORITY"):
+            self.environment.pop(name, None)
+        self.manager = subprocess.Popen(
+            ["openbox", "--sm-disable", "--startup", "echo ready"], env=self.environment, stdout=subprocess.PIPE,
+            stderr=None)
+        while self.manager.stdout.readline() != b"ready\n":
+            pass
+
+    def rows(self, x, y, width, height):
+        """An area's pixels, red, green, blue, each row with the byte before it that picture files want."""
+        pixel = self.pixels()
+        return [b"\0" + b"".join(pixel(column, row)[::-1] for column in range(x, x + width))
+                for row in range(y, y + height)]
+
+    def pixels(self):
+        """A function that tells the pixel at a point, always the current one."""
+        file = open(self.folder / "Xvfb_screen0", "rb")
+        memory = mmap.mmap(file.fileno(), 0, access=mmap.ACCESS_READ)
+        header = struct.unpack(">25I", memory[:100])
+        begin, line = header[0] + header[19] * 12, header[12]
+        return lambda x, y: memory[begin + y * line + x * 4:begin + y * line + x * 4 + 3]
+
+    def end(self):
+        self.manager.kill()
+        self.server.kill()
+
+
+class Widgets:
+    """The host on a screen, with a home, a bus and a configuration of its own."""
+
+    def __init__(self, folder, screen, countdown=False):
+        self.folder, self.screen = folder, screen
+        folder.mkdir()
+        snapshot = json.loads(subprocess.check_output([BIN / "zelto", "snapshot", "sample"]))
+        if not countdown:
+            snapshot["awakeActive"] = False
+            snapshot.pop("awakeEnd", None)
+        home = folder / "Library/Application Support/Zelto"
+        home.mkdir(parents=True)
+        (home / "widget.json").write_text(json.dumps(snapshot))
+        (folder / "config/zelto").mkdir(parents=True)
+        (folder / "config/zelto/desktop.json").write_text(json.dumps({"widgets": [
+            {"id": kind, "kind": kind, "family": "system" + family, "column": column, "row": row}
+            for kind, family, column, row in PLACES]}))
+        self.notes = folder / "notes"
+        keeper = folder / "keeper"
+        keeper.write_text(KEEPER.format(program=str(BIN / "zelto-widgets"), notes=str(self.notes)))
+        keeper.chmod(0o755)
+        self.bus = subprocess.Popen(
+            ["dbus-daemon", "--session", "--nofork", "--print-address=1", f"--address=unix:path={folder}/bus"],
+            stdout=subprocess.PIPE, stderr=None)
+        address = self.bus.stdout.readline().decode().strip()
+        self.environment = dict(
+            screen.environment, XDG_CONFIG_HOME=str(folder / "config"), XDG_CACHE_HOME=str(folder / "cache"),
+            DBUS_SESSION_BUS_ADDRESS=address, NO_AT_BRIDGE="1", GDK_BACKEND="x11")
+
+    def start(self, extension=None, arguments=()):
+        self.began = time.monotonic()
+        self.host = subprocess.Popen(
+            [BIN / "zelto-desktop", "--home", self.folder, "--extension", extension or self.folder / "keeper",
+             *arguments],
+            env=self.environment, stderr=None)
+
+    def await_pixels(self, shown=True):
+        """Seconds from the start until a point of each widget is, or is no longer, another colour than the background."""
+        pixel = self.screen.pixels()
+        points = [(16 + 180 * column + 20, 16 + 180 * row + 20) for _, _, column, row in PLACES]
+        patience = time.monotonic() + 30
+        while not all((pixel(x, y) != b"\0\0\0") == shown for x, y in points):
+            if time.monotonic() > patience:
+                sys.exit("the widgets do not show" if shown else "the widgets do not go away")
+        return time.monotonic() - self.began
+
+    def stop(self):
+        self.host.send_signal(signal.SIGTERM)
+        self.host.wait()
+        self.await_pixels(shown=False)
+
+    def extension(self):
+        """The process of the extension that runs now, if one does."""
+        for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
+            try:
+                words = path.read_bytes().split(b"\0")
+            except OSError:
+                continue
+            if words[0] == str(BIN / "zelto-widgets").encode() and str(self.folder).encode() in words:
+                return int(path.parent.name)
+        return None
