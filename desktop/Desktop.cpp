@@ -1,6 +1,7 @@
 #include "desktop/Desktop.hpp"
 
 #include "desktop/Words.hpp"
+#include "host/Arrangement.hpp"
 
 namespace zelto::desktop {
 
@@ -56,37 +57,48 @@ host::HostSeams Desktop::seams() {
 }
 
 void Desktop::watchMonitors() {
-    const auto placeAll = [](gpointer self) {
-        for (auto& [id, window] : static_cast<Desktop*>(self)->windows_) window->placeAgain();
-    };
+    const auto arrangeAll = [](gpointer self) { static_cast<Desktop*>(self)->arrange(); };
     GdkDisplay* display = gdk_display_get_default();
     GdkScreen* screen = gdk_screen_get_default();
-    g_signal_connect_swapped(display, "monitor-added", G_CALLBACK(+placeAll), this);
-    g_signal_connect_swapped(display, "monitor-removed", G_CALLBACK(+placeAll), this);
-    g_signal_connect_swapped(screen, "monitors-changed", G_CALLBACK(+placeAll), this);
-    g_signal_connect_swapped(screen, "size-changed", G_CALLBACK(+placeAll), this);
+    g_signal_connect_swapped(display, "monitor-added", G_CALLBACK(+arrangeAll), this);
+    g_signal_connect_swapped(display, "monitor-removed", G_CALLBACK(+arrangeAll), this);
+    g_signal_connect_swapped(screen, "monitors-changed", G_CALLBACK(+arrangeAll), this);
+    g_signal_connect_swapped(screen, "size-changed", G_CALLBACK(+arrangeAll), this);
 }
 
 std::int64_t Desktop::columns() const {
-    const auto desk = surroundings_.desk(std::nullopt);
-    return desk ? surroundings_.columns(*desk) : 1;
+    const auto desks = surroundings_.desks();
+    return desks.empty() ? 1 : surroundings_.columns(desks.front());
+}
+
+void Desktop::arrange() {
+    const auto desks = surroundings_.desks();
+    std::vector<host::DeskTiles> tiles;
+    for (const Desk& desk : desks)
+        tiles.push_back({desk.name, surroundings_.columns(desk), surroundings_.rows(desk)});
+    const auto standings = host::arrange(host_->widgets(), tiles);
+    for (const host::PlacedWidget& widget : host_->widgets()) {
+        const auto window = windows_.find(widget.id);
+        const auto standing = standings.find(widget.id);
+        if (window != windows_.end() && standing != standings.end())
+            window->second->stand(widget, desks[standing->second.desk], standing->second.cell);
+    }
 }
 
 void Desktop::placed(const host::PlacedWidget& widget) {
-    auto& window = windows_[widget.id];
-    if (window) {
-        window->place(widget);
-        return;
+    if (auto& window = windows_[widget.id]; !window) {
+        const auto open = [this, id = widget.id](const std::string& url) { openLink(id, url); };
+        window = std::make_unique<WidgetWindow>(
+            WidgetWindow::Seams{
+                .host = *host_,
+                .surroundings = surroundings_,
+                .face = {.renderer = renderer_, .now = &Date::now, .open = open},
+                .showGallery = [this] { showGallery(); },
+                .arrange = [this] { arrange(); }},
+            widget);
+        if (const auto* description = host_->describe(widget.kind)) window->describe(*description);
     }
-    const auto open = [this, id = widget.id](const std::string& url) { openLink(id, url); };
-    window = std::make_unique<WidgetWindow>(
-        WidgetWindow::Seams{
-            .host = *host_,
-            .surroundings = surroundings_,
-            .face = {.renderer = renderer_, .now = &Date::now, .open = open},
-            .showGallery = [this] { showGallery(); }},
-        widget);
-    if (const auto* description = host_->describe(widget.kind)) window->describe(*description);
+    arrange();
 }
 
 void Desktop::removed(const std::string& id) {

@@ -48,6 +48,8 @@ class Desktop : public host::HostObserver {
 
     host::HostSeams seams();
     void watchMonitors();
+    /// Has every widget stand where there is a place for it.
+    void arrange();
     void openLink(const std::string& id, const std::string& url);
     void add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell);
 

@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "desktop/MainThread.hpp"
+#include "desktop/PaintPicture.hpp"
 #include "platform/layout/Layout.hpp"
 #include "platform/layout/Reading.hpp"
 #include "platform/layout/TimerText.hpp"
@@ -211,17 +212,10 @@ void Face::setSeen(bool isSeen) {
 bool Face::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
     if (entry_ && picture_.width > 0) {
         if (drawnScale_ != scale()) drawAll();
-        auto* pixels = reinterpret_cast<unsigned char*>(picture_.pixels.data());
-        const auto surface = Cairo::ImageSurface::create(
-            pixels, Cairo::FORMAT_ARGB32, picture_.width, picture_.height, picture_.width * 4);
-        cairo_surface_set_device_scale(surface->cobj(), get_scale_factor(), get_scale_factor());
         context->set_operator(Cairo::OPERATOR_SOURCE);
-        context->set_source(surface, 0, 0);
-        context->paint();
-        // The surface borrows the pixels for now only.
-        context->set_source_rgba(0, 0, 0, 0);
+        const double units = get_scale_factor();
+        paintPicture(context, picture_, picture_.width / units, picture_.height / units);
         context->set_operator(Cairo::OPERATOR_OVER);
-        if (onDrawn) onDrawn();
     } else {
         roundedRectangle(
             context, size_.width * zoom_, size_.height * zoom_, drawing::containerCornerRadius * zoom_);

@@ -51,8 +51,6 @@ class Face : public Gtk::Fixed {
     void setSeen(bool isSeen);
     /// What is drawn, for the ghost of a drag.
     const drawing::Picture& picture() const { return picture_; }
-    /// Calls back after the first pixels of an entry are on the window.
-    std::function<void()> onDrawn;
 
   protected:
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;

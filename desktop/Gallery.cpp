@@ -3,6 +3,7 @@
 #include <cmath>
 #include <gtkmm/cssprovider.h>
 
+#include "desktop/PaintPicture.hpp"
 #include "desktop/Words.hpp"
 #include "platform/layout/Layout.hpp"
 
@@ -83,19 +84,7 @@ class Gallery::Look : public Gtk::Button {
     }
 
     bool drawn(const Cairo::RefPtr<Cairo::Context>& context) {
-        if (picture_.width == 0) return true;
-        const auto surface = Cairo::ImageSurface::create(
-            reinterpret_cast<unsigned char*>(picture_.pixels.data()),
-            Cairo::FORMAT_ARGB32,
-            picture_.width,
-            picture_.height,
-            picture_.width * 4);
-        context->scale(
-            static_cast<double>(canvas_.get_allocated_width()) / picture_.width,
-            static_cast<double>(canvas_.get_allocated_height()) / picture_.height);
-        context->set_source(surface, 0, 0);
-        context->paint();
-        context->set_source_rgba(0, 0, 0, 0);
+        paintPicture(context, picture_, canvas_.get_allocated_width(), canvas_.get_allocated_height());
         return true;
     }
 
@@ -105,12 +94,13 @@ class Gallery::Look : public Gtk::Button {
         int x = 0, y = 0;
         GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
         gdk_device_get_position(pointer, nullptr, &x, &y);
-        const auto desk = seams_.surroundings.desk(std::nullopt);
-        if (!desk) return std::nullopt;
+        const auto desks = seams_.surroundings.desks();
+        if (desks.empty()) return std::nullopt;
+        const Desk& desk = desks.front();
         const WidgetSize size = sizeOf(family_);
         const double zoom = seams_.surroundings.zoom();
-        const layout::Point corner{x - desk->x - size.width * zoom / 2, y - desk->y - size.height * zoom / 2};
-        return std::pair(*desk, seams_.surroundings.cellAt(*desk, corner, family_));
+        const layout::Point corner{x - desk.x - size.width * zoom / 2, y - desk.y - size.height * zoom / 2};
+        return std::pair(desk, seams_.surroundings.cellAt(desk, corner, family_));
     }
 
     void dragged(double dx, double dy) {

@@ -2,12 +2,13 @@
 
 #include <cmath>
 
+#include "desktop/PaintPicture.hpp"
+
 namespace zelto::desktop {
 
 Ghost::Ghost(const Surroundings& surroundings, WidgetFamily family, const drawing::Picture& picture)
     : Gtk::Window(surroundings.placing() == Placing::hints ? Gtk::WINDOW_POPUP : Gtk::WINDOW_TOPLEVEL),
       surroundings_(surroundings),
-      family_(family),
       picture_(picture) {
     surroundings.prepare(*this, "zelto-ghost", false);
     const WidgetSize size = sizeOf(family);
@@ -19,7 +20,7 @@ Ghost::Ghost(const Surroundings& surroundings, WidgetFamily family, const drawin
 }
 
 void Ghost::place(const Desk& desk, host::Cell cell) {
-    surroundings_.place(*this, desk, surroundings_.position(desk, cell, family_));
+    surroundings_.place(*this, desk, surroundings_.position(cell));
     show();
 }
 
@@ -27,20 +28,8 @@ bool Ghost::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
     context->set_operator(Cairo::OPERATOR_SOURCE);
     context->set_source_rgba(0, 0, 0, 0);
     context->paint();
-    if (picture_.width == 0) return true;
-    const auto surface = Cairo::ImageSurface::create(
-        reinterpret_cast<unsigned char*>(picture_.pixels.data()),
-        Cairo::FORMAT_ARGB32,
-        picture_.width,
-        picture_.height,
-        picture_.width * 4);
     context->set_operator(Cairo::OPERATOR_OVER);
-    context->scale(
-        static_cast<double>(get_allocated_width()) / picture_.width,
-        static_cast<double>(get_allocated_height()) / picture_.height);
-    context->set_source(surface, 0, 0);
-    context->paint_with_alpha(0.55);
-    context->set_source_rgba(0, 0, 0, 0);
+    paintPicture(context, picture_, get_allocated_width(), get_allocated_height(), 0.55);
     return true;
 }
 

@@ -19,7 +19,6 @@ class Ghost : public Gtk::Window {
 
   private:
     const Surroundings& surroundings_;
-    WidgetFamily family_;
     drawing::Picture picture_;
 };
 

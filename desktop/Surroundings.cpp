@@ -58,17 +58,15 @@ bool Surroundings::isTranslucent() const {
     return gdk_screen_is_composited(gdk_screen_get_default());
 }
 
-std::optional<Desk> Surroundings::desk(const std::optional<std::string>& name) const {
+std::vector<Desk> Surroundings::desks() const {
     GdkDisplay* display = gdk_display_get_default();
-    const int count = gdk_display_get_n_monitors(display);
-    for (int i = 0; name && i < count; ++i) {
-        Desk each = deskOf(gdk_display_get_monitor(display, i));
-        if (each.name == *name) return each;
+    GdkMonitor* primary = gdk_display_get_primary_monitor(display);
+    std::vector<Desk> out;
+    for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
+        GdkMonitor* monitor = gdk_display_get_monitor(display, i);
+        out.insert(monitor == primary ? out.begin() : out.end(), deskOf(monitor));
     }
-    GdkMonitor* first = gdk_display_get_primary_monitor(display);
-    if (!first && count > 0) first = gdk_display_get_monitor(display, 0);
-    if (!first) return std::nullopt;
-    return deskOf(first);
+    return out;
 }
 
 std::optional<Desk> Surroundings::deskAt(int x, int y) const {
@@ -85,14 +83,10 @@ std::int64_t Surroundings::rows(const Desk& desk) const {
     return tilesIn(desk.height, zoom_);
 }
 
-layout::Point Surroundings::position(const Desk& desk, host::Cell cell, WidgetFamily family) const {
-    const host::Span span = host::spanOf(family);
-    const auto within = [](std::int64_t tile, std::int64_t tiles, std::int64_t covered) {
-        return static_cast<double>(std::min(tile, std::max<std::int64_t>(tiles - covered, 0)));
-    };
+layout::Point Surroundings::position(host::Cell cell) const {
     return {
-        zoom_ * (border + within(cell.column, columns(desk), span.columns) * host::tilePitch),
-        zoom_ * (border + within(cell.row, rows(desk), span.rows) * host::tilePitch)};
+        zoom_ * (border + static_cast<double>(cell.column) * host::tilePitch),
+        zoom_ * (border + static_cast<double>(cell.row) * host::tilePitch)};
 }
 
 host::Cell Surroundings::cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const {

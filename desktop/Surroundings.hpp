@@ -4,6 +4,7 @@
 #include <gtkmm/window.h>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "host/PlacedWidget.hpp"
 
@@ -18,6 +19,7 @@ struct Desk {
     GdkMonitor* monitor;
     std::string name;
     int x, y, width, height;
+    bool operator==(const Desk&) const = default;
 };
 
 /// The display that the widgets are on. One point of a widget is `zoom` of the display's units.
@@ -30,17 +32,17 @@ class Surroundings {
     /// Whether windows can be seen through.
     bool isTranslucent() const;
 
-    /// The monitor of that name; the primary or first one when there is none. Null without monitors.
-    std::optional<Desk> desk(const std::optional<std::string>& name) const;
+    /// The monitors, the primary one first.
+    std::vector<Desk> desks() const;
     /// The monitor that a point lies on.
     std::optional<Desk> deskAt(int x, int y) const;
     /// How many tiles fit beside, and below, each other; at least one.
     std::int64_t columns(const Desk& desk) const;
     std::int64_t rows(const Desk& desk) const;
 
-    /// Where a tile begins on its monitor, in the display's units, drawn in so far that the widget is seen.
-    layout::Point position(const Desk& desk, host::Cell cell, WidgetFamily family) const;
-    /// The tile whose beginning is nearest to a point on the monitor.
+    /// Where a tile begins on its monitor, in the display's units.
+    layout::Point position(host::Cell cell) const;
+    /// The tile whose beginning is nearest to a point on the monitor, and on which the widget fits.
     host::Cell cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const;
 
     /// Makes a window that is not shown yet lie below all others; `name` is for compositors.

@@ -31,22 +31,18 @@ WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
     drag_->signal_drag_end().connect([this](double dx, double dy) { end(dx, dy); });
 
     menu_.attach_to_widget(*this);
-    place(widget);
+    face_.resize(widget.family);
 }
 
-void WidgetWindow::place(const host::PlacedWidget& widget) {
-    const bool isResized = widget.family != widget_.family || !get_visible();
+void WidgetWindow::stand(const host::PlacedWidget& widget, const Desk& desk, host::Cell cell) {
+    if (widget.family != widget_.family) face_.resize(widget.family);
+    const bool isThere = get_visible() && desk == desk_ && cell == cell_;
     widget_ = widget;
-    if (isResized) face_.resize(widget.family);
-    placeAgain();
+    desk_ = desk;
+    cell_ = cell;
+    if (isThere) return;
+    seams_.surroundings.place(*this, desk, seams_.surroundings.position(cell));
     show();
-}
-
-void WidgetWindow::placeAgain() {
-    const auto desk = seams_.surroundings.desk(widget_.monitor);
-    if (!desk) return;
-    seams_.surroundings.place(
-        *this, *desk, seams_.surroundings.position(*desk, widget_.cell(), widget_.family));
 }
 
 void WidgetWindow::describe(const WidgetDescription& description) {
@@ -139,8 +135,7 @@ bool WidgetWindow::on_delete_event(GdkEventAny*) {
     postToMainThread([this, isThere = std::weak_ptr(life_)] {
         if (isThere.expired()) return;
         hide();
-        placeAgain();
-        show();
+        seams_.arrange();
     });
     return true;
 }
@@ -177,8 +172,8 @@ void WidgetWindow::shapeCorners() {
 
 std::pair<Desk, host::Cell> WidgetWindow::target(double dx, double dy) const {
     const auto& surroundings = seams_.surroundings;
-    Desk desk = *surroundings.desk(widget_.monitor);
-    layout::Point point = surroundings.position(desk, widget_.cell(), widget_.family);
+    Desk desk = desk_;
+    layout::Point point = surroundings.position(cell_);
     point.x += dx;
     point.y += dy;
     if (surroundings.placing() == Placing::hints) {
@@ -198,7 +193,7 @@ std::pair<Desk, host::Cell> WidgetWindow::target(double dx, double dy) const {
 
 void WidgetWindow::update(double dx, double dy) {
     if (!ghost_) {
-        if (std::hypot(dx, dy) < dragThreshold || !seams_.surroundings.desk(widget_.monitor)) return;
+        if (std::hypot(dx, dy) < dragThreshold) return;
         // From here on it is no tap.
         drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
         ghost_ = std::make_unique<Ghost>(seams_.surroundings, widget_.family, face_.picture());
@@ -211,22 +206,23 @@ void WidgetWindow::end(double dx, double dy) {
     if (!ghost_) return;
     ghost_.reset();
     const auto [desk, cell] = target(dx, dy);
-    const auto here = seams_.surroundings.desk(widget_.monitor);
-    auto monitor = widget_.monitor;
-    if (!here || here->monitor != desk.monitor) monitor = desk.name;
-    if (monitor == widget_.monitor && cell == widget_.cell()) return;
-    refuse(seams_.host.move(widget_.id, monitor, cell));
+    moveTo(desk, cell);
 }
 
 void WidgetWindow::step(std::int64_t columns, std::int64_t rows) {
-    const auto desk = seams_.surroundings.desk(widget_.monitor);
-    if (!desk) return;
-    const host::Cell wanted{widget_.column + columns, widget_.row + rows};
+    const host::Cell wanted{cell_.column + columns, cell_.row + rows};
     // As far as the monitor goes.
-    const host::Cell cell = seams_.surroundings.cellAt(
-        *desk, seams_.surroundings.position(*desk, wanted, widget_.family), widget_.family);
-    if (wanted.column >= 0 && wanted.row >= 0 && cell != widget_.cell())
-        refuse(seams_.host.move(widget_.id, widget_.monitor, cell));
+    moveTo(desk_, seams_.surroundings.cellAt(desk_, seams_.surroundings.position(wanted), widget_.family));
+}
+
+void WidgetWindow::moveTo(const Desk& desk, host::Cell cell) {
+    if (desk.monitor == desk_.monitor && cell == cell_) return;
+    // The first monitor goes without a name, so that a widget on it follows when it is replaced.
+    const auto desks = seams_.surroundings.desks();
+    std::optional<std::string> monitor = desk.name;
+    if (!desks.empty() && desks.front().monitor == desk.monitor && widget_.monitor != desk.name)
+        monitor.reset();
+    refuse(seams_.host.move(widget_.id, monitor, cell));
 }
 
 void WidgetWindow::stepFamily(int direction) {
@@ -239,8 +235,7 @@ void WidgetWindow::stepFamily(int direction) {
 }
 
 void WidgetWindow::setFamily(WidgetFamily family) {
-    const auto desk = seams_.surroundings.desk(widget_.monitor);
-    refuse(seams_.host.setFamily(widget_.id, family, desk ? seams_.surroundings.columns(*desk) : 1));
+    refuse(seams_.host.setFamily(widget_.id, family, seams_.surroundings.columns(desk_)));
 }
 
 void WidgetWindow::refuse(const std::string& why) {

@@ -21,13 +21,13 @@ class WidgetWindow : public Gtk::Window {
         const Surroundings& surroundings;
         Face::Seams face;
         std::function<void()> showGallery;
+        /// Finds every widget its place anew.
+        std::function<void()> arrange;
     };
     WidgetWindow(Seams seams, const host::PlacedWidget& widget);
 
-    /// Takes its place, on another monitor perhaps, in another size perhaps.
-    void place(const host::PlacedWidget& widget);
-    /// Puts it where it belongs on the monitors that there are now.
-    void placeAgain();
+    /// Shows itself as placed, perhaps in another size, where there is a place for it now.
+    void stand(const host::PlacedWidget& widget, const Desk& desk, host::Cell cell);
     /// What the extension calls it, and which families it offers.
     void describe(const WidgetDescription& description);
     Face& face() { return face_; }
@@ -47,6 +47,7 @@ class WidgetWindow : public Gtk::Window {
     /// Where it would come to stand if it were let go.
     std::pair<Desk, host::Cell> target(double dx, double dy) const;
     void step(std::int64_t columns, std::int64_t rows);
+    void moveTo(const Desk& desk, host::Cell cell);
     void stepFamily(int direction);
     void setFamily(WidgetFamily family);
     void refuse(const std::string& why);
@@ -54,6 +55,8 @@ class WidgetWindow : public Gtk::Window {
 
     Seams seams_;
     host::PlacedWidget widget_;
+    Desk desk_{};
+    host::Cell cell_;
     std::optional<WidgetDescription> description_;
     Face face_;
     Glib::RefPtr<Gtk::GestureDrag> drag_;

@@ -21,8 +21,7 @@ struct Span {
     constexpr bool operator==(const Span&) const = default;
 };
 constexpr Span spanOf(WidgetFamily family) {
-    return {
-        family == WidgetFamily::systemSmall ? 1 : 2, family == WidgetFamily::systemLarge ? 2 : 1};
+    return {family == WidgetFamily::systemSmall ? 1 : 2, family == WidgetFamily::systemLarge ? 2 : 1};
 }
 
 /// From one tile's corner to the next one's, in points; the gap between tiles is part of it.

@@ -2,31 +2,23 @@
 
 // Owners of Cairo's and Pango's objects.
 
-#include <memory>
-
 #include <cairo.h>
 #include <pango/pangocairo.h>
 
+#include "platform/foundation/Handle.hpp"
+
 namespace zelto::drawing {
 
-template <auto destroy>
-struct Destroy {
-    template <class T>
-    void operator()(T* object) const {
-        destroy(object);
-    }
-};
-
-using Surface = std::unique_ptr<cairo_surface_t, Destroy<cairo_surface_destroy>>;
-using Context = std::unique_ptr<cairo_t, Destroy<cairo_destroy>>;
-using Pattern = std::unique_ptr<cairo_pattern_t, Destroy<cairo_pattern_destroy>>;
-using FontOptions = std::unique_ptr<cairo_font_options_t, Destroy<cairo_font_options_destroy>>;
-using FontMap = std::unique_ptr<PangoFontMap, Destroy<g_object_unref>>;
-using TextContext = std::unique_ptr<PangoContext, Destroy<g_object_unref>>;
-using TextLayout = std::unique_ptr<PangoLayout, Destroy<g_object_unref>>;
-using FontDescription = std::unique_ptr<PangoFontDescription, Destroy<pango_font_description_free>>;
-using TextAttributes = std::unique_ptr<PangoAttrList, Destroy<pango_attr_list_unref>>;
-using FontMetrics = std::unique_ptr<PangoFontMetrics, Destroy<pango_font_metrics_unref>>;
+using Surface = Handle<cairo_surface_t, cairo_surface_destroy>;
+using Context = Handle<cairo_t, cairo_destroy>;
+using Pattern = Handle<cairo_pattern_t, cairo_pattern_destroy>;
+using FontOptions = Handle<cairo_font_options_t, cairo_font_options_destroy>;
+using FontMap = Handle<PangoFontMap, g_object_unref>;
+using TextContext = Handle<PangoContext, g_object_unref>;
+using TextLayout = Handle<PangoLayout, g_object_unref>;
+using FontDescription = Handle<PangoFontDescription, pango_font_description_free>;
+using TextAttributes = Handle<PangoAttrList, pango_attr_list_unref>;
+using FontMetrics = Handle<PangoFontMetrics, pango_font_metrics_unref>;
 
 /// Saves a context's state for as long as it lives.
 class SavedState {

@@ -59,8 +59,8 @@ void fillBackground(
     const auto width = static_cast<std::size_t>(picture.width);
     for (int y = area.top; y < area.bottom; ++y)
         std::fill_n(
-            picture.pixels.begin() +
-                static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y) * width) + area.left,
+            picture.pixels.begin() + static_cast<std::ptrdiff_t>(static_cast<std::size_t>(y) * width) +
+                area.left,
             area.right - area.left,
             gradient ? opaquePixel(*gradient, (y + 0.5) / picture.height) : 0U);
 }

@@ -77,7 +77,8 @@ std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherite
     if (std::visit(ChangeInherited{inherited, placement_}, modifier))
         return build(view, modifiers - 1, inherited);
     const std::size_t index = boxes_.size();
-    boxes_.push_back({.modifier = &modifier, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
+    boxes_.push_back(
+        {.modifier = &modifier, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
     const std::size_t child = build(view, modifiers - 1, inherited);
     boxes_[index].children.push_back(child);
     return index;
@@ -85,7 +86,8 @@ std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherite
 
 std::size_t BoxTree::buildNode(const ui::View& view, const Inherited& inherited) {
     const std::size_t index = boxes_.size();
-    boxes_.push_back({.node = &view.node, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
+    boxes_.push_back(
+        {.node = &view.node, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
     const ui::Views* children = ui::childrenOf(view.node);
     if (!children) return index;
     Inherited inside = inherited;

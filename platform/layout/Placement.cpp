@@ -72,7 +72,8 @@ std::optional<std::string> Placement::linkAt(Point point) const {
 std::string dump(const Placement& placement) {
     std::string out = "size " + number(placement.size.width) + "×" + number(placement.size.height) + "\n";
     for (const PlacedItem& item : placement.items) out += std::visit(Line{}, item) + "\n";
-    for (const LinkArea& link : placement.links) out += "link " + text(link.frame) + " " + link.url + " \"" + link.name + "\"\n";
+    for (const LinkArea& link : placement.links)
+        out += "link " + text(link.frame) + " " + link.url + " \"" + link.name + "\"\n";
     if (placement.widgetURL) out += "widgetURL " + *placement.widgetURL + "\n";
     return out;
 }

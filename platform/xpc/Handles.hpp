@@ -8,25 +8,19 @@
 
 #include <gio/gio.h>
 
+#include "platform/foundation/Handle.hpp"
 #include "platform/xpc/Bus.hpp"
 #include "platform/xpc/Interface.hpp"
 
 namespace zelto::xpc {
 
-template <auto release>
-struct Releaser {
-    template <class T>
-    void operator()(T* object) const {
-        release(object);
-    }
-};
-using BusConnection = std::unique_ptr<GDBusConnection, Releaser<g_object_unref>>;
-using Variant = std::unique_ptr<GVariant, Releaser<g_variant_unref>>;
-using MainContext = std::unique_ptr<GMainContext, Releaser<g_main_context_unref>>;
-using MainLoop = std::unique_ptr<GMainLoop, Releaser<g_main_loop_unref>>;
-using Cancellable = std::unique_ptr<GCancellable, Releaser<g_object_unref>>;
-using NodeInfo = std::unique_ptr<GDBusNodeInfo, Releaser<g_dbus_node_info_unref>>;
-using Source = std::unique_ptr<GSource, Releaser<g_source_unref>>;
+using BusConnection = Handle<GDBusConnection, g_object_unref>;
+using Variant = Handle<GVariant, g_variant_unref>;
+using MainContext = Handle<GMainContext, g_main_context_unref>;
+using MainLoop = Handle<GMainLoop, g_main_loop_unref>;
+using Cancellable = Handle<GCancellable, g_object_unref>;
+using NodeInfo = Handle<GDBusNodeInfo, g_dbus_node_info_unref>;
+using Source = Handle<GSource, g_source_unref>;
 
 /// Receives the library's errors.
 class ErrorSlot {

@@ -17,8 +17,7 @@ const char* signatureOf(ValueKind kind) {
 std::string describe(const std::vector<ValueKind>& kinds, const char* direction) {
     std::string out;
     for (const ValueKind kind : kinds)
-        out += std::string("<arg type=\"") + signatureOf(kind) + "\" direction=\"" +
-               direction + "\"/>";
+        out += std::string("<arg type=\"") + signatureOf(kind) + "\" direction=\"" + direction + "\"/>";
     return out;
 }
 

@@ -10,8 +10,8 @@
 
 namespace zelto::xpc {
 
-/// What an argument or a result is on the bus: an array of bytes, a text, or a 64-bit integer, which stands in
-/// Values as its decimal digits.
+/// What an argument or a result is on the bus: an array of bytes, a text, or a 64-bit integer, which stands
+/// in Values as its decimal digits.
 enum class ValueKind : std::uint8_t { data, text, integer };
 
 struct Method {

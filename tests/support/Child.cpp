@@ -13,18 +13,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/support/Words.hpp"
+
 namespace zelto::test {
-namespace {
-
-std::vector<char*> pointers(std::vector<std::string>& words) {
-    std::vector<char*> out;
-    for (auto& word : words) out.push_back(word.data());
-    out.push_back(nullptr);
-    return out;
-}
-
-}  // namespace
-
 Child::Child(
     std::vector<std::string> command, std::vector<std::string> environment, const std::string& errorFile) {
     std::array<int, 2> out{};
@@ -38,7 +29,12 @@ Child::Child(
     if (const char* options = std::getenv("LSAN_OPTIONS"))
         environment.push_back(std::string("LSAN_OPTIONS=") + options);
     const int failed = posix_spawnp(
-        &pid_, command[0].c_str(), &actions, nullptr, pointers(command).data(), pointers(environment).data());
+        &pid_,
+        command[0].c_str(),
+        &actions,
+        nullptr,
+        pointersTo(command).data(),
+        pointersTo(environment).data());
     posix_spawn_file_actions_destroy(&actions);
     close(out[1]);
     output_ = out[0];

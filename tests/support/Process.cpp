@@ -11,18 +11,9 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "tests/support/Words.hpp"
+
 namespace zelto::test {
-namespace {
-
-std::vector<char*> pointers(std::vector<std::string>& words) {
-    std::vector<char*> out;
-    for (auto& word : words) out.push_back(word.data());
-    out.push_back(nullptr);
-    return out;
-}
-
-}  // namespace
-
 Finished run(
     const std::vector<std::string>& command, const std::string& input,
     const std::vector<std::string>& environment) {
@@ -41,7 +32,7 @@ Finished run(
         variables.push_back(std::string("LSAN_OPTIONS=") + options);
     pid_t pid = -1;
     const int failed = posix_spawnp(
-        &pid, command[0].c_str(), &actions, nullptr, pointers(words).data(), pointers(variables).data());
+        &pid, command[0].c_str(), &actions, nullptr, pointersTo(words).data(), pointersTo(variables).data());
     posix_spawn_file_actions_destroy(&actions);
     close(in[0]);
     close(out[1]);
