@@ -38,13 +38,13 @@ class Screen:
         folder.mkdir()
         self.server = subprocess.Popen(
             ["Xvfb", "-displayfd", "1", "-screen", "0", "1400x900x24", "-fbdir", folder, "-nolisten", "tcp",
-             "-noreset"], stdout=subprocess.PIPE, stderr=None)
+             "-noreset"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.environment = dict(os.environ, DISPLAY=":" + self.server.stdout.readline().decode().strip())
         for name in ("WAYLAND_DISPLAY", "XAUTHORITY"):
             self.environment.pop(name, None)
         self.manager = subprocess.Popen(
             ["openbox", "--sm-disable", "--startup", "echo ready"], env=self.environment, stdout=subprocess.PIPE,
-            stderr=None)
+            stderr=subprocess.DEVNULL)
         while self.manager.stdout.readline() != b"ready\n":
             pass
 
@@ -90,7 +90,7 @@ class Widgets:
         keeper.chmod(0o755)
         self.bus = subprocess.Popen(
             ["dbus-daemon", "--session", "--nofork", "--print-address=1", f"--address=unix:path={folder}/bus"],
-            stdout=subprocess.PIPE, stderr=None)
+            stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         address = self.bus.stdout.readline().decode().strip()
         self.environment = dict(
             screen.environment, XDG_CONFIG_HOME=str(folder / "config"), XDG_CACHE_HOME=str(folder / "cache"),
@@ -101,7 +101,7 @@ class Widgets:
         self.host = subprocess.Popen(
             [BIN / "zelto-desktop", "--home", self.folder, "--extension", extension or self.folder / "keeper",
              *arguments],
-            env=self.environment, stderr=None)
+            env=self.environment, stderr=subprocess.DEVNULL)
 
     def await_pixels(self, shown=True):
         """Seconds from the start until a point of each widget is, or is no longer, another colour than the background."""

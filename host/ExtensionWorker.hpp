@@ -21,8 +21,9 @@ struct ExtensionOptions {
     std::vector<std::string> arguments = {};
     /// A request that takes longer counts as a hang.
     std::chrono::milliseconds deadline{10'000};
-    /// The process is ended when nothing was asked for so long.
-    std::chrono::milliseconds idle{20'000};
+    /// The process is ended when nothing was asked for so long: a while more than widgets commonly live
+    /// between two requests, since a start costs as much as it does in a round.
+    std::chrono::milliseconds idle{600'000};
     /// Seconds before the process is started again after a death, a hang or nonsense.
     double firstPause = 1, longestPause = 60;
 };
