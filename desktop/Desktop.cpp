@@ -22,7 +22,7 @@ Desktop::Desktop(DesktopOptions options)
     std::error_code error;
     isFirstStart_ = !std::filesystem::exists(placements.file(), error);
     host_ = std::make_unique<host::WidgetHost>(
-        seams(), std::move(placements), host::EntryStore(options_.folders.cache), *this);
+        seams(), std::move(placements), host::EntryStore(options_.folders.cache / "widgets"), *this);
 
     timerSource_ = MainSource::whenReadable(timer_.fd(), [this] {
         switch (timer_.take()) {
@@ -73,6 +73,7 @@ std::int64_t Desktop::columns() const {
 
 void Desktop::arrange() {
     const auto desks = surroundings_.desks();
+    if (!desks.empty()) host_->nameFirstMonitor(desks.front().name);
     std::vector<host::DeskTiles> tiles;
     for (const Desk& desk : desks)
         tiles.push_back({desk.name, surroundings_.columns(desk), surroundings_.rows(desk)});
@@ -86,6 +87,9 @@ void Desktop::arrange() {
 }
 
 void Desktop::placed(const host::PlacedWidget& widget) {
+    if (const auto found = windows_.find(widget.id);
+        found != windows_.end() && found->second->kind() != widget.kind)
+        removed(widget.id);
     if (auto& window = windows_[widget.id]; !window) {
         const auto open = [this, id = widget.id](const std::string& url) { openLink(id, url); };
         window = std::make_unique<WidgetWindow>(

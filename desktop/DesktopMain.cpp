@@ -4,10 +4,9 @@
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <exception>
 #include <gtkmm/main.h>
-#include <iostream>
+#include <locale>
 #include <malloc.h>
 #include <mutex>
 
@@ -135,11 +134,14 @@ int run(int argc, char** argv) {
     g_set_prgname("zelto-desktop");
     // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
     setenv("GDK_GL", "disable", 0);
+    gtk_disable_setlocale();
     if (!gtk_init_check(nullptr, nullptr)) {
         log("there is no display; `zelto render` draws pictures without one");
         return 1;
     }
     Gtk::Main::init_gtkmm_internals();
+    // The toolkit's wrapper has numbers written with the locale's commas and dots, in files too.
+    std::locale::global(std::locale::classic());
 
     auto& settings = options.desktop;
     settings.log = log;
@@ -165,6 +167,8 @@ int run(int argc, char** argv) {
             },
             nullptr);
     gtk_main();
+    // Whoever starts the widgets anew from here on finds the name free.
+    listener.emplace<xpc::Error>();
     desktop.reset();
     return 0;
 }

@@ -68,6 +68,8 @@ std::optional<layout::Rect> countdownArea(const layout::Placement& before, const
         area->height = bottom - area->y;
     };
     for (std::size_t i = 0; i < before.items.size(); ++i) {
+        // What is turned lies elsewhere than its frame says.
+        if (std::holds_alternative<layout::BeginRotation>(after.items[i])) return std::nullopt;
         const auto* old = std::get_if<layout::PlacedCountdown>(&before.items[i]);
         const auto* now = std::get_if<layout::PlacedCountdown>(&after.items[i]);
         if (old && now) {

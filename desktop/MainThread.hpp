@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 
@@ -49,7 +50,7 @@ class MainSource {
         MainSource source(std::move(function));
         // The library counts whole milliseconds; too early would only mean to wait again.
         source.id_ = g_timeout_add(
-            static_cast<guint>(seconds * 1000) + 1,
+            static_cast<guint>(std::clamp(seconds, 0.0, longest) * 1000) + 1,
             [](gpointer data) -> gboolean {
                 // It may be replaced by what it calls.
                 const auto called = *static_cast<std::function<void()>*>(data);
@@ -68,6 +69,9 @@ class MainSource {
     }
 
   private:
+    /// A day: whoever waits for longer looks again.
+    static constexpr double longest = 86'400;
+
     explicit MainSource(std::function<void()> function)
         : function_(std::make_unique<std::function<void()>>(std::move(function))) {}
     void swap(MainSource& other) {

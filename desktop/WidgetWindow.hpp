@@ -31,6 +31,7 @@ class WidgetWindow : public Gtk::Window {
     /// What the extension calls it, and which families it offers.
     void describe(const WidgetDescription& description);
     Face& face() { return face_; }
+    const std::string& kind() const { return widget_.kind; }
 
   protected:
     bool on_key_press_event(GdkEventKey* event) override;

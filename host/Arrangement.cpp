@@ -42,7 +42,9 @@ std::map<std::string, Standing> arrange(
         grids[desk].take(widget.cell(), widget.family);
         out[widget.id] = {desk, widget.cell()};
     }
-    for (const auto& [widget, desk] : guests) {
+    for (const auto& guest : guests) {
+        const PlacedWidget* widget = guest.first;
+        const std::size_t desk = guest.second;
         Cell cell = widget->cell();
         const auto isGood = [&] {
             return fits(cell, widget->family, desks[desk]) && grids[desk].isFree(cell, widget->family);

@@ -52,9 +52,9 @@ std::optional<ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) con
 
 bool EntryStore::save(const PlacedWidget& widget, const ArchivedTimeline& timeline) const {
     std::error_code error;
-    if (std::filesystem::create_directories(folder_, error))
-        // It may hold what was copied to the clipboard.
-        std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
+    std::filesystem::create_directories(folder_, error);
+    // It may hold what was copied to the clipboard.
+    std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
     const auto bytes = encodeJSON(StoredTimeline{widget.kind, widget.family, timeline});
     return bytes && writeFileAtomically(fileOf(widget), *bytes, Durability::processDeath);
 }

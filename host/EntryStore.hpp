@@ -9,10 +9,11 @@
 
 namespace zelto::host {
 
-/// The last good timeline of every placed widget, one file each, so that the widgets show at once after a
-/// start. What is lost here is asked for again: faults are an absent timeline.
+/// The last good timeline of every placed widget, one file each in a folder of their own, so that the widgets
+/// show at once after a start. What is lost here is asked for again: faults are an absent timeline.
 class EntryStore {
   public:
+    /// Nothing else may be kept in the folder.
     explicit EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
     /// Checked like an answer of the extension; absent for another kind or family too.

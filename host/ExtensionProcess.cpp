@@ -89,50 +89,60 @@ ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
       output_(std::move(other.output_)),
       errors_(std::move(other.errors_)),
       received_(std::move(other.received_)),
+      said_(std::move(other.said_)),
       failure_(std::move(other.failure_)),
       lastID_(other.lastID_) {}
 
 ExtensionProcess::~ExtensionProcess() {
     if (pid_ < 0) return;
+    // Without its ends it has nothing to wait for.
     input_.reset();
-    // Its output ends when it does; what still comes is of no interest.
-    const auto deadline = Clock::now() + patience;
-    std::array<char, 4096> rest;
-    pollfd waiting{output_.get(), POLLIN, 0};
-    while (remaining(deadline) > 0 && poll(&waiting, 1, remaining(deadline)) > 0) {
-        const ssize_t count = read(output_.get(), rest.data(), rest.size());
-        if (count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR)) break;
-    }
-    if (waitpid(pid_, nullptr, WNOHANG) == 0) {
-        if (remaining(deadline) == 0) kill(pid_, SIGKILL);
-        waitpid(pid_, nullptr, 0);
-    }
+    output_.reset();
+    errors_.reset();
+    if (!endsWithin(patience)) kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+}
+
+bool ExtensionProcess::endsWithin(std::chrono::milliseconds allowed) const {
+    const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
+    const auto deadline = Clock::now() + allowed;
+    pollfd gone{process.get(), POLLIN, 0};
+    int ready = 0;
+    do ready = poll(&gone, 1, remaining(deadline));
+    while (ready < 0 && errno == EINTR);
+    return ready > 0;
 }
 
 std::string ExtensionProcess::farewell() {
     input_.reset();
     // A process that ends closes its output a little before it is gone.
-    const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
-    pollfd gone{process.get(), POLLIN, 0};
-    int status = 0;
-    if (poll(&gone, 1, static_cast<int>(patience.count())) == 0) {
+    if (!endsWithin(patience)) {
         end();
         return "the widget extension closed its output" + lastWords();
     }
+    int status = 0;
     waitpid(pid_, &status, 0);
     pid_ = -1;
     return describe(status) + lastWords();
 }
 
-/// The last line or so of what it said, to be put behind the report of its end.
-std::string ExtensionProcess::lastWords() {
+/// Takes some of what it says on its standard error, and keeps the end of it.
+bool ExtensionProcess::listen() {
     constexpr std::size_t most = 1024;
-    std::string words;
     std::array<char, 4096> buffer;
-    for (ssize_t count = 0; (count = read(errors_.get(), buffer.data(), buffer.size())) > 0;) {
-        words.append(buffer.data(), static_cast<std::size_t>(count));
-        if (words.size() > most) words.erase(0, words.size() - most);
+    const ssize_t count = read(errors_.get(), buffer.data(), buffer.size());
+    if (count <= 0) return false;
+    said_.append(buffer.data(), static_cast<std::size_t>(count));
+    if (said_.size() > most) said_.erase(0, said_.size() - most);
+    return true;
+}
+
+/// The end of what it said, once it is gone, to be put behind the report of that.
+std::string ExtensionProcess::lastWords() {
+    // No more than a pipe holds: somebody else may have it open still.
+    for (int i = 0; i < 32 && listen(); ++i) {
     }
+    std::string words = std::exchange(said_, {});
     while (words.ends_with('\n')) words.pop_back();
     // One line of log, whatever it said.
     for (char& c : words)
@@ -181,7 +191,7 @@ std::string ExtensionProcess::takeReplies(std::map<std::int64_t, Outcome>& outco
         if (waiting == outcomes.end() || waiting->second.reply || !waiting->second.error.empty())
             return "the widget extension answered what nobody asked";
         if (reply->error)
-            waiting->second.error = *reply->error;
+            waiting->second.error = reply->error->empty() ? "an error without a reason" : *reply->error;
         else
             waiting->second.reply = std::move(reply);
     }
@@ -207,16 +217,19 @@ std::vector<Outcome> ExtensionProcess::exchange(
     const auto deadline = Clock::now() + allowed;
     if (pid_ < 0) failure = "the widget extension has ended";
     while (failure.empty() && std::ranges::any_of(outcomes, isOpen)) {
-        std::array<pollfd, 3> ends{
+        std::array<pollfd, 4> ends{
             pollfd{output_.get(), POLLIN, 0},
             pollfd{pending.empty() ? -1 : input_.get(), POLLOUT, 0},
-            pollfd{cancel, POLLIN, 0}};
+            pollfd{cancel, POLLIN, 0},
+            pollfd{errors_.get(), POLLIN, 0}};
         const int ready = poll(ends.data(), ends.size(), remaining(deadline));
         if (ready == 0) {
+            end();
             failure = "the widget extension did not answer in time" + lastWords();
         } else if (ready > 0 && ends[2].revents != 0) {
             failure = "the widget extension is not needed any more";
         } else if (ready > 0) {
+            if (ends[3].revents != 0 && !listen()) errors_.reset();
             // A broken input shows on the output too, as its end.
             if (ends[1].revents != 0 && !sendSome(pending)) pending.clear();
             if (ends[0].revents != 0 && !receiveSome()) failure = farewell();

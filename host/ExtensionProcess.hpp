@@ -58,6 +58,8 @@ class ExtensionProcess {
     bool receiveSome();
     std::string takeReplies(std::map<std::int64_t, Outcome>& outcomes);
     std::string farewell();
+    bool endsWithin(std::chrono::milliseconds allowed) const;
+    bool listen();
     std::string lastWords();
     void end();
 
@@ -66,6 +68,7 @@ class ExtensionProcess {
     FileDescriptor output_;
     FileDescriptor errors_;
     std::string received_;
+    std::string said_;
     std::string failure_;
     std::int64_t lastID_ = 0;
 };

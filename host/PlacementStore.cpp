@@ -9,11 +9,14 @@
 namespace zelto::host {
 namespace {
 
-std::string documentOf(const std::vector<PlacedWidget>& widgets) {
+/// Absent when a text is not UTF-8.
+std::optional<std::string> documentOf(const std::vector<PlacedWidget>& widgets) {
     std::string out = "{\"widgets\": [";
     const char* separator = "\n  ";
     for (const PlacedWidget& widget : widgets) {
-        out += separator + encodeJSON(widget).value_or("{}");
+        const auto line = encodeJSON(widget);
+        if (!line) return std::nullopt;
+        out += separator + *line;
         separator = ",\n  ";
     }
     return out + "\n]}\n";
@@ -75,9 +78,9 @@ void PlacementStore::keepAside(const std::string& why) {
 bool PlacementStore::save(const std::vector<PlacedWidget>& widgets) {
     std::error_code error;
     std::filesystem::create_directories(folder_, error);
-    const std::string bytes = documentOf(widgets);
-    if (writeFileAtomically(file(), bytes)) {
-        bytes_ = bytes;
+    const auto bytes = documentOf(widgets);
+    if (bytes && writeFileAtomically(file(), *bytes)) {
+        bytes_ = *bytes;
         return true;
     }
     log_(file().string() + ": cannot be written");

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstdint>
+#include <utility>
 
 #include <sys/timerfd.h>
 #include <unistd.h>
@@ -25,13 +26,20 @@ void WallTimer::arm(std::optional<Date> instant) {
     itimerspec alarm{};
     alarm.it_value.tv_sec = static_cast<time_t>(whole);
     alarm.it_value.tv_nsec = std::min(static_cast<long>(std::ceil((seconds - whole) * 1e9)), 999'999'999L);
-    timerfd_settime(timer_.get(), TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET, &alarm, nullptr);
+    constexpr int flags = TFD_TIMER_ABSTIME | TFD_TIMER_CANCEL_ON_SET;
+    if (timerfd_settime(timer_.get(), flags, &alarm, nullptr) == 0 || errno != ECANCELED) return;
+    // The clock was set and nobody has heard of it yet; arming has taken the news, so it goes off at once.
+    wasSet_ = true;
+    alarm.it_value = {.tv_sec = 1, .tv_nsec = 0};
+    timerfd_settime(timer_.get(), flags, &alarm, nullptr);
 }
 
 WallTimer::Event WallTimer::take() {
     std::uint64_t count = 0;
-    if (read(timer_.get(), &count, sizeof(count)) == sizeof(count)) return Event::expired;
-    return errno == ECANCELED ? Event::clockSet : Event::none;
+    const bool wasSet = std::exchange(wasSet_, false);
+    if (read(timer_.get(), &count, sizeof(count)) == sizeof(count))
+        return wasSet ? Event::clockSet : Event::expired;
+    return wasSet || errno == ECANCELED ? Event::clockSet : Event::none;
 }
 
 }  // namespace zelto::host

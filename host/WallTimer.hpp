@@ -23,6 +23,7 @@ class WallTimer {
 
   private:
     FileDescriptor timer_;
+    bool wasSet_ = false;
 };
 
 }  // namespace zelto::host

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "platform/foundation/JSONEncoder.hpp"
 #include "platform/foundation/UUID.hpp"
 
 namespace zelto::host {
@@ -21,9 +22,10 @@ WidgetHost::WidgetHost(HostSeams seams, PlacementStore placements, EntryStore en
       environment_(seams_.environment()) {}
 
 void WidgetHost::start() {
-    take(placements_.load().value_or(std::vector<PlacedWidget>()));
-    entries_.keepOnly(widgets_);
-    askForOffers();
+    if (auto placed = placements_.load()) {
+        take(*std::move(placed));
+        entries_.keepOnly(widgets_);
+    }
     tick();
 }
 
@@ -61,10 +63,15 @@ void WidgetHost::tick() {
         const ArchivedEntry* entry = schedule_.shown(id);
         if (widget && entry) observer_.shows(*widget, *entry);
     }
+    auto next = schedule_.nextInstant();
+    if (offered_.empty() && !isAskingForOffers_) {
+        if (askForOffersAt_ <= now)
+            askForOffers();
+        else
+            next = std::min(next.value_or(askForOffersAt_), askForOffersAt_);
+    }
     if (!requests.empty()) askForTimelines(requests);
-    // Until the extension has told once what it offers, it is asked again along with the rest.
-    if (!requests.empty() && offered_.empty()) askForOffers();
-    seams_.wakeAt(schedule_.nextInstant());
+    seams_.wakeAt(next);
 }
 
 Request WidgetHost::request(RequestKind kind) const {
@@ -72,13 +79,19 @@ Request WidgetHost::request(RequestKind kind) const {
 }
 
 void WidgetHost::askForOffers() {
-    if (std::exchange(isAskingForOffers_, true)) return;
+    isAskingForOffers_ = true;
     seams_.ask({request(RequestKind::bundle)}, [this](std::vector<Outcome> outcomes) {
         isAskingForOffers_ = false;
         Outcome& outcome = outcomes.front();
-        if (!outcome.reply || !outcome.reply->widgets) return;
-        offered_ = *std::move(outcome.reply->widgets);
-        observer_.offers(offered_);
+        if (outcome.reply && outcome.reply->widgets) {
+            offered_ = *std::move(outcome.reply->widgets);
+            observer_.offers(offered_);
+            return;
+        }
+        seams_.log("which widgets there are is not known: " + outcome.error);
+        offersBackoff_.failed();
+        askForOffersAt_ = seams_.now() + offersBackoff_.pause();
+        tick();
     });
 }
 
@@ -144,14 +157,21 @@ Cell WidgetHost::roomFor(
     const std::string& except) const {
     TileGrid grid(columns);
     for (const PlacedWidget& widget : widgets_)
-        if (widget.monitor == monitor && widget.id != except) grid.take(widget.cell(), widget.family);
+        if (isSameMonitor(widget.monitor, monitor) && widget.id != except)
+            grid.take(widget.cell(), widget.family);
     return grid.firstFree(family);
 }
 
-bool WidgetHost::isFree(const PlacedWidget& widget) const {
-    TileGrid grid(farthestTile + 1);
+bool WidgetHost::isSameMonitor(
+    const std::optional<std::string>& a, const std::optional<std::string>& b) const {
+    return a.value_or(firstMonitor_) == b.value_or(firstMonitor_);
+}
+
+bool WidgetHost::isFree(const PlacedWidget& widget, std::int64_t columns) const {
+    TileGrid grid(columns);
     for (const PlacedWidget& other : widgets_)
-        if (other.id != widget.id && other.monitor == widget.monitor) grid.take(other.cell(), other.family);
+        if (other.id != widget.id && isSameMonitor(other.monitor, widget.monitor))
+            grid.take(other.cell(), other.family);
     return grid.isFree(widget.cell(), widget.family);
 }
 
@@ -171,7 +191,8 @@ WidgetHost::Refusal WidgetHost::add(
     const Cell place = cell.value_or(roomFor(family, std::nullopt, columns));
     widget.column = place.column;
     widget.row = place.row;
-    if (!isFree(widget)) {
+    if (!encodeJSON(widget)) return "a kind that is not UTF-8";
+    if (!isFree(widget, columns)) {
         const Cell room = roomFor(family, std::nullopt, columns);
         widget.column = room.column;
         widget.row = room.row;
@@ -203,7 +224,7 @@ WidgetHost::Refusal WidgetHost::move(
     moved.monitor = monitor;
     moved.column = std::clamp<std::int64_t>(cell.column, 0, farthestTile);
     moved.row = std::clamp<std::int64_t>(cell.row, 0, farthestTile);
-    if (!isFree(moved)) return "another widget stands there";
+    if (!isFree(moved, farthestTile + 1)) return "another widget stands there";
     *widget = moved;
     observer_.placed(*widget);
     save();
@@ -219,7 +240,7 @@ WidgetHost::Refusal WidgetHost::setFamily(const std::string& id, WidgetFamily fa
     if (description && std::ranges::find(description->families, family) == description->families.end())
         return widget->kind + " is not offered as " + nameOf(family);
     widget->family = family;
-    if (!isFree(*widget)) {
+    if (!isFree(*widget, columns)) {
         const Cell room = roomFor(family, widget->monitor, columns, id);
         widget->column = room.column;
         widget->row = room.row;
@@ -251,12 +272,16 @@ WidgetHost::Refusal WidgetHost::reloadKind(const std::string& kind) {
 
 void WidgetHost::reloadAll() {
     schedule_.reloadAll();
+    askForOffersAt_ = Date{};
     tick();
 }
 
 void WidgetHost::takeOverEdits() {
     if (!placements_.wasEdited()) return;
-    if (auto edited = placements_.load()) take(*std::move(edited));
+    if (auto edited = placements_.load())
+        take(*std::move(edited));
+    else
+        placements_.save(widgets_);
     tick();
 }
 

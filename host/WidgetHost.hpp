@@ -50,6 +50,9 @@ class WidgetHost {
     /// Texts are to be made for another time zone, or the clock was set: everything is asked for anew.
     void environmentChanged();
 
+    /// Widgets without a monitor's name stand on this one.
+    void nameFirstMonitor(const std::string& name) { firstMonitor_ = name; }
+
     const std::vector<PlacedWidget>& widgets() const { return widgets_; }
     const std::vector<WidgetDescription>& offered() const { return offered_; }
     const PlacedWidget* find(const std::string& id) const;
@@ -88,7 +91,8 @@ class WidgetHost {
 
   private:
     PlacedWidget* findMutable(const std::string& id);
-    bool isFree(const PlacedWidget& widget) const;
+    bool isFree(const PlacedWidget& widget, std::int64_t columns) const;
+    bool isSameMonitor(const std::optional<std::string>& a, const std::optional<std::string>& b) const;
     void take(std::vector<PlacedWidget> widgets);
     void save();
     void tick();
@@ -105,7 +109,10 @@ class WidgetHost {
     std::vector<PlacedWidget> widgets_;
     std::vector<WidgetDescription> offered_;
     Environment environment_;
+    std::string firstMonitor_;
     bool isAskingForOffers_ = false;
+    Date askForOffersAt_{};
+    Backoff offersBackoff_{Schedule::firstPause, Schedule::longestPause};
 };
 
 }  // namespace zelto::host

@@ -1,5 +1,7 @@
 #include "platform/foundation/Characters.hpp"
 
+#include <algorithm>
+
 #include <unicode/ubrk.h>
 #include <unicode/ustring.h>
 
@@ -11,7 +13,25 @@ using icuText::filled;
 using icuText::utf16;
 using icuText::utf8;
 
+namespace {
+
+bool isASCII(char c) {
+    return static_cast<signed char>(c) >= 0;
+}
+
+char upperASCII(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+}  // namespace
+
 std::vector<std::string> characters(std::string_view text) {
+    // A plain letter is a character by itself; only a carriage return joins what follows.
+    if (std::ranges::all_of(text, [](char c) { return isASCII(c) && c != '\r'; })) {
+        std::vector<std::string> out;
+        for (const char c : text) out.emplace_back(1, c);
+        return out;
+    }
     const std::u16string units = utf16(text);
     UErrorCode status = U_ZERO_ERROR;
     const icu::LocalUBreakIteratorPointer breaks(
@@ -29,6 +49,11 @@ std::vector<std::string> characters(std::string_view text) {
 }
 
 std::string upperCased(std::string_view text) {
+    if (std::ranges::all_of(text, isASCII)) {
+        std::string out(text);
+        for (char& c : out) c = upperASCII(c);
+        return out;
+    }
     const std::u16string units = utf16(text);
     return utf8(filled([&](UChar* out, std::int32_t size, UErrorCode* status) {
         return u_strToUpper(out, size, units.data(), static_cast<std::int32_t>(units.size()), "", status);
@@ -37,9 +62,9 @@ std::string upperCased(std::string_view text) {
 
 std::string firstUpperCased(std::string_view text) {
     // Dates begin with a plain letter nearly always, and that needs no break iterator.
-    if (text.size() > 1 && static_cast<signed char>(text[0]) > 0 && static_cast<signed char>(text[1]) > 0) {
+    if (text.size() > 1 && isASCII(text[0]) && isASCII(text[1])) {
         std::string out(text);
-        if (out[0] >= 'a' && out[0] <= 'z') out[0] = static_cast<char>(out[0] - 'a' + 'A');
+        out[0] = upperASCII(out[0]);
         return out;
     }
     const auto all = characters(text);

@@ -47,6 +47,9 @@ class Inspector {
                 if (&schema == &schemaOf<double>() &&
                     !(std::fabs(*static_cast<const double*>(value)) <= bounds_.points))
                     return "a number that is too large";
+                if (&schema == &schemaOf<Date>() &&
+                    !(std::fabs(static_cast<const Date*>(value)->sinceReference) <= bounds_.seconds))
+                    return "a date beyond all clocks";
                 return std::nullopt;
             case Kind::string:
                 if (static_cast<const std::string*>(value)->size() > bounds_.textBytes)

@@ -88,6 +88,7 @@ struct ViewBounds {
     std::size_t modifiers = 32;
     std::size_t textBytes = std::size_t{16} * 1024;
     double points = 10'000;
+    double seconds = 1e12;  // of dates, from the reference date
     std::int64_t imageSide = 512;
 };
 

@@ -36,11 +36,13 @@ ErrorKind kindNamed(std::string_view name) {
 
 ErrorKind kindOf(const GError* error) {
     if (g_error_matches(error, G_IO_ERROR, G_IO_ERROR_TIMED_OUT)) return ErrorKind::deadlinePassed;
-    if (error->domain == G_IO_ERROR) return ErrorKind::noBus;
-    gchar* name = g_dbus_error_get_remote_error(error);
-    const ErrorKind kind = name ? kindNamed(name) : ErrorKind::refused;
-    g_free(name);
-    return kind;
+    // The other side's own errors may be of any domain.
+    if (gchar* name = g_dbus_error_get_remote_error(error)) {
+        const ErrorKind kind = kindNamed(name);
+        g_free(name);
+        return kind;
+    }
+    return error->domain == G_IO_ERROR ? ErrorKind::noBus : ErrorKind::refused;
 }
 
 /// A connection that is being made. Lives on by itself when nobody waits for it any more: a bus that

@@ -101,7 +101,7 @@ TEST_F(Deaths, OfTheHostTwoHundredTimesLoseNothingThatWasKept) {
         (*places)[4].row = fans.row;
         ASSERT_EQ(*places, eleven());
         for (const auto& each : eleven())
-            ASSERT_TRUE(host::EntryStore(desktop.folder() / "cache/zelto").load(each)) << each.kind;
+            ASSERT_TRUE(host::EntryStore(desktop.folder() / "cache/zelto/widgets").load(each)) << each.kind;
     }
     desktop.start({"--extension", "/bin/false"});
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();

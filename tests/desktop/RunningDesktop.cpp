@@ -123,7 +123,7 @@ std::vector<host::PlacedWidget> RunningDesktop::widgets() {
 }
 
 std::optional<ArchivedEntry> RunningDesktop::entry(const host::PlacedWidget& widget) const {
-    auto stored = host::EntryStore(folder() / "cache/zelto").load(widget);
+    auto stored = host::EntryStore(folder() / "cache/zelto/widgets").load(widget);
     if (!stored) return std::nullopt;
     host::Schedule schedule;
     schedule.add(widget.id, std::move(stored));

@@ -164,6 +164,33 @@ TEST_F(Worker, LastWordsGoToTheLog) {
             "luck; to be started again after 0.001 s"});
 }
 
+TEST_F(Worker, AnExtensionThatTalksMuchOnTheSideIsHeardToItsEnd) {
+    // More than a pipe holds, before it answers.
+    standIn(
+        "head -c 300000 /dev/zero | tr '\\0' x >&2; exec '" + (programFolder() / "zelto-widgets").string() +
+        "' --home /no/such/home");
+    EXPECT_EQ(errorOf(), "");
+}
+
+TEST_F(Worker, AnExtensionThatNeverStopsTalkingIsEndedByTheDeadline) {
+    options.deadline = 50ms;
+    standIn("while :; do echo y >&2; done");
+    EXPECT_TRUE(errorOf().starts_with("the widget extension did not answer in time; its last words: y y"));
+}
+
+TEST_F(Worker, AnExtensionThatDoesNotEndIsEnded) {
+    standIn(
+        "trap '' TERM; '" + (programFolder() / "zelto-widgets").string() +
+        "' --home /no/such/home; exec >&- 2>&-; while :; do :; done");
+    EXPECT_EQ(errorOf(), "");
+    worker.reset();
+}
+
+TEST_F(Worker, AnErrorWithoutAReasonIsOne) {
+    standIn("read line; echo '{\"id\":1,\"error\":\"\"}'; exec cat");
+    EXPECT_EQ(errorOf(), "an error without a reason");
+}
+
 TEST_F(Worker, PausesGrowWithDeathsAndShrinkWithAnswers) {
     const auto broken = folder.write("broken", "");
     standIn(

@@ -275,13 +275,67 @@ TEST_F(Hosted, ABrokenEditIsKeptAsideAndTheWidgetsStay) {
 }
 
 TEST_F(Hosted, AnExtensionThatDoesNotSayWhatItOffersIsAskedAgain) {
+    // Also when nothing is placed that would ask for anything else.
     host->start();
     fail("it died");
-    add("Battery", WidgetFamily::systemSmall);
-    ASSERT_EQ(asked.size(), 2U);
-    answer("80 %");
+    EXPECT_EQ(log, Seen{"which widgets there are is not known: it died"});
+    EXPECT_EQ(wakeAt, now + 2);
+    EXPECT_TRUE(asked.empty());
+    now = now + 2;
+    host->wake();
+    ASSERT_EQ(asked.size(), 1U);
+    fail("it died again");
+    EXPECT_EQ(wakeAt, now + 4);
+    // A reload does not wait.
+    host->reloadAll();
+    ASSERT_EQ(asked.size(), 1U);
     answer("");
     EXPECT_EQ(host->offered().size(), 2U);
+}
+
+TEST_F(Hosted, ABrokenEditAndARefusedWishLoseNothing) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    folder.write("config/desktop.json", "{");
+    EXPECT_NE(host->remove("x"), "");
+    EXPECT_EQ(PlacementStore(folder.path() / "config", [](const std::string&) {}).load()->size(), 1U);
+}
+
+TEST_F(Hosted, ABrokenFileAtTheStartCostsNoStoredTimelines) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    answer("80 %");
+    const auto placed = host->widgets();
+    folder.write("config/desktop.json", "{");
+    make();
+    host->start();
+    EXPECT_TRUE(host->widgets().empty());
+    EXPECT_TRUE(EntryStore(folder.path() / "cache").load(placed[0]));
+}
+
+TEST_F(Hosted, AKindThatIsNotUTF8IsRefused) {
+    host->start();
+    std::string id;
+    EXPECT_EQ(host->add("\xFF", WidgetFamily::systemSmall, {}, 4, id), "a kind that is not UTF-8");
+    EXPECT_TRUE(host->widgets().empty());
+}
+
+TEST_F(Hosted, TheFirstMonitorIsOneWithAndWithoutItsName) {
+    start();
+    host->nameFirstMonitor("DP-1");
+    const auto first = add("Battery", WidgetFamily::systemSmall);
+    const auto second = add("Battery", WidgetFamily::systemSmall);
+    EXPECT_EQ(host->move(first, "DP-1", {1, 0}), "another widget stands there");
+    EXPECT_EQ(host->move(first, "DP-1", {2, 0}), "");
+    EXPECT_EQ(host->move(second, std::nullopt, {2, 0}), "another widget stands there");
+}
+
+TEST_F(Hosted, AWidgetThatGrowsOverTheEdgeMovesAway) {
+    start();
+    const auto id = add("Battery", WidgetFamily::systemSmall, Cell{3, 0});
+    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemMedium, 4), "");
+    EXPECT_EQ(host->widgets()[0].cell(), (Cell{0, 0}));
 }
 
 TEST_F(Hosted, PreviewsAreTheGallerys) {

@@ -133,8 +133,10 @@ TEST_F(HelperProcess, OtherProgramsCanIntrospectAndCallAllFourMethods) {
 }
 
 TEST_F(HelperProcess, OurClientTalksToAHelperOfAnotherLanguage) {
-    const Child helper =
-        ready(Child({"/usr/bin/python3", dataFolder().parent_path() / "standin/helper.py", bus.address()}));
+    const Child helper = ready(Child(
+        {"/usr/bin/python3", dataFolder().parent_path() / "standin/helper.py", bus.address()},
+        {"PATH=/usr/bin:/bin"},
+        bus.folder() / "helper.log"));
     const auto before = zelto({"status"});
     EXPECT_EQ(before.status, 0) << before.errors;
     EXPECT_NE(before.output.find("charge limit        80 %, sailing 5, off"), std::string::npos)
@@ -148,6 +150,10 @@ TEST_F(HelperProcess, OurClientTalksToAHelperOfAnotherLanguage) {
     EXPECT_EQ(after["chargeConfig"]["sailing"], 5);
     EXPECT_EQ(after["fanConfig"]["mode"], "temperature");
     EXPECT_EQ(after["fanConfig"]["startTemperature"], 45.5);
+    // An error that only the other side knows.
+    const auto odd = zelto({"set-charge", "limit=99"});
+    EXPECT_EQ(odd.status, 1);
+    EXPECT_EQ(odd.errors, "zelto: the helper refused for another reason: not today\n");
     EXPECT_EQ(zelto({"reset"}).status, 0);
     EXPECT_EQ(nlohmann::json::parse(zelto({"status", "--json"}).output)["chargeConfig"]["limit"], 80);
 }

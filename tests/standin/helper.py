@@ -4,6 +4,7 @@ import json
 import sys
 
 from dbus_next.aio import MessageBus
+from dbus_next import DBusError
 from dbus_next.service import ServiceInterface, method
 
 NAME = "com.kavra.zelto.helper"
@@ -29,6 +30,8 @@ class Helper(ServiceInterface):
     @method()
     def setChargeConfig(self, config: "ay") -> "s":
         self.charge = json.loads(config)
+        if self.charge["limit"] == 99:
+            raise DBusError("org.example.Odd", "not today")
         return ""
 
     @method()
