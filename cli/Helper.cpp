@@ -51,6 +51,10 @@ HelperConnection connectionFor(const HelperOptions& options) {
         std::chrono::milliseconds(std::llround(options.deadline * 1000)));
 }
 
+std::string missingValue(const std::string& name) {
+    return name + ": a value is missing (write " + name + "=…)";
+}
+
 /// Carries out "limit=80" on a record, strictly by its field table.
 template <class Config>
 void change(Config& config, const std::string& text) {
@@ -61,8 +65,7 @@ void change(Config& config, const std::string& text) {
         names += names.empty() ? "" : ", ";
         names += field.name;
         if (field.name != name) continue;
-        if (equals == text.size())
-            throw Failure(name + ": a value is missing (write " + name + "=…)", badValue);
+        if (equals == text.size()) throw Failure(missingValue(name), badValue);
         const Schema& schema = field.schema();
         std::string value = text.substr(equals + 1);
         if (schema.kind == Schema::Kind::token) {
