@@ -25,7 +25,7 @@ Glib::RefPtr<Gtk::CssProvider> plainStyle() {
             "button { padding: 0; margin: 0; border: none; min-width: 0; min-height: 0; background: none;"
             " box-shadow: none; outline: none; transition: none; }"
             "label { color: white; background-color: rgba(20, 20, 24, 0.92); border-radius: 10px;"
-            " padding: 6px; font-size: 11px; }");
+            " padding: 6px; font-family: Inter; font-size: 11px; }");
         return provider;
     }();
     return style;

@@ -18,7 +18,6 @@ class Schedule {
     /// A widget that starts with its stored timeline, if there is one, and wants a fresh one.
     void add(const std::string& id, std::optional<ArchivedTimeline> stored);
     void remove(const std::string& id);
-    bool contains(const std::string& id) const { return widgets_.contains(id); }
 
     /// A new timeline is wanted as soon as possible, whatever pauses there are.
     void reload(const std::string& id);
