@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <chrono>
+#include <map>
+#include <utility>
 
 #include "cli/Failure.hpp"
 #include "cli/Input.hpp"
@@ -11,18 +12,19 @@
 namespace zelto::cli {
 namespace {
 
-constexpr std::chrono::seconds deadline{10};
+host::ExtensionProgram programFor(const ExtensionOptions& options) {
+    host::ExtensionProgram program{
+        .path =
+            options.program.empty() ? host::installedExtension() : std::filesystem::path(options.program)};
+    for (const auto& [option, value] :
+         {std::pair{"--home", &options.home}, {"--machine", &options.machine}, {"--now", &options.now}})
+        if (!value->empty()) program.arguments.insert(program.arguments.end(), {option, *value});
+    return program;
+}
 
-host::ExtensionProcess startProcess(const ExtensionOptions& options) {
-    std::vector<std::string> arguments;
-    if (!options.home.empty()) arguments.insert(arguments.end(), {"--home", options.home});
-    if (!options.machine.empty()) arguments.insert(arguments.end(), {"--machine", options.machine});
-    if (!options.now.empty()) arguments.insert(arguments.end(), {"--now", options.now});
+host::ExtensionProcess startProcess(const host::ExtensionProgram& program) {
     std::string why;
-    auto process = host::ExtensionProcess::start(
-        options.program.empty() ? host::installedExtension() : std::filesystem::path(options.program),
-        arguments,
-        why);
+    auto process = host::ExtensionProcess::start(program, why);
     if (!process) throw Failure(why);
     return *std::move(process);
 }
@@ -38,24 +40,36 @@ std::string memberName(const std::string& kind) {
 
 }  // namespace
 
-Extension::Extension(const ExtensionOptions& options) : process_(startProcess(options)) {}
+Extension::Extension(const ExtensionOptions& options)
+    : program_(programFor(options)), process_(startProcess(program_)) {}
 
-std::vector<Reply> Extension::ask(std::vector<Request> requests) {
+host::Outcomes Extension::ask(std::vector<Request> requests) {
     const Environment environment = Environment::current();
     for (Request& request : requests) {
         request.locale = environment.locale;
         request.timeZone = environment.timeZone;
     }
-    std::vector<Reply> replies;
-    for (auto& outcome : process_.exchange(std::move(requests), deadline)) {
-        if (!outcome.reply) throw Failure(outcome.error);
-        replies.push_back(*std::move(outcome.reply));
-    }
-    return replies;
+    host::Outcomes all;
+    std::map<std::size_t, Request> again;
+    const auto take = [&all](host::Outcomes outcomes) { all.merge(outcomes); };
+    process_.exchange(requests, [&](host::Outcomes outcomes) {
+        for (const auto& [place, outcome] : outcomes)
+            if (outcome.isUnanswered) again[place] = requests[place];
+        std::erase_if(outcomes, [](const auto& each) { return each.second.isUnanswered; });
+        take(std::move(outcomes));
+    });
+    host::askApart(program_, again, take);
+    return all;
+}
+
+Reply Extension::ask(Request request) {
+    host::Outcome outcome = ask(std::vector{std::move(request)}).at(0);
+    if (!outcome.reply) throw Failure(outcome.error);
+    return *std::move(outcome.reply);
 }
 
 std::vector<WidgetDescription> Extension::widgets() {
-    auto reply = ask({Request{.request = RequestKind::bundle}}).front();
+    auto reply = ask(Request{.request = RequestKind::bundle});
     if (!reply.widgets) throw Failure("the widget extension did not list its widgets");
     return *std::move(reply.widgets);
 }

@@ -8,16 +8,21 @@
 
 namespace zelto::cli {
 
-/// The extension process, for one command. Its failures are raised.
+/// The extension, for one command.
 class Extension {
   public:
     explicit Extension(const ExtensionOptions& options);
 
+    /// Raises Failure when they are not told.
     std::vector<WidgetDescription> widgets();
-    /// One reply for each request, in order, in this process's locale and zone.
-    std::vector<Reply> ask(std::vector<Request> requests);
+    /// What became of each request, in this process's locale and zone. What the death of a process leaves
+    /// unanswered is asked again in processes of their own.
+    host::Outcomes ask(std::vector<Request> requests);
+    /// The reply to one request; raises Failure when there is none.
+    Reply ask(Request request);
 
   private:
+    host::ExtensionProgram program_;
     host::ExtensionProcess process_;
 };
 

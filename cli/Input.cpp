@@ -1,5 +1,6 @@
 #include "cli/Input.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <charconv>
@@ -23,11 +24,12 @@ constexpr std::array<std::pair<std::string_view, WidgetFamily>, 3> families{
      {"medium", WidgetFamily::systemMedium},
      {"large", WidgetFamily::systemLarge}}};
 
-std::string readAll(int fd, const std::string& name) {
+std::string readAll(int fd, const std::string& name, std::size_t mostBytes) {
     std::string out;
     // A file's size is known: a large one is then held once.
     struct stat status {};
-    if (fstat(fd, &status) == 0 && status.st_size > 0) out.reserve(static_cast<std::size_t>(status.st_size));
+    if (fstat(fd, &status) == 0 && status.st_size > 0)
+        out.reserve(std::min(static_cast<std::size_t>(status.st_size), mostBytes));
     std::array<char, 64 * 1024> buffer;
     while (true) {
         const ssize_t count = read(fd, buffer.data(), buffer.size());
@@ -35,6 +37,7 @@ std::string readAll(int fd, const std::string& name) {
         if (count < 0) throw Failure(name + ": " + std::strerror(errno));
         if (count == 0) return out;
         out.append(buffer.data(), static_cast<std::size_t>(count));
+        if (out.size() > mostBytes) return out;
     }
 }
 
@@ -49,11 +52,11 @@ void writeAll(int fd, std::string_view bytes, const std::string& name) {
 
 }  // namespace
 
-std::string readInput(const std::string& path) {
-    if (path == "-") return readAll(STDIN_FILENO, "standard input");
+std::string readInput(const std::string& path, std::size_t mostBytes) {
+    if (path == "-") return readAll(STDIN_FILENO, "standard input", mostBytes);
     const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     if (!fd) throw Failure(path + ": " + std::strerror(errno));
-    return readAll(fd.get(), path);
+    return readAll(fd.get(), path, mostBytes);
 }
 
 void writeOutput(const std::string& path, const std::string& bytes) {

@@ -8,8 +8,9 @@
 
 namespace zelto::cli {
 
-/// A file's bytes, or standard input's for "-". Raises Failure.
-std::string readInput(const std::string& path);
+/// A file's bytes, or standard input's for "-", of more than `mostBytes` only one more than those. Raises
+/// Failure.
+std::string readInput(const std::string& path, std::size_t mostBytes = std::string().max_size());
 
 /// Writes a whole file, or standard output for "-". Raises Failure.
 void writeOutput(const std::string& path, const std::string& bytes);

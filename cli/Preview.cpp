@@ -11,9 +11,10 @@
 #include "platform/drawing/Renderer.hpp"
 #include "platform/foundation/JSONDecoder.hpp"
 #include "platform/foundation/JSONEncoder.hpp"
+#include "platform/foundation/TimeZone.hpp"
 #include "platform/layout/Layout.hpp"
-#include "platform/layout/Reading.hpp"
 #include "platform/ui/Outline.hpp"
+#include "platform/ui/Reading.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "widget/Common/LiveDataFields.hpp"
 #include "widget/Common/LiveReader.hpp"
@@ -49,7 +50,7 @@ Environment environmentFor(const PreviewOptions& options) {
     if (!options.timeZone.empty()) environment.timeZone = options.timeZone;
     if (!isKnownLocale(environment.locale))
         throw Failure("--locale: '" + environment.locale + "' is not known");
-    if (!isKnownTimeZone(environment.timeZone))
+    if (!TimeZone::find(environment.timeZone))
         throw Failure("--time-zone: '" + environment.timeZone + "' is not known");
     return environment;
 }
@@ -63,9 +64,12 @@ std::string formatFor(const PreviewOptions& options) {
     return options.output.ends_with(".txt") ? "text" : "png";
 }
 
+/// Drawn as a host would, from what an extension would hand out; texts and outlines are the widget's own.
 std::string drawn(
-    const ArchivedEntry& entry, WidgetFamily family, Date now, const std::string& format, double scale) {
+    ArchivedEntry entry, WidgetFamily family, Date now, const std::string& format, double scale) {
     const WidgetSize size = sizeOf(family);
+    keepToBudget(entry.view, size.width);
+    if (const auto fault = faultOf(entry.view)) throw Failure("the view cannot be drawn: " + *fault);
     drawing::Renderer renderer;
     const auto placement =
         layout::layOut(entry.view, {.size = {size.width, size.height}, .now = now}, renderer.measuring());
@@ -103,17 +107,15 @@ void preview(const PreviewOptions& options) {
 
     const Formatting formatting(environment);
     entry = widget.snapshot({family, false}, {family, formatting, [&] { return now; }});
-    if (const auto fault = faultOf(entry->view)) throw Failure("the view cannot be drawn: " + *fault);
-
     std::string out;
     if (options.accessibility)
-        for (const std::string& text : layout::readingTexts(entry->view, now)) out += text + "\n";
+        for (const std::string& text : ui::readingTexts(entry->view, now)) out += text + "\n";
     else if (format == "text")
         out = ui::outline(entry->view);
     else if (format == "json")
         out = encodeJSON(*entry).value_or("") + "\n";
     else
-        out = drawn(*entry, family, now, format, options.scale);
+        out = drawn(*std::move(entry), family, now, format, options.scale);
     writeOutput(options.output.empty() ? "-" : options.output, out);
 }
 

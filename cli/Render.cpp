@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 
 #include "cli/Commands.hpp"
 #include "cli/Extension.hpp"
@@ -20,7 +21,13 @@ struct Look {
     layout::Placement placement;
 };
 
-std::vector<Look> askForLooks(const RenderOptions& options, drawing::Renderer& renderer) {
+/// What there is to draw, and what is wrong with the rest.
+struct Looks {
+    std::vector<Look> looks;
+    std::map<std::string, std::string> faults;  // which looks are missing, by the cause
+};
+
+Looks askForLooks(const RenderOptions& options, drawing::Renderer& renderer) {
     Extension extension(options.extension);
     const auto widgets = extension.widgets();
     std::vector<std::string> kinds;
@@ -37,20 +44,25 @@ std::vector<Look> askForLooks(const RenderOptions& options, drawing::Renderer& r
                  .family = family,
                  .preview = options.preview});
     }
-    std::vector<Look> looks;
-    const auto replies = extension.ask(requests);
-    for (std::size_t i = 0; i < replies.size(); ++i) {
-        const Reply& reply = replies[i];
-        if (!reply.entry && !reply.timeline) throw Failure("the widget extension answered without an entry");
-        const ArchivedEntry& entry = reply.entry ? *reply.entry : reply.timeline->entries.front();
-        const WidgetSize size = sizeOf(*requests[i].family);
-        looks.push_back(
-            {*requests[i].kind,
-             *requests[i].family,
+    Looks out;
+    for (const auto& [place, outcome] : extension.ask(requests)) {
+        const std::string& kind = *requests[place].kind;
+        const WidgetFamily family = *requests[place].family;
+        const auto& reply = outcome.reply;
+        if (!reply || (!reply->entry && !reply->timeline)) {
+            std::string& missing = out.faults[reply ? "an answer without an entry" : outcome.error];
+            missing += (missing.empty() ? "" : ", ") + kind + " (" + familyName(family) + ")";
+            continue;
+        }
+        const ArchivedEntry& entry = reply->entry ? *reply->entry : reply->timeline->entries.front();
+        const WidgetSize size = sizeOf(family);
+        out.looks.push_back(
+            {kind,
+             family,
              layout::layOut(
                  entry.view, {.size = {size.width, size.height}, .now = entry.date}, renderer.measuring())});
     }
-    return looks;
+    return out;
 }
 
 void writePNG(const std::filesystem::path& path, const drawing::Picture& picture) {
@@ -64,7 +76,8 @@ void writePNG(const std::filesystem::path& path, const drawing::Picture& picture
 void render(const RenderOptions& options) {
     const std::filesystem::path folder = options.output;
     drawing::Renderer renderer;
-    const auto looks = askForLooks(options, renderer);
+    const auto [looks, faults] = askForLooks(options, renderer);
+    if (looks.empty() && faults.size() == 1) throw Failure(faults.begin()->first);
 
     std::error_code error;
     std::filesystem::create_directories(folder, error);
@@ -80,6 +93,10 @@ void render(const RenderOptions& options) {
     writePNG(folder / "gallery.png", renderer.drawSheet(sheet, grid.size(), options.scale));
     std::cout << looks.size() << " pictures and gallery.png are in "
               << std::filesystem::absolute(folder).string() << '\n';
+    std::string all;
+    for (const auto& [cause, missing] : faults)
+        all += (all.empty() ? "not drawn: " : "; ") + missing + ": " + cause;
+    if (!all.empty()) throw Failure(all);
 }
 
 }  // namespace zelto::cli

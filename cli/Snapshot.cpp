@@ -4,6 +4,7 @@
 #include "cli/Commands.hpp"
 #include "cli/Failure.hpp"
 #include "cli/Input.hpp"
+#include "cli/SnapshotNotes.hpp"
 #include "platform/foundation/ISO8601.hpp"
 #include "platform/foundation/JSONDecoder.hpp"
 #include "platform/foundation/JSONEncoder.hpp"
@@ -24,10 +25,13 @@ void snapshotSample() {
 
 void snapshotCheck(const std::string& file) {
     const std::string path = file.empty() ? WidgetSnapshot::url().string() : file;
-    const std::string bytes = readInput(path);
+    const std::string name = path == "-" ? "standard input" : path;
+    const std::string bytes = readInput(path, WidgetSnapshot::largestDocument);
+    if (bytes.size() > WidgetSnapshot::largestDocument)
+        throw Failure(name + ": larger than 16 MiB, which no widget reads");
     DecodingError error;
     const auto snapshot = decodeJSON<WidgetSnapshot>(bytes, &error);
-    if (!snapshot) throw Failure((path == "-" ? "standard input" : path) + ": " + error.text());
+    if (!snapshot) throw Failure(name + ": " + error.text());
     std::cout << "ok: taken " << iso8601(snapshot->date) << ", "
               << (snapshot->battery ? "battery " + std::to_string(snapshot->battery->percent) + "%"
                                     : "no battery")
@@ -36,6 +40,10 @@ void snapshotCheck(const std::string& file) {
               << counted(snapshot->events.size(), "event", "events") << ", "
               << counted(snapshot->clockZones.size(), "clock zone", "clock zones") << ", "
               << counted(snapshot->careItems.size(), "finding", "findings") << '\n';
+    const auto notes = notesOn(*snapshot);
+    constexpr std::size_t most = 20;
+    for (std::size_t i = 0; i < std::min(notes.size(), most); ++i) std::cout << "note: " << notes[i] << '\n';
+    if (notes.size() > most) std::cout << "note: and " << notes.size() - most << " more\n";
 }
 
 }  // namespace zelto::cli

@@ -16,13 +16,8 @@ void timeline(const TimelineOptions& options) {
     const auto widgets = extension.widgets();
     const WidgetDescription& widget = findWidget(widgets, options.kind);
     requireFamily(widget, family);
-    const Reply reply = extension
-                            .ask({Request{
-                                .request = RequestKind::timeline,
-                                .kind = widget.kind,
-                                .family = family,
-                                .preview = options.preview}})
-                            .front();
+    const Reply reply = extension.ask(Request{
+        .request = RequestKind::timeline, .kind = widget.kind, .family = family, .preview = options.preview});
     if (!reply.timeline) throw Failure("the widget extension did not answer with a timeline");
     if (options.json) {
         std::cout << encodeJSON(*reply.timeline).value_or("") << '\n';

@@ -4,6 +4,12 @@
 #include "host/Arrangement.hpp"
 
 namespace zelto::desktop {
+namespace {
+
+/// An upgrade of the zones' data counts as done when nothing has changed for so long.
+constexpr double upgradeSeconds = 2;
+
+}  // namespace
 
 Desktop::Desktop(DesktopOptions options)
     : options_(std::move(options)),
@@ -32,7 +38,14 @@ Desktop::Desktop(DesktopOptions options)
         }
     });
     zoneSource_ = MainSource::whenReadable(zone_.fd(), [this] {
-        if (zone_.take()) host_->environmentChanged();
+        const auto changes = zone_.take();
+        if (changes.setting) host_->environmentChanged();
+        // What the extension has read of the zones stays with it: it is to start anew, once all is in place.
+        if (changes.data)
+            zoneDataSource_ = MainSource::after(upgradeSeconds, [this] {
+                worker_->restart();
+                host_->environmentChanged();
+            });
     });
     watchMonitors();
     host_->start();

@@ -59,7 +59,7 @@ class Desktop : public host::HostObserver {
     host::LinkOpener links_;
     host::WallTimer timer_;
     host::ZoneWatch zone_;
-    MainSource timerSource_, zoneSource_;
+    MainSource timerSource_, zoneSource_, zoneDataSource_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;
     bool isFirstStart_ = false;

@@ -148,13 +148,14 @@ int run(int argc, char** argv) {
     settings.folders = host::Folders::current();
     settings.showsGallery = options.gallery;
     if (options.scale > 0) settings.zoom = options.scale;
-    settings.extension.program =
+    settings.extension.program.path =
         options.extension.empty() ? host::installedExtension() : std::filesystem::path(options.extension);
     settings.extension.longestPause = settings.extension.firstPause * 60;
     for (const auto& [option, value] :
          {std::pair{"--home", &options.home}, {"--machine", &options.machine}, {"--now", &options.now}})
         if (!value->empty())
-            settings.extension.arguments.insert(settings.extension.arguments.end(), {option, *value});
+            settings.extension.program.arguments.insert(
+                settings.extension.program.arguments.end(), {option, *value});
     for (const auto& [kind, family] : wishes) settings.wishes.emplace_back(kind, *host::familyNamed(family));
 
     desktop = std::make_unique<desktop::Desktop>(settings);

@@ -8,8 +8,8 @@
 #include "desktop/MainThread.hpp"
 #include "desktop/PaintPicture.hpp"
 #include "platform/layout/Layout.hpp"
-#include "platform/layout/Reading.hpp"
-#include "platform/layout/TimerText.hpp"
+#include "platform/ui/Reading.hpp"
+#include "platform/ui/TimerText.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -154,9 +154,14 @@ void Face::layOutAgain() {
     const Date now = seams_.now();
     placement_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
     placeLinks();
-    get_accessible()->set_description(layout::joined(layout::readingTexts(entry_->view, now)));
+    describe(now);
     whole_.get_accessible()->set_role(placement_.widgetURL ? Atk::ROLE_LINK : Atk::ROLE_PANEL);
     drawAll();
+}
+
+/// What is read of it aloud.
+void Face::describe(Date now) {
+    get_accessible()->set_description(ui::joined(ui::readingTexts(entry_->view, now)));
 }
 
 void Face::placeLinks() {
@@ -236,7 +241,7 @@ void Face::waitForTick() {
     std::optional<Date> next;
     for (const auto& item : placement_.items)
         if (const auto* countdown = std::get_if<layout::PlacedCountdown>(&item)) {
-            const Date change = layout::nextTimerChange(countdown->end, now);
+            const Date change = ui::nextTimerChange(countdown->end, now);
             next = next ? std::min(*next, change) : change;
         }
     if (next) sources_->tick = MainSource::after(*next - now, [this] { tick(); });
@@ -244,9 +249,10 @@ void Face::waitForTick() {
 
 void Face::tick() {
     if (!isSeen_ || !entry_) return;
+    const Date now = seams_.now();
     auto before = std::move(placement_);
-    placement_ =
-        layout::layOut(entry_->view, {.size = size_, .now = seams_.now()}, seams_.renderer.measuring());
+    placement_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
+    describe(now);
     const auto area = countdownArea(before, placement_);
     if (!area) {
         if (before != placement_) layOutAgain();

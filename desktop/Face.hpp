@@ -57,6 +57,7 @@ class Face : public Gtk::Fixed {
 
   private:
     void layOutAgain();
+    void describe(Date now);
     void placeLinks();
     void drawAll();
     void tick();

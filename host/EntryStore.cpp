@@ -21,6 +21,13 @@ ZELTO_RECORD(zelto::host::StoredTimeline, kind, family, timeline);
 
 namespace zelto::host {
 
+namespace {
+
+/// Bytes; a larger file counts as none.
+constexpr std::size_t largestFile = std::size_t{2} << 20;
+
+}  // namespace
+
 /// Ids come from a file that a person edits: anything but letters and digits is spelled out.
 std::filesystem::path EntryStore::fileOf(const PlacedWidget& widget) const {
     constexpr const char* digits = "0123456789abcdef";
@@ -39,7 +46,7 @@ std::filesystem::path EntryStore::fileOf(const PlacedWidget& widget) const {
 }
 
 std::optional<ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) const {
-    const auto bytes = readFile(fileOf(widget));
+    const auto bytes = readFile(fileOf(widget), largestFile);
     if (!bytes) return std::nullopt;
     auto stored = decodeJSON<StoredTimeline>(*bytes);
     if (!stored || stored->kind != widget.kind || stored->family != widget.family) return std::nullopt;
@@ -56,7 +63,9 @@ bool EntryStore::save(const PlacedWidget& widget, const ArchivedTimeline& timeli
     // It may hold what was copied to the clipboard.
     std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
     const auto bytes = encodeJSON(StoredTimeline{widget.kind, widget.family, timeline});
-    return bytes && writeFileAtomically(fileOf(widget), *bytes, Durability::processDeath);
+    return bytes && bytes->size() <= largestFile &&
+           writeFileAtomically(
+               fileOf(widget), *bytes, {.durability = Durability::processDeath, .readers = Readers::owner});
 }
 
 void EntryStore::keepOnly(const std::vector<PlacedWidget>& widgets) const {

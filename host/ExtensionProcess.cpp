@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -12,6 +14,7 @@
 #include <spawn.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "platform/foundation/JSONEncoder.hpp"
@@ -51,8 +54,14 @@ std::string describe(int status) {
 
 }  // namespace
 
-std::optional<ExtensionProcess> ExtensionProcess::start(
-    const std::filesystem::path& program, const std::vector<std::string>& arguments, std::string& why) {
+/// The requests of one exchange and what became of them.
+struct ExtensionProcess::Exchange {
+    std::map<std::int64_t, std::size_t> open;  // the place of each request that has no answer yet, by its id
+    Outcomes answered;                         // and not handed over yet
+    std::string pending;                       // what is still to be sent
+};
+
+std::optional<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program, std::string& why) {
     auto toChild = Pipe::make(), fromChild = Pipe::make(), errors = Pipe::make();
     if (!toChild || !fromChild || !errors) {
         why = std::string("no pipe for the widget extension: ") + std::strerror(errno);
@@ -64,27 +73,32 @@ std::optional<ExtensionProcess> ExtensionProcess::start(
     posix_spawn_file_actions_adddup2(&actions, fromChild->write.get(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, errors->write.get(), STDERR_FILENO);
 
-    std::vector<std::string> words{program.string()};
-    words.insert(words.end(), arguments.begin(), arguments.end());
+    std::vector<std::string> words{program.path.string()};
+    words.insert(words.end(), program.arguments.begin(), program.arguments.end());
     std::vector<char*> argv;
     for (auto& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     pid_t pid = -1;
-    const int error = posix_spawn(&pid, program.c_str(), &actions, nullptr, argv.data(), environ);
+    const int error = posix_spawn(&pid, program.path.c_str(), &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
     if (error != 0) {
-        why = "cannot start the widget extension " + program.string() + ": " + std::strerror(error);
+        why = "cannot start the widget extension " + program.path.string() + ": " + std::strerror(error);
         return std::nullopt;
     }
     makeNonBlocking(toChild->write.get());
     makeNonBlocking(fromChild->read.get());
     makeNonBlocking(errors->read.get());
     return ExtensionProcess(
-        pid, std::move(toChild->write), std::move(fromChild->read), std::move(errors->read));
+        pid,
+        program.deadline,
+        std::move(toChild->write),
+        std::move(fromChild->read),
+        std::move(errors->read));
 }
 
 ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
     : pid_(std::exchange(other.pid_, -1)),
+      deadline_(other.deadline_),
       input_(std::move(other.input_)),
       output_(std::move(other.output_)),
       errors_(std::move(other.errors_)),
@@ -179,74 +193,124 @@ bool ExtensionProcess::receiveSome() {
     return count > 0;
 }
 
-/// Moves whole lines into the outcomes that wait for them; tells what is wrong with one that makes no sense.
-std::string ExtensionProcess::takeReplies(std::map<std::int64_t, Outcome>& outcomes) {
+/// Moves whole lines to the requests that wait for them; tells what is wrong with one that makes no sense.
+std::string ExtensionProcess::takeReplies(Exchange& exchange) {
     std::size_t begin = 0;
     for (auto end = received_.find('\n'); end != std::string::npos; end = received_.find('\n', begin)) {
         std::string why;
         auto reply = decodeReply(std::string_view(received_).substr(begin, end - begin), &why);
         begin = end + 1;
         if (!reply) return "the widget extension answered nonsense: " + why;
-        const auto waiting = reply->id ? outcomes.find(*reply->id) : outcomes.end();
-        if (waiting == outcomes.end() || waiting->second.reply || !waiting->second.error.empty())
-            return "the widget extension answered what nobody asked";
+        const auto waiting = reply->id ? exchange.open.find(*reply->id) : exchange.open.end();
+        if (waiting == exchange.open.end()) return "the widget extension answered what nobody asked";
+        Outcome& outcome = exchange.answered[waiting->second];
+        exchange.open.erase(waiting);
         if (reply->error)
-            waiting->second.error = reply->error->empty() ? "an error without a reason" : *reply->error;
+            outcome.error = reply->error->empty() ? "an error without a reason" : *reply->error;
         else
-            waiting->second.reply = std::move(reply);
+            outcome.reply = std::move(reply);
     }
     received_.erase(0, begin);
     return received_.size() > longestLine ? "the widget extension answered without an end" : "";
 }
 
-std::vector<Outcome> ExtensionProcess::exchange(
-    std::vector<Request> requests, std::chrono::milliseconds allowed, int cancel) {
-    std::map<std::int64_t, Outcome> outcomes;
-    std::vector<std::int64_t> order;
-    std::string pending, failure;
-    for (Request& request : requests) {
-        request.id = ++lastID_;
-        order.push_back(request.id);
-        outcomes[request.id];
-        if (const auto line = encodeJSON(request))
-            pending += *line + '\n';
-        else
-            outcomes[request.id].error = "a request that is not UTF-8";
-    }
-    const auto isOpen = [](const auto& entry) { return !entry.second.reply && entry.second.error.empty(); };
-    const auto deadline = Clock::now() + allowed;
-    if (pid_ < 0) failure = "the widget extension has ended";
-    while (failure.empty() && std::ranges::any_of(outcomes, isOpen)) {
+/// Sends and receives until something is worth telling: all is answered, nothing came for a while though
+/// something has been answered, or the process is of no use any more, which is told by why.
+std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
+    /// What has been answered waits so long for the rest.
+    constexpr std::chrono::milliseconds together{1000};
+    const auto deadline = Clock::now() + deadline_;
+    auto quietUntil = Clock::now() + together;
+    while (!exchange.open.empty()) {
+        const auto now = Clock::now();
+        if (now >= deadline) {
+            end();
+            return "the widget extension did not answer in time" + lastWords();
+        }
+        if (!exchange.answered.empty() && now >= quietUntil) return "";
         std::array<pollfd, 4> ends{
             pollfd{output_.get(), POLLIN, 0},
-            pollfd{pending.empty() ? -1 : input_.get(), POLLOUT, 0},
+            pollfd{exchange.pending.empty() ? -1 : input_.get(), POLLOUT, 0},
             pollfd{cancel, POLLIN, 0},
             pollfd{errors_.get(), POLLIN, 0}};
-        const int ready = poll(ends.data(), ends.size(), remaining(deadline));
-        if (ready == 0) {
-            end();
-            failure = "the widget extension did not answer in time" + lastWords();
-        } else if (ready > 0 && ends[2].revents != 0) {
-            failure = "the widget extension is not needed any more";
-        } else if (ready > 0) {
-            if (ends[3].revents != 0 && !listen()) errors_.reset();
-            // A broken input shows on the output too, as its end.
-            if (ends[1].revents != 0 && !sendSome(pending)) pending.clear();
-            if (ends[0].revents != 0 && !receiveSome()) failure = farewell();
-            if (const std::string nonsense = takeReplies(outcomes); !nonsense.empty()) failure = nonsense;
-        } else if (errno != EINTR) {
-            failure = std::string("cannot wait for the widget extension: ") + std::strerror(errno);
+        const auto until = exchange.answered.empty() ? deadline : std::min(deadline, quietUntil);
+        const int ready = poll(ends.data(), ends.size(), remaining(until) + 1);
+        if (ready < 0 && errno != EINTR)
+            return std::string("cannot wait for the widget extension: ") + std::strerror(errno);
+        if (ready <= 0) continue;
+        if (ends[2].revents != 0) return "the widget extension is not needed any more";
+        if (ends[3].revents != 0 && !listen()) errors_.reset();
+        // A broken input shows on the output too, as its end.
+        if (ends[1].revents != 0 && !sendSome(exchange.pending)) exchange.pending.clear();
+        std::string failure;
+        if (ends[0].revents != 0) {
+            if (!receiveSome()) failure = farewell();
+            quietUntil = Clock::now() + together;
         }
+        if (const std::string nonsense = takeReplies(exchange); !nonsense.empty()) failure = nonsense;
+        if (!failure.empty()) return failure;
+    }
+    return "";
+}
+
+void ExtensionProcess::exchange(
+    std::vector<Request> requests, const std::function<void(Outcomes)>& deliver, int cancel) {
+    Exchange exchange;
+    for (std::size_t place = 0; place < requests.size(); ++place) {
+        requests[place].id = ++lastID_;
+        if (const auto line = encodeJSON(requests[place])) {
+            exchange.pending += *line + '\n';
+            exchange.open[requests[place].id] = place;
+        } else {
+            exchange.answered[place].error = "a request that is not UTF-8";
+        }
+    }
+    std::string failure = pid_ < 0 ? "the widget extension has ended" : "";
+    while (failure.empty() && !exchange.open.empty()) {
+        failure = serve(exchange, cancel);
+        if (failure.empty() && !exchange.open.empty()) deliver(std::exchange(exchange.answered, {}));
     }
     if (!failure.empty() && pid_ > 0) end();
     failure_ = failure;
-    std::vector<Outcome> out;
-    for (const std::int64_t id : order) {
-        auto& outcome = outcomes[id];
-        if (!outcome.reply && outcome.error.empty()) outcome.error = failure;
-        out.push_back(std::move(outcome));
+    for (const auto& [id, place] : exchange.open)
+        exchange.answered[place] = {.error = failure, .isUnanswered = true};
+    if (!exchange.answered.empty()) deliver(std::move(exchange.answered));
+}
+
+void askApart(
+    const ExtensionProgram& program, const std::map<std::size_t, Request>& requests,
+    const std::function<void(Outcomes)>& deliver, int cancel) {
+    constexpr std::size_t mostAtOnce = 16;
+    std::mutex mutex;
+    auto next = requests.begin();
+    const auto hand = [&](std::size_t place, Outcome outcome) {
+        const std::lock_guard lock(mutex);
+        deliver({{place, std::move(outcome)}});
+    };
+    const auto workOff = [&] {
+        while (true) {
+            std::unique_lock lock(mutex);
+            if (next == requests.end()) return;
+            const auto& [place, request] = *next++;
+            lock.unlock();
+            std::string why;
+            auto process = ExtensionProcess::start(program, why);
+            if (process)
+                process->exchange(
+                    {request},
+                    [&hand, at = place](Outcomes outcomes) { hand(at, std::move(outcomes.begin()->second)); },
+                    cancel);
+            else
+                hand(place, {.error = why, .isUnanswered = true});
+        }
+    };
+    std::vector<std::jthread> others;
+    try {
+        while (others.size() + 1 < std::min(requests.size(), mostAtOnce)) others.emplace_back(workOff);
+    } catch (const std::system_error&) {
+        // Those that there are take longer.
     }
-    return out;
+    workOff();
 }
 
 std::filesystem::path installedExtension() {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -16,8 +17,19 @@ namespace zelto::host {
 
 /// What became of one request: a reply that was checked, or why there is none.
 struct Outcome {
-    std::optional<Reply> reply;
-    std::string error;
+    std::optional<Reply> reply = {};
+    std::string error = {};
+    /// The process ended or hung before it answered, for which another request may be to blame.
+    bool isUnanswered = false;
+};
+/// By the requests' places in the list that was asked.
+using Outcomes = std::map<std::size_t, Outcome>;
+
+/// How to start the extension, and how long a request may take before it counts as a hang.
+struct ExtensionProgram {
+    std::filesystem::path path;
+    std::vector<std::string> arguments = {};
+    std::chrono::milliseconds deadline{10'000};
 };
 
 /// The widget extension as a child process. What it says on its standard error is kept for the report of its
@@ -25,18 +37,18 @@ struct Outcome {
 class ExtensionProcess {
   public:
     /// Absent, with the reason, when the program cannot be started.
-    static std::optional<ExtensionProcess> start(
-        const std::filesystem::path& program, const std::vector<std::string>& arguments, std::string& why);
+    static std::optional<ExtensionProcess> start(const ExtensionProgram& program, std::string& why);
 
     ExtensionProcess(ExtensionProcess&& other) noexcept;
     ExtensionProcess& operator=(ExtensionProcess&&) = delete;
     ~ExtensionProcess();
 
-    /// Sends requests side by side, their ids given here, and waits for their replies; outcomes stand in the
-    /// requests' order. A process that dies, talks nonsense or lets the deadline pass leaves its requests
-    /// with an error, and is of no use afterwards. So does a `cancel` descriptor that becomes readable.
-    std::vector<Outcome> exchange(
-        std::vector<Request> requests, std::chrono::milliseconds deadline, int cancel = -1);
+    /// Sends requests side by side, their ids given here, and hands over what became of each, once: all of
+    /// them together, unless nothing came for a second while some were still open. A process that dies, talks
+    /// nonsense or lets the deadline pass leaves its requests with an error, and is of no use afterwards. So
+    /// does a `cancel` descriptor that becomes readable.
+    void exchange(
+        std::vector<Request> requests, const std::function<void(Outcomes)>& deliver, int cancel = -1);
 
     /// How it ended, if it has; it is of no use then.
     std::optional<std::string> ending();
@@ -51,12 +63,21 @@ class ExtensionProcess {
     static constexpr std::size_t longestLine = std::size_t{32} * 1024 * 1024;
 
   private:
-    ExtensionProcess(pid_t pid, FileDescriptor input, FileDescriptor output, FileDescriptor errors)
-        : pid_(pid), input_(std::move(input)), output_(std::move(output)), errors_(std::move(errors)) {}
+    struct Exchange;
+
+    ExtensionProcess(
+        pid_t pid, std::chrono::milliseconds deadline, FileDescriptor input, FileDescriptor output,
+        FileDescriptor errors)
+        : pid_(pid),
+          deadline_(deadline),
+          input_(std::move(input)),
+          output_(std::move(output)),
+          errors_(std::move(errors)) {}
 
     bool sendSome(std::string& pending);
     bool receiveSome();
-    std::string takeReplies(std::map<std::int64_t, Outcome>& outcomes);
+    std::string takeReplies(Exchange& exchange);
+    std::string serve(Exchange& exchange, int cancel);
     std::string farewell();
     bool endsWithin(std::chrono::milliseconds allowed) const;
     bool listen();
@@ -64,6 +85,7 @@ class ExtensionProcess {
     void end();
 
     pid_t pid_;
+    std::chrono::milliseconds deadline_;
     FileDescriptor input_;
     FileDescriptor output_;
     FileDescriptor errors_;
@@ -72,6 +94,12 @@ class ExtensionProcess {
     std::string failure_;
     std::int64_t lastID_ = 0;
 };
+
+/// Asks each request in a process of its own, several side by side, and hands over what became of each as
+/// soon as it is known. `deliver` may be called on any thread, by one at a time.
+void askApart(
+    const ExtensionProgram& program, const std::map<std::size_t, Request>& requests,
+    const std::function<void(Outcomes)>& deliver, int cancel = -1);
 
 /// The extension program that was installed beside the running one.
 std::filesystem::path installedExtension();

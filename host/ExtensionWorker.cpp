@@ -1,7 +1,7 @@
 #include "host/ExtensionWorker.hpp"
 
 #include <cstdint>
-#include <iterator>
+#include <map>
 #include <sstream>
 #include <utility>
 
@@ -37,6 +37,11 @@ void ExtensionWorker::ask(std::vector<Request> requests, Completion completion) 
     changed_.notify_all();
 }
 
+void ExtensionWorker::restart() {
+    const std::lock_guard lock(mutex_);
+    isStale_ = true;
+}
+
 std::deque<ExtensionWorker::Work> ExtensionWorker::nextWork(std::optional<Clock::time_point> until) {
     std::unique_lock lock(mutex_);
     const auto isAwake = [this] { return isEnding_ || !work_.empty(); };
@@ -65,60 +70,142 @@ void ExtensionWorker::run() {
 
 void ExtensionWorker::work(std::deque<Work> all) {
     std::vector<Request> requests;
-    for (const Work& each : all) requests.insert(requests.end(), each.requests.begin(), each.requests.end());
-    auto outcomes = exchange(std::move(requests));
-    auto next = std::make_move_iterator(outcomes.begin());
-    for (Work& each : all) {
-        const auto end = next + static_cast<std::ptrdiff_t>(each.requests.size());
-        std::vector<Outcome> own(next, end);
-        next = end;
-        seams_.post([completion = std::move(each.completion), own = std::move(own)]() mutable {
-            completion(std::move(own));
-        });
+    std::vector<std::pair<std::size_t, std::size_t>> owners;  // work, and place among its requests
+    for (std::size_t i = 0; i < all.size(); ++i)
+        for (std::size_t place = 0; place < all[i].requests.size(); ++place) {
+            requests.push_back(all[i].requests[place]);
+            owners.emplace_back(i, place);
+        }
+    exchange(requests, [&](Outcomes outcomes) {
+        std::map<std::size_t, Outcomes> byWork;
+        for (auto& [place, outcome] : outcomes)
+            byWork[owners[place].first].emplace(owners[place].second, std::move(outcome));
+        for (auto& [i, own] : byWork)
+            seams_.post([completion = all[i].completion, own = std::move(own)]() mutable {
+                completion(std::move(own));
+            });
+    });
+}
+
+void ExtensionWorker::exchange(
+    const std::vector<Request>& requests, const std::function<void(Outcomes)>& deliver) {
+    std::vector<Request> together;
+    std::vector<std::size_t> places;
+    std::map<std::size_t, Request> apart;
+    for (std::size_t place = 0; place < requests.size(); ++place) {
+        if (deadly_.contains(subjectOf(requests[place]))) {
+            apart[place] = requests[place];
+        } else {
+            together.push_back(requests[place]);
+            places.push_back(place);
+        }
+    }
+
+    bool isOfUse = false;
+    std::string failure;
+    if (!together.empty()) {
+        failure = startProcess();
+        if (!failure.empty()) {
+            Outcomes none;
+            for (const std::size_t place : places) none[place] = {.error = failure, .isUnanswered = true};
+            backOff(failure);
+            deliver(std::move(none));
+            together.clear();
+        }
+    }
+    if (!together.empty()) {
+        process_->exchange(
+            std::move(together),
+            [&](Outcomes outcomes) {
+                Outcomes answered;
+                for (auto& [i, outcome] : outcomes) {
+                    if (outcome.isUnanswered)
+                        apart[places[i]] = requests[places[i]];
+                    else
+                        answered.emplace(places[i], std::move(outcome));
+                }
+                isOfUse = isOfUse || !answered.empty();
+                if (!answered.empty()) deliver(std::move(answered));
+            },
+            cancel_.get());
+        if (!process_->isUsable()) failure = process_->failure();
+    }
+    if (isEnding()) return;
+
+    std::set<Subject> unanswered;
+    askApart(
+        options_.program,
+        apart,
+        [&](Outcomes outcomes) {
+            for (const auto& [place, outcome] : outcomes) {
+                if (outcome.isUnanswered) {
+                    unanswered.insert(subjectOf(requests[place]));
+                } else {
+                    deadly_.erase(subjectOf(requests[place]));
+                    isOfUse = true;
+                }
+            }
+            deliver(std::move(outcomes));
+        },
+        cancel_.get());
+
+    if (process_ && process_->isUsable()) {
+        backoff_.succeeded();
+    } else if (process_) {
+        process_.reset();
+        if (!isOfUse)
+            backOff(failure);
+        else if (unanswered.empty())
+            log(failure + "; what it had not answered was asked again");
+        else
+            deadly_.merge(unanswered);
     }
 }
 
-void ExtensionWorker::died(const std::string& how) {
+std::string ExtensionWorker::startProcess() {
+    if (isOutdated()) process_.reset();
+    if (process_)
+        if (const auto ending = process_->ending()) {
+            process_.reset();
+            backOff(*ending);
+        }
+    if (process_) return {};
+    if (!pauses()) return "the host ends";
+    std::string why;
+    if (auto started = ExtensionProcess::start(options_.program, why)) process_.emplace(*std::move(started));
+    return why;
+}
+
+void ExtensionWorker::backOff(const std::string& how) {
     backoff_.failed();
     startableAt_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
                                       std::chrono::duration<double>(backoff_.pause()));
     std::ostringstream line;
     line << how << "; to be started again after " << backoff_.pause() << " s";
-    // What is told may be the process's own.
-    process_.reset();
+    log(line.str());
+}
+
+bool ExtensionWorker::isEnding() {
     const std::lock_guard lock(mutex_);
-    if (!isEnding_) seams_.log(line.str());
+    return isEnding_;
+}
+
+/// Whether the process is to be replaced, told once.
+bool ExtensionWorker::isOutdated() {
+    const std::lock_guard lock(mutex_);
+    return std::exchange(isStale_, false);
+}
+
+/// Nobody wants to know of an end that was asked for.
+void ExtensionWorker::log(const std::string& line) {
+    const std::lock_guard lock(mutex_);
+    if (!isEnding_) seams_.log(line);
 }
 
 /// Waits until the process may be started again; false when the end has come.
 bool ExtensionWorker::pauses() {
     std::unique_lock lock(mutex_);
     return !changed_.wait_until(lock, startableAt_, [this] { return isEnding_; });
-}
-
-std::vector<Outcome> ExtensionWorker::exchange(std::vector<Request> requests) {
-    const std::size_t count = requests.size();
-    const auto all = [count](const std::string& error) {
-        return std::vector<Outcome>(count, Outcome{std::nullopt, error});
-    };
-    if (process_)
-        if (const auto ending = process_->ending()) died(*ending);
-    if (!process_) {
-        if (!pauses()) return all("the host ends");
-        std::string why;
-        if (auto started = ExtensionProcess::start(options_.program, options_.arguments, why))
-            process_.emplace(*std::move(started));
-        if (!process_) {
-            died(why);
-            return all(why);
-        }
-    }
-    auto outcomes = process_->exchange(std::move(requests), options_.deadline, cancel_.get());
-    if (process_->isUsable())
-        backoff_.succeeded();
-    else
-        died(process_->failure());
-    return outcomes;
 }
 
 }  // namespace zelto::host

@@ -7,8 +7,10 @@
 #include <functional>
 #include <mutex>
 #include <optional>
+#include <set>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "host/Backoff.hpp"
@@ -17,23 +19,23 @@
 namespace zelto::host {
 
 struct ExtensionOptions {
-    std::filesystem::path program;
-    std::vector<std::string> arguments = {};
-    /// A request that takes longer counts as a hang.
-    std::chrono::milliseconds deadline{10'000};
+    ExtensionProgram program;
     /// The process is ended when nothing was asked for so long: a while more than widgets commonly live
     /// between two requests, since a start costs as much as it does in a round.
     std::chrono::milliseconds idle{600'000};
-    /// Seconds before the process is started again after a death, a hang or nonsense.
+    /// Seconds before the process is started again after it was of no use to anybody.
     double firstPause = 1, longestPause = 60;
 };
 
 /// Looks after the extension's process on a thread of its own: starts it when something is asked, ends it
 /// when nothing is, starts it again after it died. What is asked while it is busy goes out together
-/// afterwards. Ends with this object, without waiting for answers.
+/// afterwards. What a death or a hang leaves unanswered is asked once more, each request in a process of its
+/// own; one that is the end of that too, though others were answered, is not asked beside others any more
+/// until it has been answered. Ends with this object, without waiting for answers.
 class ExtensionWorker {
   public:
-    using Completion = std::function<void(std::vector<Outcome>)>;
+    /// Gets what became of each request, once; in several calls when some take much longer than others.
+    using Completion = std::function<void(Outcomes)>;
     struct Seams {
         /// Carries a function over to the thread on which completions are to run.
         std::function<void(std::function<void()>)> post;
@@ -44,8 +46,10 @@ class ExtensionWorker {
     ExtensionWorker(ExtensionOptions options, Seams seams);
     ~ExtensionWorker();
 
-    /// Sends the requests side by side. The completion gets one outcome for each, in order.
+    /// Sends the requests side by side.
     void ask(std::vector<Request> requests, Completion completion);
+    /// What is asked from now on is answered by a new process, which reads everything anew.
+    void restart();
 
   private:
     using Clock = std::chrono::steady_clock;
@@ -53,14 +57,22 @@ class ExtensionWorker {
         std::vector<Request> requests;
         Completion completion;
     };
+    /// What tells one widget's requests from another's.
+    using Subject = std::pair<std::optional<std::string>, std::optional<WidgetFamily>>;
+    static Subject subjectOf(const Request& request) { return {request.kind, request.family}; }
 
     void run();
     /// All that is to be done next, if anything comes before `until`.
     std::deque<Work> nextWork(std::optional<Clock::time_point> until);
     void work(std::deque<Work> all);
-    std::vector<Outcome> exchange(std::vector<Request> requests);
-    void died(const std::string& how);
+    void exchange(const std::vector<Request>& requests, const std::function<void(Outcomes)>& deliver);
+    /// Why there is no process to ask, or nothing.
+    std::string startProcess();
+    void backOff(const std::string& how);
+    void log(const std::string& line);
     bool pauses();
+    bool isEnding();
+    bool isOutdated();
 
     const ExtensionOptions options_;
     const Seams seams_;
@@ -68,9 +80,10 @@ class ExtensionWorker {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::deque<Work> work_;
-    bool isEnding_ = false;
+    bool isEnding_ = false, isStale_ = false;
     // The thread's own.
     std::optional<ExtensionProcess> process_;
+    std::set<Subject> deadly_;  // to be asked apart
     Backoff backoff_;
     Clock::time_point startableAt_{};
     std::thread thread_;

@@ -9,6 +9,9 @@
 namespace zelto::host {
 namespace {
 
+/// Bytes; a larger file counts as one that cannot be read.
+constexpr std::size_t largestFile = std::size_t{1} << 20;
+
 /// Absent when a text is not UTF-8.
 std::optional<std::string> documentOf(const std::vector<PlacedWidget>& widgets) {
     std::string out = "{\"widgets\": [";
@@ -43,7 +46,7 @@ PlacementStore::PlacementStore(std::filesystem::path folder, std::function<void(
 std::optional<std::vector<PlacedWidget>> PlacementStore::load() {
     removeLeftovers(file());
     bytes_.clear();
-    const auto bytes = readFile(file());
+    const auto bytes = readFile(file(), largestFile);
     if (!bytes) {
         std::error_code error;
         if (!std::filesystem::exists(std::filesystem::symlink_status(file(), error)))
@@ -88,7 +91,7 @@ bool PlacementStore::save(const std::vector<PlacedWidget>& widgets) {
 }
 
 bool PlacementStore::wasEdited() const {
-    const auto bytes = readFile(file());
+    const auto bytes = readFile(file(), largestFile);
     return bytes && *bytes != bytes_;
 }
 

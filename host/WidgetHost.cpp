@@ -1,6 +1,7 @@
 #include "host/WidgetHost.hpp"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/foundation/JSONEncoder.hpp"
 #include "platform/foundation/UUID.hpp"
@@ -34,6 +35,7 @@ void WidgetHost::take(std::vector<PlacedWidget> widgets) {
     for (const PlacedWidget& old : before) {
         if (find(old.id)) continue;
         schedule_.remove(old.id);
+        faults_.erase(old.id);
         observer_.removed(old.id);
     }
     for (const PlacedWidget& widget : widgets_) {
@@ -80,9 +82,9 @@ Request WidgetHost::request(RequestKind kind) const {
 
 void WidgetHost::askForOffers() {
     isAskingForOffers_ = true;
-    seams_.ask({request(RequestKind::bundle)}, [this](std::vector<Outcome> outcomes) {
+    seams_.ask({request(RequestKind::bundle)}, [this](Outcomes outcomes) {
         isAskingForOffers_ = false;
-        Outcome& outcome = outcomes.front();
+        Outcome& outcome = outcomes.at(0);
         if (outcome.reply && outcome.reply->widgets) {
             offered_ = *std::move(outcome.reply->widgets);
             observer_.offers(offered_);
@@ -107,9 +109,8 @@ void WidgetHost::askForTimelines(const std::vector<std::string>& ids) {
         requests.push_back(std::move(each));
         asked.push_back(*widget);
     }
-    seams_.ask(std::move(requests), [this, asked](std::vector<Outcome> outcomes) {
-        for (std::size_t i = 0; i < asked.size() && i < outcomes.size(); ++i)
-            received(asked[i], std::move(outcomes[i]));
+    seams_.ask(std::move(requests), [this, asked](Outcomes outcomes) {
+        for (auto& [place, outcome] : outcomes) received(asked.at(place), std::move(outcome));
         tick();
     });
 }
@@ -123,13 +124,20 @@ void WidgetHost::received(const PlacedWidget& asked, Outcome outcome) {
     if (outcome.reply && outcome.reply->timeline && outcome.reply->timeline->entries.empty())
         fault = "a timeline without entries";
     if (!fault.empty()) {
-        seams_.log(asked.kind + ", " + nameOf(asked.family) + ": " + fault);
-        schedule_.failed(asked.id, seams_.now());
+        failed(*widget, fault);
         return;
     }
+    faults_.erase(widget->id);
     if (!entries_.save(*widget, *outcome.reply->timeline))
         seams_.log("the timeline of " + asked.kind + " cannot be stored");
     schedule_.received(asked.id, *std::move(outcome.reply->timeline), seams_.now());
+}
+
+void WidgetHost::failed(const PlacedWidget& widget, const std::string& fault) {
+    schedule_.failed(widget.id, seams_.now());
+    // One cause is told once, however often it is tried again.
+    if (std::exchange(faults_[widget.id], fault) != fault)
+        seams_.log(widget.kind + ", " + nameOf(widget.family) + ": " + fault);
 }
 
 const PlacedWidget* WidgetHost::find(const std::string& id) const {
@@ -210,6 +218,7 @@ WidgetHost::Refusal WidgetHost::remove(const std::string& id) {
     if (!find(id)) return "no placed widget '" + id + "'";
     std::erase_if(widgets_, [&](const PlacedWidget& widget) { return widget.id == id; });
     schedule_.remove(id);
+    faults_.erase(id);
     observer_.removed(id);
     save();
     return {};
@@ -292,12 +301,11 @@ void WidgetHost::preview(
     wanted.kind = kind;
     wanted.family = family;
     wanted.preview = true;
-    seams_.ask(
-        {std::move(wanted)}, [this, kind, completion = std::move(completion)](std::vector<Outcome> outcomes) {
-            Outcome& outcome = outcomes.front();
-            if (!outcome.reply) seams_.log(kind + ": " + outcome.error);
-            completion(outcome.reply ? std::move(outcome.reply->entry) : std::nullopt);
-        });
+    seams_.ask({std::move(wanted)}, [this, kind, completion = std::move(completion)](Outcomes outcomes) {
+        Outcome& outcome = outcomes.at(0);
+        if (!outcome.reply) seams_.log(kind + ": " + outcome.error);
+        completion(outcome.reply ? std::move(outcome.reply->entry) : std::nullopt);
+    });
 }
 
 }  // namespace zelto::host

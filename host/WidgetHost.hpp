@@ -18,8 +18,9 @@ namespace zelto::host {
 struct HostSeams {
     std::function<Date()> now;
     std::function<Environment()> environment;
-    /// Asks the extension; the completion runs on the host's thread, later.
-    std::function<void(std::vector<Request>, std::function<void(std::vector<Outcome>)>)> ask;
+    /// Asks the extension; the completion runs on the host's thread, later, with what became of each request,
+    /// in one call or in several.
+    std::function<void(std::vector<Request>, std::function<void(Outcomes)>)> ask;
     /// Replaces the instant at which `wake` is to be called; absent for none.
     std::function<void(std::optional<Date>)> wakeAt;
     std::function<void(const std::string&)> log;
@@ -98,6 +99,7 @@ class WidgetHost {
     void tick();
     void askForTimelines(const std::vector<std::string>& ids);
     void received(const PlacedWidget& asked, Outcome outcome);
+    void failed(const PlacedWidget& widget, const std::string& fault);
     Request request(RequestKind kind) const;
     void askForOffers();
 
@@ -109,6 +111,7 @@ class WidgetHost {
     std::vector<PlacedWidget> widgets_;
     std::vector<WidgetDescription> offered_;
     Environment environment_;
+    std::map<std::string, std::string> faults_;  // of widgets whose last request failed
     std::string firstMonitor_;
     bool isAskingForOffers_ = false;
     Date askForOffersAt_{};

@@ -98,10 +98,13 @@ struct WidgetSnapshot {
     /// widget.json in `folder`.
     static std::filesystem::path url(const HomeLookup& lookup = HomeLookup::system());
 
+    /// A file that holds more bytes counts as one that cannot be read.
+    static constexpr std::size_t largestDocument = std::size_t{16} << 20;
+
     /// The snapshot in the file; absent when there is none that reads without a fault.
     static std::optional<WidgetSnapshot> load(const HomeLookup& lookup = HomeLookup::system());
-    /// Replaces the file atomically, making its folder where it is missing. Failures are silent; the old file
-    /// then stays.
+    /// Replaces the file atomically, making its folder where it is missing. A new file and the folder itself
+    /// are the owner's alone; what is there keeps its mode. Failures are silent; the old file then stays.
     void save(const HomeLookup& lookup = HomeLookup::system()) const;
 
     /// A realistic snapshot taken at `now`, for the gallery and for placeholders. Built anew each time: its

@@ -1,3 +1,5 @@
+#include <new>
+
 #include "platform/foundation/JSONDecoder.hpp"
 #include "platform/foundation/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
@@ -17,15 +19,20 @@ std::filesystem::path WidgetSnapshot::url(const HomeLookup& lookup) {
 }
 
 std::optional<WidgetSnapshot> WidgetSnapshot::load(const HomeLookup& lookup) {
-    const auto bytes = readFile(url(lookup));
-    if (!bytes) return std::nullopt;
-    return decodeJSON<WidgetSnapshot>(*bytes);
+    try {
+        const auto bytes = readFile(url(lookup), largestDocument);
+        if (!bytes) return std::nullopt;
+        return decodeJSON<WidgetSnapshot>(*bytes);
+    } catch (const std::bad_alloc&) {
+        return std::nullopt;
+    }
 }
 
 void WidgetSnapshot::save(const HomeLookup& lookup) const {
-    std::error_code ignored;
-    std::filesystem::create_directories(folder(lookup), ignored);
-    if (const auto document = encodeJSON(*this)) writeFileAtomically(url(lookup), *document);
+    makePrivateFolder(folder(lookup));
+    removeLeftovers(url(lookup));
+    if (const auto document = encodeJSON(*this))
+        writeFileAtomically(url(lookup), *document, {.readers = Readers::owner});
 }
 
 }  // namespace zelto

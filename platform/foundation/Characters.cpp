@@ -48,6 +48,20 @@ std::vector<std::string> characters(std::string_view text) {
     return out;
 }
 
+std::size_t characterPrefix(std::string_view text, std::size_t most) {
+    if (most >= text.size()) return text.size();
+    // Whether a character ends at `most` is told by what comes before and by the one code point behind.
+    const std::string_view head = text.substr(0, most);
+    std::size_t behind = most + 1;
+    while (behind < text.size() && (static_cast<unsigned char>(text[behind]) & 0xC0) == 0x80) ++behind;
+    std::size_t end = 0;
+    for (const std::string& character : characters(text.substr(0, behind))) {
+        if (end + character.size() > head.size()) break;
+        end += character.size();
+    }
+    return end > 0 ? end : most;
+}
+
 std::string upperCased(std::string_view text) {
     if (std::ranges::all_of(text, isASCII)) {
         std::string out(text);

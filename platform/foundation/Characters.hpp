@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -8,6 +9,10 @@ namespace zelto {
 
 /// The user-perceived characters of a text, in order.
 std::vector<std::string> characters(std::string_view text);
+
+/// The number of leading bytes of `text`, no more than `most`, that end where a user-perceived character
+/// does; `most`, which must end a code point, when the first character alone is longer.
+std::size_t characterPrefix(std::string_view text, std::size_t most);
 
 /// Full upper-casing that belongs to no language: "ß" becomes "SS".
 std::string upperCased(std::string_view text);

@@ -15,6 +15,14 @@ struct Date {
     static Date now();
     static constexpr Date since1970(double seconds) { return {seconds - referenceSince1970}; }
 
+    /// The ends of the clocks: the years 1 to 9999, which every calendar here knows.
+    static constexpr double earliest = -63'113'904'000, latest = 252'423'993'599;
+
+    /// This instant, or the end of the clocks that it lies beyond.
+    constexpr Date held() const {
+        return {sinceReference < earliest ? earliest : sinceReference > latest ? latest : sinceReference};
+    }
+
     constexpr double since1970() const { return sinceReference + referenceSince1970; }
     constexpr Date operator+(double seconds) const { return {sinceReference + seconds}; }
     constexpr Date operator-(double seconds) const { return {sinceReference - seconds}; }

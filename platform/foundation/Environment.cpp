@@ -3,10 +3,9 @@
 #include <array>
 #include <cstdlib>
 
-#include <unicode/ucal.h>
 #include <unicode/uloc.h>
 
-#include "platform/foundation/ICUText.hpp"
+#include "platform/foundation/TimeZone.hpp"
 
 namespace zelto {
 
@@ -27,29 +26,15 @@ Environment Environment::current() {
         if (!value) return std::nullopt;
         return value;
     };
-    const auto zone = icuText::filled([](UChar* out, std::int32_t size, UErrorCode* status) {
-        return ucal_getHostTimeZone(out, size, status);
-    });
-    const std::string identifier = icuText::utf8(zone);
-    return {localeOf(variable), isKnownTimeZone(identifier) ? identifier : "UTC"};
-}
-
-bool isKnownTimeZone(const std::string& identifier) {
-    if (identifier.empty()) return false;
-    const auto id = icuText::utf16(identifier);
-    UBool isSystemID = false;
-    const auto canonical = icuText::filled([&](UChar* out, std::int32_t size, UErrorCode* status) {
-        return ucal_getCanonicalTimeZoneID(
-            id.data(), static_cast<std::int32_t>(id.size()), out, size, &isSystemID, status);
-    });
-    return !canonical.empty() && isSystemID && identifier != "Etc/Unknown";
+    return {localeOf(variable), identifierOf({.variable = variable("TZ")})};
 }
 
 bool isKnownLocale(const std::string& locale) {
-    std::array<char, 16> language{};
+    std::array<char, ULOC_LANG_CAPACITY> language{};
     UErrorCode status = U_ZERO_ERROR;
     uloc_getLanguage(locale.c_str(), language.data(), language.size(), &status);
-    if (U_FAILURE(status) || language[0] == '\0') return false;
+    // A language that fills the buffer is no failure to ICU, but is not terminated either.
+    if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING || language[0] == '\0') return false;
     for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) {
         if (std::string_view(uloc_getAvailable(i)) == language.data()) return true;
     }

@@ -7,7 +7,8 @@
 
 namespace zelto {
 
-/// Whose texts are wanted: a locale such as "pt_BR" and an IANA time zone such as "America/Sao_Paulo".
+/// Whose texts are wanted: a locale such as "pt_BR" and a time zone by its identifier (TimeZone::find), such
+/// as "America/Sao_Paulo".
 struct Environment {
     std::string locale;
     std::string timeZone;
@@ -20,9 +21,6 @@ struct Environment {
 /// The locale that LC_ALL, LC_TIME or LANG name, without its encoding. One that says nothing ("C", "POSIX" or
 /// none) becomes Portuguese of Brazil, the language that the widgets are written in.
 std::string localeOf(const std::function<std::optional<std::string>(std::string_view)>& variable);
-
-/// True for an identifier that the time-zone database knows.
-bool isKnownTimeZone(const std::string& identifier);
 
 /// True for a locale whose language the locale data knows.
 bool isKnownLocale(const std::string& locale);

@@ -6,6 +6,7 @@
 
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -36,10 +37,11 @@ std::string temporaryPrefix(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::optional<std::string> readFile(const std::filesystem::path& path) {
+std::optional<std::string> readFile(const std::filesystem::path& path, std::size_t mostBytes) {
     const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
     struct stat status {};
     if (!fd || fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+    if (status.st_size > 0 && static_cast<std::size_t>(status.st_size) > mostBytes) return std::nullopt;
 
     // Sized once, so that a large file is held once. Files of the kernel say 0 and are read as they come.
     constexpr std::size_t step = 16 * 1024;
@@ -60,25 +62,30 @@ std::optional<std::string> readFile(const std::filesystem::path& path) {
         if (count < 0) return std::nullopt;
         if (count == 0) break;
         end += static_cast<std::size_t>(count);
+        if (end > mostBytes) return std::nullopt;
     }
     bytes.resize(end);
     return bytes;
 }
 
-bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes, Durability durability) {
-    const bool syncs = durability == Durability::powerLoss;
+bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes, WriteOptions options) {
+    const bool syncs = options.durability == Durability::powerLoss;
     const auto folder = path.parent_path();
     const auto temporary = folder / (temporaryPrefix(path) + UUID::random().text());
+    const mode_t mode = options.readers == Readers::owner ? 0600 : 0666;
     // O_EXCL refuses whatever stands there already, a planted symbolic link included.
-    FileDescriptor fd(open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+    const FileDescriptor fd(
+        open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
     if (!fd) return false;
-    const bool filled = writeAll(fd.get(), bytes) && (!syncs || fsync(fd.get()) == 0);
-    fd.reset();
-    if (!filled || rename(temporary.c_str(), path.c_str()) != 0) {
-        unlink(temporary.c_str());
-        return false;
-    }
-    return !syncs || syncFolder(folder);
+    // Tells whoever clears up that this is no leftover; the kernel lets go of it with the process.
+    flock(fd.get(), LOCK_EX | LOCK_NB);
+    struct stat old {};
+    const bool replaces = lstat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode);
+    if ((!replaces || fchmod(fd.get(), old.st_mode & 07777) == 0) && writeAll(fd.get(), bytes) &&
+        (!syncs || fsync(fd.get()) == 0) && rename(temporary.c_str(), path.c_str()) == 0)
+        return !syncs || syncFolder(folder);
+    unlink(temporary.c_str());
+    return false;
 }
 
 void removeLeftovers(const std::filesystem::path& path) {
@@ -91,18 +98,31 @@ void removeLeftovers(const std::filesystem::path& path) {
         if (name.starts_with(prefix) && UUID::parse(name.substr(prefix.size())))
             leftovers.push_back(entry->path());
     }
-    for (const auto& leftover : leftovers) std::filesystem::remove(leftover, error);
+    for (const auto& leftover : leftovers) {
+        const FileDescriptor fd(open(leftover.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+        if (!fd || flock(fd.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+            std::filesystem::remove(leftover, error);
+    }
+}
+
+void makePrivateFolder(const std::filesystem::path& path) {
+    std::error_code ignored;
+    std::filesystem::create_directories(path.parent_path(), ignored);
+    mkdir(path.c_str(), 0700);
 }
 
 HomeLookup HomeLookup::system() {
     return {
         .userDatabase = []() -> std::optional<std::string> {
-            std::vector<char> buffer(16 * 1024);
+            constexpr std::size_t most = std::size_t{64} << 20;
+            std::vector<char> buffer(4096);
             passwd entry{};
             passwd* found = nullptr;
-            if (getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found) != 0 || !found ||
-                !found->pw_dir || *found->pw_dir == '\0')
-                return std::nullopt;
+            int error = 0;
+            while ((error = getpwuid_r(getuid(), &entry, buffer.data(), buffer.size(), &found)) == ERANGE &&
+                   buffer.size() < most)
+                buffer.resize(buffer.size() * 4);
+            if (error != 0 || !found || !found->pw_dir || *found->pw_dir == '\0') return std::nullopt;
             return found->pw_dir;
         },
         .environment = []() -> std::optional<std::string> {

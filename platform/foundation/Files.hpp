@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -8,21 +9,36 @@
 
 namespace zelto {
 
-/// The bytes of a regular file; absent when it is anything else or cannot be read to its end. Never waits for
-/// a FIFO's or a device's other side.
-std::optional<std::string> readFile(const std::filesystem::path& path);
+/// The bytes of a regular file; absent when it is anything else, is larger than `mostBytes`, or cannot be
+/// read to its end. Never waits for a FIFO's or a device's other side.
+std::optional<std::string> readFile(
+    const std::filesystem::path& path, std::size_t mostBytes = std::size_t{16} << 20);
 
 /// What a written file outlives: a death of the process only, or a loss of power too, which costs two waits
 /// for the disk.
 enum class Durability { processDeath, powerLoss };
 
-/// Replaces `path` so that readers see the old bytes or the new ones: a new temporary file in the same folder
-/// is filled and renamed. False when that fails; the old file then stays and no temporary file is left.
-bool writeFileAtomically(
-    const std::filesystem::path& path, std::string_view bytes, Durability durability = Durability::powerLoss);
+/// Who may read a file that was not there before: what the process's mask says, or its owner alone.
+enum class Readers { byMask, owner };
 
-/// Deletes the temporary files that a death in the middle of such a write has left beside `path`.
+struct WriteOptions {
+    Durability durability = Durability::powerLoss;
+    Readers readers = Readers::byMask;
+};
+
+/// Replaces `path` so that readers see the old bytes or the new ones: a new temporary file in the same folder
+/// is filled and renamed. A file that is replaced hands its mode on. False when that fails; the old file then
+/// stays and no temporary file is left.
+bool writeFileAtomically(
+    const std::filesystem::path& path, std::string_view bytes, WriteOptions options = {});
+
+/// Deletes the temporary files that a death in the middle of such a write has left beside `path`; not those
+/// of a write that is under way in another process.
 void removeLeftovers(const std::filesystem::path& path);
+
+/// Makes a folder, those above it by the process's mask, itself for its owner alone. What exists stays as it
+/// is. Faults are silent: whoever writes into the folder meets them.
+void makePrivateFolder(const std::filesystem::path& path);
 
 /// Where a user's home is looked up.
 struct HomeLookup {
@@ -31,6 +47,7 @@ struct HomeLookup {
     /// What the environment says.
     std::function<std::optional<std::string>()> environment;
 
+    /// The entry of the real user, however long it is, and HOME.
     static HomeLookup system();
     /// Always `home`.
     static HomeLookup fixed(const std::string& home);

@@ -15,6 +15,11 @@ using icuText::filled;
 using icuText::utf16;
 using icuText::utf8;
 
+/// Of everything that ICU is asked for.
+constexpr const UChar* wallZone = u"UTC";
+
+constexpr double day = 86'400;  // seconds
+
 std::int32_t length(const std::u16string& text) {
     return static_cast<std::int32_t>(text.size());
 }
@@ -29,29 +34,29 @@ bool spellsZero(const std::string& locale) {
 
 }  // namespace
 
-const std::string& Formatting::State::knownZone(const std::string& identifier) const {
-    return isKnownTimeZone(identifier) ? identifier : environment.timeZone;
+TimeZone Formatting::State::zoneNamed(const std::string& name) const {
+    if (name != environment.timeZone && isKnownTimeZone(name))
+        if (auto found = TimeZone::find(name)) return *std::move(found);
+    return zone;
 }
 
-UCalendar* Formatting::State::calendarFor(const std::string& timeZone) {
-    auto& calendar = calendars[timeZone];
+UCalendar* Formatting::State::wallCalendar() {
     if (calendar.isNull()) {
-        const auto zone = utf16(timeZone);
         UErrorCode status = U_ZERO_ERROR;
-        calendar.adoptInstead(
-            ucal_open(zone.data(), length(zone), environment.locale.c_str(), UCAL_DEFAULT, &status));
+        calendar.adoptInstead(ucal_open(wallZone, -1, environment.locale.c_str(), UCAL_DEFAULT, &status));
     }
     return calendar.getAlias();
 }
 
-std::string Formatting::State::format(UDateFormat* format, Date date) const {
-    if (!format || !std::isfinite(date.sinceReference)) return {};
+std::string Formatting::State::format(UDateFormat* format, double wallClock) const {
+    if (!format) return {};
     return utf8(filled([&](UChar* out, std::int32_t size, UErrorCode* status) {
-        return udat_format(format, icuText::milliseconds(date), out, size, nullptr, status);
+        return udat_format(format, icuText::milliseconds({wallClock}), out, size, nullptr, status);
     }));
 }
 
 std::string Formatting::State::bySkeleton(const char16_t* skeleton, Date date) {
+    if (!std::isfinite(date.sinceReference)) return {};
     const std::u16string fields = skeleton;
     auto& kept = skeletons[utf8(fields)];
     if (kept.isNull()) {
@@ -69,22 +74,22 @@ std::string Formatting::State::bySkeleton(const char16_t* skeleton, Date date) {
                 size,
                 error);
         });
-        const auto zone = utf16(environment.timeZone);
         kept.adoptInstead(udat_open(
             UDAT_PATTERN,
             UDAT_PATTERN,
             environment.locale.c_str(),
-            zone.data(),
-            length(zone),
+            wallZone,
+            -1,
             pattern.data(),
             length(pattern),
             &status));
     }
-    return format(kept.getAlias(), date);
+    return format(kept.getAlias(), zone.wallClock(date));
 }
 
 Formatting::Formatting(Environment environment) : state_(std::make_unique<State>()) {
     state_->environment = std::move(environment);
+    state_->zone = TimeZone::find(state_->environment.timeZone).value_or(TimeZone::utc());
 }
 Formatting::~Formatting() = default;
 Formatting::Formatting(Formatting&&) noexcept = default;
@@ -99,22 +104,14 @@ std::string Formatting::shortTime(Date date) const {
 }
 
 std::string Formatting::shortTime(Date date, const std::string& timeZone) const {
-    const std::string& known = state_->knownZone(timeZone);
-    auto& kept = state_->shortTimes[known];
+    if (!std::isfinite(date.sinceReference)) return {};
+    auto& kept = state_->time;
     if (kept.isNull()) {
-        const auto zone = utf16(known);
         UErrorCode status = U_ZERO_ERROR;
         kept.adoptInstead(udat_open(
-            UDAT_SHORT,
-            UDAT_NONE,
-            state_->environment.locale.c_str(),
-            zone.data(),
-            length(zone),
-            nullptr,
-            0,
-            &status));
+            UDAT_SHORT, UDAT_NONE, state_->environment.locale.c_str(), wallZone, -1, nullptr, 0, &status));
     }
-    return state_->format(kept.getAlias(), date);
+    return state_->format(kept.getAlias(), state_->zoneNamed(timeZone).wallClock(date));
 }
 
 std::string Formatting::monthAndWeekday(Date date) const {
@@ -148,37 +145,25 @@ std::string Formatting::byteCount(std::int64_t bytes) const {
 }
 
 int Formatting::dayOfMonth(Date date) const {
-    UCalendar* calendar = state_->calendarFor(state_->environment.timeZone);
+    UCalendar* calendar = state_->wallCalendar();
     UErrorCode status = U_ZERO_ERROR;
-    ucal_setMillis(calendar, icuText::milliseconds(date), &status);
+    ucal_setMillis(calendar, icuText::milliseconds({state_->zone.wallClock(date)}), &status);
     return ucal_get(calendar, UCAL_DATE, &status);
 }
 
 std::optional<int> Formatting::hour(Date date, const std::string& timeZone) const {
-    UCalendar* calendar = state_->calendarFor(state_->knownZone(timeZone));
-    if (!calendar || !std::isfinite(date.sinceReference)) return std::nullopt;
-    UErrorCode status = U_ZERO_ERROR;
-    ucal_setMillis(calendar, icuText::milliseconds(date), &status);
-    const int hour = ucal_get(calendar, UCAL_HOUR_OF_DAY, &status);
-    return U_FAILURE(status) ? std::nullopt : std::optional(hour);
+    if (!std::isfinite(date.sinceReference)) return std::nullopt;
+    const double wallClock = state_->zoneNamed(timeZone).wallClock(date);
+    return static_cast<int>((wallClock - std::floor(wallClock / day) * day) / 3600);
 }
 
 bool Formatting::isSameDay(Date a, Date b) const {
-    UCalendar* calendar = state_->calendarFor(state_->environment.timeZone);
-    UErrorCode status = U_ZERO_ERROR;
-    const auto dayOf = [&](Date date) {
-        ucal_setMillis(calendar, icuText::milliseconds(date), &status);
-        return ucal_get(calendar, UCAL_JULIAN_DAY, &status);
-    };
+    const auto dayOf = [this](Date date) { return std::floor(state_->zone.wallClock(date) / day); };
     return dayOf(a) == dayOf(b);
 }
 
 Date Formatting::nextDay(Date date) const {
-    UCalendar* calendar = state_->calendarFor(state_->environment.timeZone);
-    UErrorCode status = U_ZERO_ERROR;
-    ucal_setMillis(calendar, icuText::milliseconds(date), &status);
-    ucal_add(calendar, UCAL_DATE, 1, &status);
-    return Date::since1970(ucal_getMillis(calendar, &status) / 1000);
+    return state_->zone.instant(state_->zone.wallClock(date) + day);
 }
 
 std::optional<Date> Formatting::startOfMinute(Date date) {

@@ -10,22 +10,25 @@
 #include <unicode/unum.h>
 
 #include "platform/foundation/Formatting.hpp"
+#include "platform/foundation/TimeZone.hpp"
 
 namespace zelto {
 
-/// ICU's objects for the environment, each opened when it is first asked for: opening is what costs.
+/// ICU's objects for the environment, each opened when it is first asked for: opening is what costs. They
+/// work on wall clocks as if those were UTC's: which zone's clock it is, the system's own data says.
 struct Formatting::State {
     Environment environment;
-    std::map<std::string, icu::LocalUDateFormatPointer> shortTimes;  // by zone
-    std::map<std::string, icu::LocalUDateFormatPointer> skeletons;   // in the environment's zone
-    std::map<std::string, icu::LocalUCalendarPointer> calendars;     // by zone
+    TimeZone zone = TimeZone::utc();
+    icu::LocalUDateFormatPointer time;
+    std::map<std::string, icu::LocalUDateFormatPointer> skeletons;
+    icu::LocalUCalendarPointer calendar;
     icu::LocalUNumberFormatPointer number;
 
-    /// An unknown identifier means the environment's own zone.
-    const std::string& knownZone(const std::string& identifier) const;
+    /// An unknown name means the environment's own zone.
+    TimeZone zoneNamed(const std::string& name) const;
     /// Null when ICU refuses.
-    UCalendar* calendarFor(const std::string& timeZone);
-    std::string format(UDateFormat* format, Date date) const;
+    UCalendar* wallCalendar();
+    std::string format(UDateFormat* format, double wallClock) const;
     /// A date in the locale's own arrangement of the fields that a skeleton names.
     std::string bySkeleton(const char16_t* skeleton, Date date);
 };

@@ -199,7 +199,27 @@ bool Writer::putValue(const Schema& schema, const void* value) {
     return false;
 }
 
+/// How many bytes one byte of a text takes.
+std::size_t encodedLength(char c) {
+    const char escape = escapes[static_cast<unsigned char>(c)];
+    return escape == 0 || escape == isUTF8 ? 1 : escape == 'u' ? 6 : 2;
+}
+
 }  // namespace
+
+std::size_t jsonLength(std::string_view text) {
+    std::size_t length = 0;
+    for (const char c : text) length += encodedLength(c);
+    return length;
+}
+
+std::size_t jsonPrefix(std::string_view text, std::size_t bytes) {
+    std::size_t end = 0, length = 0;
+    while (end < text.size() && (length += encodedLength(text[end])) <= bytes) ++end;
+    // The rest of a code point goes with its first byte.
+    while (end > 0 && end < text.size() && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+    return end;
+}
 
 bool appendJSONString(std::string& out, std::string_view text) {
     return Writer(out).putString(text);

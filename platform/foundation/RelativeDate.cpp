@@ -2,6 +2,7 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <optional>
 
 #include <unicode/ucal.h>
 #include <unicode/ureldatefmt.h>
@@ -32,26 +33,24 @@ struct Distance {
     std::int32_t value;
 };
 
-/// Distances between instants, counted on a calendar.
+/// Distances on a calendar, between wall clocks in milliseconds. From days on, a distance is one between what
+/// clocks show; hours, minutes and seconds are those that have gone by, which is why those who ask for them
+/// give instants instead.
 class Ruler {
   public:
     explicit Ruler(UCalendar* calendar) : calendar_(calendar) {}
 
-    /// How many of a unit lie between the instants.
+    /// How many of a unit lie between.
     std::int32_t count(double from, double to, std::size_t unit) const {
         UErrorCode status = U_ZERO_ERROR;
         ucal_setMillis(calendar_, from, &status);
         return ucal_getFieldDifference(calendar_, to, units[unit].field, &status);
     }
-    /// The largest unit of which at least one lies between the instants, both in whole seconds.
-    Distance largest(double from, double to) const {
-        UErrorCode status = U_ZERO_ERROR;
-        ucal_setMillis(calendar_, from, &status);
-        for (std::size_t unit = 0; unit < unitCount; ++unit)
-            if (const auto value = ucal_getFieldDifference(calendar_, to, units[unit].field, &status);
-                value != 0)
-                return {unit, value};
-        return {secondUnit, 0};
+    /// The largest of the units from `first` to `last` of which at least one lies between, if any does.
+    std::optional<Distance> largest(double from, double to, std::size_t first, std::size_t last) const {
+        for (std::size_t unit = first; unit <= last; ++unit)
+            if (const auto value = count(from, to, unit); value != 0) return Distance{unit, value};
+        return std::nullopt;
     }
     double shifted(double from, Distance by) const {
         UErrorCode status = U_ZERO_ERROR;
@@ -59,10 +58,10 @@ class Ruler {
         ucal_add(calendar_, units[by.unit].field, by.value, &status);
         return ucal_getMillis(calendar_, &status);
     }
-    /// The first instant of the day, week, month or year that contains `instant`.
-    double startOf(std::size_t unit, double instant) const {
+    /// The start of the day, week, month or year that contains `wallClock`.
+    double startOf(std::size_t unit, double wallClock) const {
         UErrorCode status = U_ZERO_ERROR;
-        ucal_setMillis(calendar_, instant, &status);
+        ucal_setMillis(calendar_, wallClock, &status);
         for (const auto field : {UCAL_MILLISECOND, UCAL_SECOND, UCAL_MINUTE, UCAL_HOUR_OF_DAY})
             ucal_set(calendar_, field, 0);
         switch (units[unit].field) {
@@ -80,35 +79,59 @@ class Ruler {
     UCalendar* calendar_;
 };
 
-/// Hours, minutes and seconds are rounded by the next smaller unit; if that makes a larger unit whole, it is
-/// taken.
-Distance rounded(const Ruler& ruler, double reference, double date, Distance distance) {
-    if (distance.unit != secondUnit) {
-        const double rest = ruler.shifted(reference, distance);
-        const std::int32_t smaller = ruler.count(rest, date, distance.unit + 1);
-        if (std::abs(smaller) * 2 >= 60) distance.value += date < reference ? -1 : 1;
-    }
-    return ruler.largest(reference, ruler.shifted(reference, distance));
-}
+/// A distance between two instants in a zone.
+class ZonedRuler {
+  public:
+    ZonedRuler(UCalendar* calendar, const TimeZone& zone) : ruler_(calendar), zone_(zone) {}
 
-/// Days, weeks, months and years count the boundaries between: from the end of the reference's own unit to a
-/// date in the past, from its start to one in the future.
-Distance byBoundaries(const Ruler& ruler, double reference, double date, std::size_t unit) {
-    double from = ruler.startOf(unit, reference);
-    if (date < reference) from = ruler.shifted(from, {unit, 1}) - 1000;
-    return ruler.largest(from, date);
-}
+    Distance between(Date reference, Date date) const {
+        Distance distance = largest(reference, date);
+        if (distance.unit >= hourUnit) distance = rounded(reference, date, distance);
+        if (distance.unit <= dayUnit) distance = byBoundaries(reference, date, distance.unit);
+        return distance;
+    }
+
+  private:
+    double wall(Date date) const { return icuText::milliseconds({zone_.wallClock(date)}); }
+
+    /// The largest unit of which at least one lies between the instants, both in whole seconds.
+    Distance largest(Date from, Date to) const {
+        if (const auto days = ruler_.largest(wall(from), wall(to), 0, dayUnit)) return *days;
+        return ruler_.largest(icuText::milliseconds(from), icuText::milliseconds(to), hourUnit, secondUnit)
+            .value_or(Distance{secondUnit, 0});
+    }
+    /// Hours, minutes and seconds are rounded by the next smaller unit; if that makes a larger unit whole, it
+    /// is taken.
+    Distance rounded(Date reference, Date date, Distance distance) const {
+        const auto shifted = [&] {
+            return Date::since1970(ruler_.shifted(icuText::milliseconds(reference), distance) / 1000);
+        };
+        if (distance.unit != secondUnit) {
+            const std::int32_t smaller = ruler_.count(
+                icuText::milliseconds(shifted()), icuText::milliseconds(date), distance.unit + 1);
+            if (std::abs(smaller) * 2 >= 60) distance.value += date < reference ? -1 : 1;
+        }
+        return largest(reference, shifted());
+    }
+    /// Days, weeks, months and years count the boundaries between: from the end of the reference's own unit
+    /// to a date in the past, from its start to one in the future.
+    Distance byBoundaries(Date reference, Date date, std::size_t unit) const {
+        double from = ruler_.startOf(unit, wall(reference));
+        if (date < reference) from = ruler_.shifted(from, {unit, 1}) - 1000;
+        return ruler_.largest(from, wall(date), 0, secondUnit).value_or(Distance{secondUnit, 0});
+    }
+
+    Ruler ruler_;
+    const TimeZone& zone_;
+};
 
 }  // namespace
 
 std::string Formatting::relativeDate(Date date, Date reference) const {
-    const double milliseconds = std::round(date - reference) * 1000;
-    if (!std::isfinite(milliseconds)) return {};
-    const double from = icuText::milliseconds(reference), to = from + milliseconds;
-    const Ruler ruler(state_->calendarFor(state_->environment.timeZone));
-    Distance distance = ruler.largest(from, to);
-    if (distance.unit >= hourUnit) distance = rounded(ruler, from, to, distance);
-    if (distance.unit <= dayUnit) distance = byBoundaries(ruler, from, to, distance.unit);
+    if (!std::isfinite(date - reference)) return {};
+    reference = reference.held();
+    date = reference + std::round(date.held() - reference);
+    const Distance distance = ZonedRuler(state_->wallCalendar(), state_->zone).between(reference, date);
 
     UErrorCode status = U_ZERO_ERROR;
     const icu::LocalURelativeDateTimeFormatterPointer format(ureldatefmt_open(

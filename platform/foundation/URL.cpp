@@ -145,6 +145,22 @@ bool isScheme(std::string_view text) {
            std::ranges::all_of(text, [](char c) { return isAllowed(c, scheme); });
 }
 
+/// The end of what a colon closes before any other delimiter; absent when it closes nothing.
+std::optional<std::size_t> colonBeforeOthers(std::string_view text) {
+    const auto end = text.find_first_of(":/?#[]@");
+    if (end == std::string_view::npos || end == 0 || text[end] != ':') return std::nullopt;
+    return end;
+}
+
+/// The path of a text without a scheme. A bracket in front of a colon is encoded and no delimiter any more:
+/// the colon is encoded too, or what stands before it would be read back as a scheme.
+void appendRelativePath(std::string& out, std::string_view text) {
+    std::string encoded;
+    appendPart(encoded, text, path);
+    while (const auto colon = colonBeforeOthers(encoded)) encoded.replace(*colon, 1, "%3A");
+    out += encoded;
+}
+
 }  // namespace
 
 std::optional<URL> URL::parse(std::string_view text) {
@@ -153,11 +169,10 @@ std::optional<URL> URL::parse(std::string_view text) {
     out.reserve(text.size());
 
     std::string_view rest = text;
-    if (const auto end = rest.find_first_of(":/?#[]@");
-        end != std::string_view::npos && end > 0 && rest[end] == ':') {
-        if (!isScheme(rest.substr(0, end))) return std::nullopt;
-        out += rest.substr(0, end + 1);
-        rest.remove_prefix(end + 1);
+    if (const auto end = colonBeforeOthers(rest)) {
+        if (!isScheme(rest.substr(0, *end))) return std::nullopt;
+        out += rest.substr(0, *end + 1);
+        rest.remove_prefix(*end + 1);
     }
     if (rest.starts_with("//")) {
         out += "//";
@@ -167,7 +182,10 @@ std::optional<URL> URL::parse(std::string_view text) {
         rest.remove_prefix(end);
     }
     const auto pathEnd = std::min(rest.find_first_of("?#"), rest.size());
-    appendPart(out, rest.substr(0, pathEnd), path);
+    if (out.empty())
+        appendRelativePath(out, rest.substr(0, pathEnd));
+    else
+        appendPart(out, rest.substr(0, pathEnd), path);
     rest.remove_prefix(pathEnd);
     if (rest.starts_with('?')) {
         const auto fragment = std::min(rest.find('#'), rest.size());

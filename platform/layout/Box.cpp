@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/layout/TimerText.hpp"
+#include "platform/ui/TimerText.hpp"
 
 namespace zelto::layout {
 namespace {
@@ -14,6 +14,9 @@ constexpr double secondaryOpacity = 0.55;
 constexpr double idealShapeSide = 10;
 /// The least length of a spacer that tells none, in points.
 constexpr double defaultSpacerLength = 8;
+
+/// More than any widget holds.
+constexpr std::int64_t mostLines = 1000;
 
 double coalesce(const std::optional<double>& a, double b) {
     return a ? *a : b;
@@ -37,7 +40,7 @@ struct ChangeInherited {
         return true;
     }
     bool operator()(const ui::modifier::LineLimit& limit) const {
-        inherited.lineLimit = std::max<std::int64_t>(limit.lines, 0);
+        inherited.lineLimit = std::clamp<std::int64_t>(limit.lines, 0, mostLines);
         return true;
     }
     bool operator()(const ui::modifier::MinimumScale& scale) const {
@@ -120,7 +123,7 @@ Size BoxTree::answer(const Box& box, const ProposedSize& proposal) {
             return tree.fitText(text.text, box.inherited, proposal).extent.size;
         }
         Size operator()(const ui::node::Countdown& countdown) const {
-            return tree.fitText(timerText(countdown.end, tree.now_), box.inherited, proposal).extent.size;
+            return tree.fitText(ui::timerText(countdown.end, tree.now_), box.inherited, proposal).extent.size;
         }
         Size operator()(const ui::node::Symbol& symbol) const {
             return tree.measuring_.symbolSize(symbol.name, box.inherited.font.size);
@@ -172,6 +175,9 @@ Size BoxTree::answer(const Box& box, const ui::Modifier& modifier, const Propose
     const std::size_t child = box.children.front();
     if (std::holds_alternative<ui::modifier::ScaledToFill>(modifier)) {
         const Size ideal = measure(child, {});
+        // What has no size by itself has no aspect ratio to keep.
+        if (!(ideal.width > 0 && ideal.height > 0))
+            return {coalesce(proposal.width, ideal.width), coalesce(proposal.height, ideal.height)};
         const double x = coalesce(proposal.width, ideal.width) / ideal.width;
         const double y = coalesce(proposal.height, ideal.height) / ideal.height;
         const double scale = proposal.width && proposal.height ? std::max(x, y) : proposal.width ? x : y;
@@ -197,7 +203,7 @@ double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
         if (const auto* text = std::get_if<ui::node::Text>(box.node))
             return fitText(text->text, box.inherited, proposal).extent.baseline;
         if (const auto* countdown = std::get_if<ui::node::Countdown>(box.node))
-            return fitText(timerText(countdown->end, now_), box.inherited, proposal).extent.baseline;
+            return fitText(ui::timerText(countdown->end, now_), box.inherited, proposal).extent.baseline;
         return size.height;
     }
     const ProposedSize inside = childProposal(*box.modifier, proposal);

@@ -77,7 +77,7 @@ class BoxTree {
 
     TextFit fitText(const std::string& text, const Inherited& inherited, const ProposedSize& proposal);
     PlacedText placeText(
-        std::string text, const Inherited& inherited, Point origin, const ProposedSize& proposal);
+        const std::string& text, const Inherited& inherited, Point origin, const ProposedSize& proposal);
 
     StackLayout layOutStack(const Box& box, const ProposedSize& proposal);
     void placeStack(const Box& box, Rect frame, const ProposedSize& proposal);

@@ -1,6 +1,6 @@
 #include "platform/layout/Box.hpp"
-#include "platform/layout/Reading.hpp"
-#include "platform/layout/TimerText.hpp"
+#include "platform/ui/Reading.hpp"
+#include "platform/ui/TimerText.hpp"
 
 namespace zelto::layout {
 namespace {
@@ -37,7 +37,7 @@ void BoxTree::emit(std::size_t index, Point origin, Size size, const ProposedSiz
         }
         void operator()(const ui::node::Countdown& countdown) const {
             put(PlacedCountdown{
-                tree.placeText(timerText(countdown.end, tree.now_), box.inherited, origin(), proposal),
+                tree.placeText(ui::timerText(countdown.end, tree.now_), box.inherited, origin(), proposal),
                 countdown.end});
         }
         void operator()(const ui::node::Symbol& symbol) const {
@@ -89,7 +89,7 @@ void BoxTree::emit(const Box& box, const ui::Modifier& modifier, Rect frame, con
         place(child, {frame.x, frame.y}, inside);
         items.emplace_back(End{});
     } else if (const auto* link = std::get_if<ui::modifier::Link>(&modifier)) {
-        placement_.links.push_back({frame, link->url, joined(readingTexts(*box.view, now_))});
+        placement_.links.push_back({frame, link->url, ui::joined(ui::readingTexts(*box.view, now_))});
         place(child, {frame.x, frame.y}, inside);
     } else {
         placeCentered(child, frame, inside);  // frames, fixed and stretched

@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <string_view>
 
 #include "platform/layout/Box.hpp"
 
@@ -9,10 +11,22 @@ namespace {
 /// Lengths that differ by less are the same: what rounding leaves when room is shared out.
 constexpr double slack = 0.01;
 
+/// What ends a line wherever it stands.
+constexpr std::array<std::string_view, 7> mandatoryBreaks{
+    "\n", "\v", "\f", "\r", "\u0085", "\u2028", "\u2029"};
+
 /// A text that may have one line keeps its first one; what is left out is told by an ellipsis.
 std::string firstLine(const std::string& text) {
-    const auto end = text.find_first_of("\n\r");
+    auto end = std::string::npos;
+    for (const std::string_view lineBreak : mandatoryBreaks) end = std::min(end, text.find(lineBreak));
     return end == std::string::npos ? text : text.substr(0, end) + "…";
+}
+
+/// What of a text is shown: U+0000, at which drawing would stop, has no look of its own and is left out.
+std::string shownText(const std::string& text, const Inherited& inherited) {
+    std::string shown = inherited.lineLimit == 1 ? firstLine(text) : text;
+    std::erase(shown, '\0');
+    return shown;
 }
 
 }  // namespace
@@ -20,8 +34,7 @@ std::string firstLine(const std::string& text) {
 BoxTree::TextFit BoxTree::fitText(
     const std::string& text, const Inherited& inherited, const ProposedSize& proposal) {
     const auto& font = inherited.font;
-    const bool oneLine = inherited.lineLimit == 1;
-    const std::string shown = oneLine ? firstLine(text) : text;
+    const std::string shown = shownText(text, inherited);
     const TextExtent ideal = measuring_.measure(shown, font, {}, 0);
     if (!proposal.width || *proposal.width >= ideal.size.width - slack) return {ideal, 1, {}, 0};
     const double width = *proposal.width;
@@ -44,11 +57,11 @@ BoxTree::TextFit BoxTree::fitText(
 }
 
 PlacedText BoxTree::placeText(
-    std::string text, const Inherited& inherited, Point origin, const ProposedSize& proposal) {
+    const std::string& text, const Inherited& inherited, Point origin, const ProposedSize& proposal) {
     const TextFit fit = fitText(text, inherited, proposal);
     return {
         .frame = {origin.x, origin.y, fit.extent.size.width, fit.extent.size.height},
-        .text = inherited.lineLimit == 1 ? firstLine(text) : std::move(text),
+        .text = shownText(text, inherited),
         .font = inherited.font,
         .scale = fit.scale,
         .color = inherited.foreground,

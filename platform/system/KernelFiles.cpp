@@ -107,12 +107,16 @@ std::uint64_t readPhysicalMemory(const fs::path& meminfo) {
     return total == table.end() ? 0 : total->second * 1024;
 }
 
+VolumeCapacities capacitiesOf(const struct statvfs& status) {
+    return {
+        .total = std::uint64_t{status.f_blocks} * status.f_frsize,
+        .availableForImportantUsage = std::uint64_t{status.f_bavail} * status.f_frsize};
+}
+
 std::optional<VolumeCapacities> readVolume(const fs::path& path) {
     struct statvfs status {};
     if (statvfs(path.c_str(), &status) != 0) return std::nullopt;
-    return VolumeCapacities{
-        .total = std::uint64_t{status.f_blocks} * status.f_frsize,
-        .availableForImportantUsage = std::uint64_t{status.f_bavail} * status.f_frsize};
+    return capacitiesOf(status);
 }
 
 }  // namespace zelto

@@ -5,6 +5,8 @@
 
 #include "platform/system/SystemReadings.hpp"
 
+struct statvfs;
+
 namespace zelto {
 
 /// From the first line of a file like /proc/stat.
@@ -18,6 +20,8 @@ std::optional<VirtualMemoryStatistics> readVirtualMemory(
 /// MemTotal of a file like /proc/meminfo, in bytes; 0 when it is not told.
 std::uint64_t readPhysicalMemory(const std::filesystem::path& meminfo);
 
+/// What the kernel says of a volume, as capacities: what an ordinary user may still write is available.
+VolumeCapacities capacitiesOf(const struct statvfs& status);
 std::optional<VolumeCapacities> readVolume(const std::filesystem::path& path);
 
 }  // namespace zelto

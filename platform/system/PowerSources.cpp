@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
+#include <functional>
+#include <span>
 
 #include "platform/foundation/Files.hpp"
 
@@ -38,20 +39,29 @@ struct Charge {
     std::int64_t full = 0;
 };
 
-std::optional<Charge> charge(const fs::path& folder, std::string_view quantity) {
+/// In the order in which they are preferred.
+constexpr std::array<std::string_view, 3> quantities{"energy", "charge", "capacity"};
+
+/// What a battery holds in one unit; absent when it does not tell it, or tells that it can hold nothing.
+std::optional<Charge> charge(const fs::path& battery, std::string_view quantity) {
     if (quantity == "capacity") {
-        const auto percent = number(folder / "capacity");
+        const auto percent = number(battery / "capacity");
         if (!percent) return std::nullopt;
         return Charge{*percent, 100};
     }
-    const auto now = number(folder / (std::string(quantity) + "_now"));
-    const auto full = number(folder / (std::string(quantity) + "_full"));
-    if (!now || !full) return std::nullopt;
+    const auto now = number(battery / (std::string(quantity) + "_now"));
+    const auto full = number(battery / (std::string(quantity) + "_full"));
+    if (!now || !full || *full < 1) return std::nullopt;
     return Charge{*now, *full};
 }
 
+bool tellsCharge(const fs::path& battery) {
+    return std::ranges::any_of(
+        quantities, [&](std::string_view quantity) { return charge(battery, quantity).has_value(); });
+}
+
 /// What all batteries hold together in one unit; absent when one of them does not tell it.
-std::optional<Charge> sum(const std::vector<fs::path>& batteries, std::string_view quantity) {
+std::optional<Charge> sum(std::span<const fs::path> batteries, std::string_view quantity) {
     Charge total;
     for (const auto& battery : batteries) {
         const auto one = charge(battery, quantity);
@@ -60,6 +70,13 @@ std::optional<Charge> sum(const std::vector<fs::path>& batteries, std::string_vi
             return std::nullopt;
     }
     return total;
+}
+
+/// In the first unit that all of them tell; where there is none, the first battery speaks for all.
+std::optional<Charge> heldBy(std::span<const fs::path> batteries) {
+    for (const std::string_view quantity : quantities)
+        if (const auto total = sum(batteries, quantity)) return total;
+    return batteries.size() > 1 ? heldBy(batteries.first(1)) : std::nullopt;
 }
 
 }  // namespace
@@ -74,15 +91,14 @@ std::optional<std::vector<PowerSourceDescription>> readPowerSources(const fs::pa
         if (isMachineBattery(folder->path())) batteries.push_back(folder->path());
     if (batteries.empty()) return std::vector<PowerSourceDescription>();
     std::ranges::sort(batteries);
+    // One that tells nothing of its charge would hide what the others tell.
+    if (std::ranges::any_of(batteries, tellsCharge)) std::erase_if(batteries, std::not_fn(tellsCharge));
 
     PowerSourceDescription source;
     source["Name"] = batteries.front().filename().string();
-    for (const std::string_view quantity : {"energy", "charge", "capacity"}) {
-        const auto total = sum(batteries, quantity);
-        if (!total) continue;
-        source["Current Capacity"] = total->now;
-        source["Max Capacity"] = total->full;
-        break;
+    if (const auto held = heldBy(batteries)) {
+        source["Current Capacity"] = held->now;
+        source["Max Capacity"] = held->full;
     }
     source["Is Charging"] = std::ranges::any_of(
         batteries, [](const auto& battery) { return line(battery / "status") == "Charging"; });

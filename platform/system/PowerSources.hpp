@@ -24,8 +24,10 @@ using PowerSourceDescription = std::map<std::string, PowerSourceValue>;
 ///   charge_now, charge_full                                 the same in uAh, when energy is not told
 ///   capacity                                                the same in percent of 100, when neither is
 ///   status == "Charging"                                    Is Charging
-/// Several batteries are one source: what they hold is summed in the first unit that all of them tell, and it
-/// charges when one of them does. Files are read in the order of the batteries' names.
+/// Several batteries are one source. Those that do not tell a charge and a capacity above 0 are left out;
+/// what the others hold is summed in the first unit that all of them tell (where there is none, the first one
+/// counts alone), and the source charges when one of them does. Files are read in the order of the batteries'
+/// names.
 std::optional<std::vector<PowerSourceDescription>> readPowerSources(const std::filesystem::path& classFolder);
 
 }  // namespace zelto

@@ -85,7 +85,7 @@ struct ContainerBackground {
     bool operator==(const ContainerBackground&) const = default;
 };
 
-/// What an assistive technology reads instead of what is inside.
+/// What an assistive technology reads instead of what is inside; of a countdown, before the time left.
 struct AccessibilityLabel {
     std::string label;
     bool operator==(const AccessibilityLabel&) const = default;

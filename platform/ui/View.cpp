@@ -69,15 +69,23 @@ View View::accessibilityLabel(std::string label) && {
     return with(std::move(*this), modifier::AccessibilityLabel{std::move(label)});
 }
 
+namespace {
+
+template <class List>
+constexpr auto childrenOfContent = [](auto& content) -> List* {
+    if constexpr (requires { content.children; })
+        return &content.children;
+    else
+        return nullptr;
+};
+
+}  // namespace
+
 const Views* childrenOf(const Node& node) {
-    return std::visit(
-        [](const auto& content) -> const Views* {
-            if constexpr (requires { content.children; })
-                return &content.children;
-            else
-                return nullptr;
-        },
-        node);
+    return std::visit(childrenOfContent<const Views>, node);
+}
+Views* childrenOf(Node& node) {
+    return std::visit(childrenOfContent<Views>, node);
 }
 
 }  // namespace zelto::ui

@@ -46,5 +46,6 @@ struct View {
 
 /// The children of a stack, or none.
 const Views* childrenOf(const Node& node);
+Views* childrenOf(Node& node);
 
 }  // namespace zelto::ui

@@ -6,10 +6,12 @@
 #include <condition_variable>
 #include <deque>
 #include <mutex>
+#include <new>
 #include <thread>
 #include <vector>
 
 #include <poll.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace zelto {
@@ -31,28 +33,55 @@ class Workers {
     }
 
     void add(std::string line) {
-        const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(line));
-        if (idle_ < waiting_.size() && threads_.size() < most)
-            threads_.emplace_back([this] { run(); });
-        else
-            changed_.notify_one();
+        {
+            const std::lock_guard lock(mutex_);
+            waiting_.push_back(std::move(line));
+            if (idle_ < waiting_.size() && threads_.size() < most) startThread();
+            if (!threads_.empty()) {
+                changed_.notify_one();
+                return;
+            }
+        }
+        // There is no thread to be had: the one that reads does the work.
+        workOff();
     }
 
   private:
     static constexpr std::size_t most = 64;
 
+    /// Without one more, those that are there take over what waits, one after the other.
+    void startThread() {
+        try {
+            threads_.emplace_back([this] { run(); });
+        } catch (const std::system_error&) {
+        } catch (const std::bad_alloc&) {
+        }
+    }
+
     void run() {
-        std::unique_lock lock(mutex_);
         while (true) {
-            ++idle_;
-            changed_.wait(lock, [this] { return ended_ || !waiting_.empty(); });
-            --idle_;
-            if (waiting_.empty()) return;
+            {
+                std::unique_lock lock(mutex_);
+                ++idle_;
+                changed_.wait(lock, [this] { return ended_ || !waiting_.empty(); });
+                --idle_;
+                if (waiting_.empty()) return;
+            }
+            workOff();
+        }
+    }
+
+    void workOff() {
+        std::unique_lock lock(mutex_);
+        while (!waiting_.empty()) {
             const std::string line = std::move(waiting_.front());
             waiting_.pop_front();
             lock.unlock();
-            work_(line);
+            try {
+                work_(line);
+            } catch (const std::bad_alloc&) {
+                // Not even an answer that says so: whoever asked waits no longer than it likes to.
+            }
             lock.lock();
         }
     }

@@ -9,6 +9,7 @@
 #include "platform/foundation/JSONDecoder.hpp"
 #include "platform/foundation/Record.hpp"
 #include "platform/ui/ViewFields.hpp"
+#include "platform/widgetkit/ViewBounds.hpp"
 #include "platform/widgetkit/WidgetFamily.hpp"
 
 namespace zelto {
@@ -64,11 +65,11 @@ struct ArchivedTimeline {
 /// Exactly one of `widgets`, `entry`, `timeline` and `error` is present. `id` is absent when the request had
 /// none that could be read.
 struct Reply {
-    std::optional<std::int64_t> id;
-    std::optional<std::vector<WidgetDescription>> widgets;
-    std::optional<ArchivedEntry> entry;
-    std::optional<ArchivedTimeline> timeline;
-    std::optional<std::string> error;
+    std::optional<std::int64_t> id = {};
+    std::optional<std::vector<WidgetDescription>> widgets = {};
+    std::optional<ArchivedEntry> entry = {};
+    std::optional<ArchivedTimeline> timeline = {};
+    std::optional<std::string> error = {};
 
     bool operator==(const Reply&) const = default;
 };
@@ -77,23 +78,10 @@ struct Reply {
 /// UTF-8.
 std::optional<std::string> encodeReply(const Reply& reply);
 
-/// Reads a reply and checks it as a stranger's: its syntax and fields, and that its views keep to bounds
-/// within which laying out and drawing are safe.
+/// Reads a reply and checks it as a stranger's. One whose syntax or fields are wrong is none: absent, with
+/// the reason. One whose contents are out of bounds (ViewBounds.hpp) becomes an error reply to the same
+/// request.
 std::optional<Reply> decodeReply(std::string_view line, std::string* why);
-
-/// Bounds on what one view tree may hold.
-struct ViewBounds {
-    std::size_t nodes = 4096;
-    std::size_t depth = 48;
-    std::size_t modifiers = 32;
-    std::size_t textBytes = std::size_t{16} * 1024;
-    double points = 10'000;
-    double seconds = 1e12;  // of dates, from the reference date
-    std::int64_t imageSide = 512;
-};
-
-/// What is wrong with a view, or nothing.
-std::optional<std::string> faultOf(const ui::View& view, const ViewBounds& bounds = {});
 
 }  // namespace zelto
 

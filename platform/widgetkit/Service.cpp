@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/foundation/JSONEncoder.hpp"
+#include "platform/foundation/TimeZone.hpp"
 #include "platform/widgetkit/LineServer.hpp"
 
 namespace zelto {
@@ -22,6 +23,12 @@ std::string familyNames(const WidgetDescription& widget) {
         out += Names<WidgetFamily>::names[static_cast<std::size_t>(family)];
     }
     return out;
+}
+
+/// What is handed out is within the bounds that hosts set, whatever was to be shown.
+void finish(ArchivedEntry& entry, WidgetFamily family) {
+    entry.date = entry.date.held();
+    keepToBudget(entry.view, sizeOf(family).width);
 }
 
 /// The id of a request that is faulty elsewhere, also when it breaks off behind its id.
@@ -45,10 +52,16 @@ std::string Service::answer(std::string_view line) const {
     if (!request) {
         return errorLine(idOf(line), error.text());
     }
-    Reply out = reply(*request);
-    out.id = request->id;
-    if (auto encoded = encodeReply(out)) return *std::move(encoded);
-    return errorLine(request->id, "the view holds a number that is not finite or a text that is not UTF-8");
+    // What runs out while one request is worked on costs that request.
+    try {
+        Reply out = reply(*request);
+        out.id = request->id;
+        if (auto encoded = encodeReply(out)) return *std::move(encoded);
+        return errorLine(
+            request->id, "the view holds a number that is not finite or a text that is not UTF-8");
+    } catch (const std::exception& failure) {
+        return errorLine(request->id, std::string("the request failed: ") + failure.what());
+    }
 }
 
 Reply Service::reply(const Request& request) const {
@@ -70,7 +83,7 @@ Reply Service::reply(const Request& request) const {
     if (widget == widgets_.end()) return fail("kind: no widget \"" + *request.kind + "\"");
     if (std::ranges::find(widget->info().families, *request.family) == widget->info().families.end())
         return fail("family: " + *request.kind + " offers " + familyNames(widget->info()));
-    if (request.timeZone && !isKnownTimeZone(*request.timeZone)) return fail("timeZone: unknown");
+    if (request.timeZone && !TimeZone::find(*request.timeZone)) return fail("timeZone: unknown");
     if (request.locale && !isKnownLocale(*request.locale)) return fail("locale: unknown");
 
     const Formatting formatting(
@@ -82,6 +95,11 @@ Reply Service::reply(const Request& request) const {
         case RequestKind::placeholder: out.entry = widget->placeholder(context, values); break;
         case RequestKind::snapshot: out.entry = widget->snapshot(context, values); break;
         case RequestKind::timeline: out.timeline = widget->timeline(context, values); break;
+    }
+    if (out.entry) finish(*out.entry, *request.family);
+    if (out.timeline) {
+        for (ArchivedEntry& entry : out.timeline->entries) finish(entry, *request.family);
+        out.timeline->reloadAfter = out.timeline->reloadAfter.held();
     }
     return out;
 }

@@ -15,8 +15,8 @@ class Service {
   public:
     Service(std::vector<WidgetConfiguration> widgets, Environment environment, std::function<Date()> now);
 
-    /// The reply to one line, itself a line without its end. Never raises; a request that makes no sense gets
-    /// an error.
+    /// The reply to one line, itself a line without its end. Views are cut to the budget (ViewBounds.hpp). A
+    /// request that makes no sense, or for which memory runs out, gets an error.
     std::string answer(std::string_view line) const;
 
     /// Reads requests from `input` and writes replies to `output`, each as soon as it is ready, until the

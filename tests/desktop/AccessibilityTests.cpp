@@ -6,7 +6,7 @@
 
 #include "platform/foundation/Files.hpp"
 #include "platform/foundation/JSONDecoder.hpp"
-#include "platform/layout/Reading.hpp"
+#include "platform/ui/Reading.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Paths.hpp"
@@ -63,7 +63,7 @@ TEST_F(Accessibility, FindsEveryWidgetItsLinksAndItsText) {
                 std::string::npos)
                 << link.name << " in " << group;
         // A countdown's seconds pass while we look.
-        for (const std::string& text : layout::readingTexts(desktop.entry(each)->view, Date::now()))
+        for (const std::string& text : ui::readingTexts(desktop.entry(each)->view, Date::now()))
             EXPECT_TRUE(text.find(':') != std::string::npos || group.find(text) != std::string::npos)
                 << text << " in " << group;
     }

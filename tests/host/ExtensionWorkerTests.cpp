@@ -1,5 +1,6 @@
 // The extension's keeper with real processes: the extension itself, and programs that misbehave.
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <mutex>
@@ -50,8 +51,7 @@ struct Worker : testing::Test {
     std::mutex mutex;
     std::vector<std::string> log;
     ExtensionOptions options{
-        .program = programFolder() / "zelto-widgets",
-        .arguments = {"--home", "/no/such/home"},
+        .program = {.path = programFolder() / "zelto-widgets", .arguments = {"--home", "/no/such/home"}},
         .firstPause = 0.001,
         .longestPause = 0.008};
     std::unique_ptr<ExtensionWorker> worker;
@@ -69,19 +69,20 @@ struct Worker : testing::Test {
     }
     /// A program in the extension's place.
     void standIn(const std::string& script) {
-        options.program = folder.write("extension", "#!/bin/sh\n" + script + "\n");
-        std::filesystem::permissions(options.program, std::filesystem::perms(0755));
+        options.program.path = folder.write("extension", "#!/bin/sh\n" + script + "\n");
+        std::filesystem::permissions(options.program.path, std::filesystem::perms(0755));
         make();
     }
-    std::vector<Outcome> ask(std::vector<Request> requests) {
-        std::vector<Outcome> got;
-        worker->ask(std::move(requests), [&](std::vector<Outcome> outcomes) { got = std::move(outcomes); });
-        loop.runOne();
+    Outcomes ask(std::vector<Request> requests) {
+        const std::size_t count = requests.size();
+        Outcomes got;
+        worker->ask(std::move(requests), [&](Outcomes outcomes) { got.merge(outcomes); });
+        while (got.size() < count) loop.runOne();
         return got;
     }
     std::string errorOf(std::vector<Request> requests = {{.request = RequestKind::bundle}}) {
         const auto outcomes = ask(std::move(requests));
-        return outcomes.front().reply ? "" : outcomes.front().error;
+        return outcomes.at(0).reply ? "" : outcomes.at(0).error;
     }
     std::vector<std::string> logged() {
         const std::lock_guard lock(mutex);
@@ -98,10 +99,10 @@ TEST_F(Worker, AsksTheRealExtensionSideBySide) {
     make();
     const auto outcomes = ask({bundle, placeholder("ZeltoFans"), placeholder("ZeltoNothing")});
     ASSERT_EQ(outcomes.size(), 3U);
-    EXPECT_EQ(outcomes[0].reply->widgets->size(), 11U);
-    EXPECT_TRUE(outcomes[1].reply->entry);
-    EXPECT_FALSE(outcomes[2].reply);
-    EXPECT_NE(outcomes[2].error, "");
+    EXPECT_EQ(outcomes.at(0).reply->widgets->size(), 11U);
+    EXPECT_TRUE(outcomes.at(1).reply->entry);
+    EXPECT_FALSE(outcomes.at(2).reply);
+    EXPECT_NE(outcomes.at(2).error, "");
     EXPECT_TRUE(logged().empty());
 }
 
@@ -109,7 +110,7 @@ TEST_F(Worker, GivesEachAskerItsOwn) {
     make();
     std::vector<std::size_t> sizes;
     for (const std::size_t count : {1U, 3U, 2U})
-        worker->ask(std::vector<Request>(count, bundle), [&](const std::vector<Outcome>& outcomes) {
+        worker->ask(std::vector<Request>(count, bundle), [&](const Outcomes& outcomes) {
             sizes.push_back(outcomes.size());
         });
     for (int i = 0; i < 3; ++i) loop.runOne();
@@ -132,7 +133,7 @@ TEST_F(Worker, EndsAProcessThatNobodyNeeds) {
 }
 
 TEST_F(Worker, AHangIsEndedByTheDeadline) {
-    options.deadline = 20ms;
+    options.program.deadline = 20ms;
     standIn("while read line; do :; done");
     EXPECT_EQ(errorOf(), "the widget extension did not answer in time");
     EXPECT_EQ(logged().size(), 1U);
@@ -173,7 +174,7 @@ TEST_F(Worker, AnExtensionThatTalksMuchOnTheSideIsHeardToItsEnd) {
 }
 
 TEST_F(Worker, AnExtensionThatNeverStopsTalkingIsEndedByTheDeadline) {
-    options.deadline = 50ms;
+    options.program.deadline = 50ms;
     standIn("while :; do echo y >&2; done");
     EXPECT_TRUE(errorOf().starts_with("the widget extension did not answer in time; its last words: y y"));
 }
@@ -219,18 +220,106 @@ TEST_F(Worker, ADeathWhileNothingIsAskedIsMadeGood) {
     EXPECT_TRUE(logged()[0].starts_with("the widget extension died (signal 9, Killed)")) << logged()[0];
 }
 
+/// A stand-in that answers every placeholder but one for a widget called Deadly.
+std::string exceptDeadly(const std::string& end, const std::filesystem::path& starts) {
+    return "echo $$ >> '" + starts.string() + "'; while read line; do case \"$line\" in *Deadly*) " + end +
+           " ;; esac; id=${line#*:}; id=${id%%,*}; "
+           "echo '{\"id\":'$id',\"entry\":{\"date\":0,\"view\":{\"node\":{\"Text\":{\"text\":\"x\"}},"
+           "\"modifiers\":[]}}}'; done";
+}
+std::size_t linesIn(const std::filesystem::path& file) {
+    return static_cast<std::size_t>(std::ranges::count(readFile(file).value_or(""), '\n'));
+}
+
+TEST_F(Worker, ADeathCostsTheRequestThatCausesIt) {
+    const auto starts = folder.path() / "starts";
+    standIn(exceptDeadly("kill -9 $$", starts));
+    const std::vector<Request> all{
+        placeholder("A"), placeholder("Deadly"), placeholder("B"), placeholder("C")};
+    const auto outcomes = ask(all);
+    for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(outcomes.at(place).reply) << place;
+    EXPECT_EQ(outcomes.at(1).error, "the widget extension died (signal 9, Killed)");
+    // Its own outcome tells all there is to tell.
+    EXPECT_TRUE(logged().empty()) << logged()[0];
+    // Once for all, and once for each that was left.
+    EXPECT_EQ(linesIn(starts), 1U + 3U);
+
+    // From then on it is asked apart: the others have a process that stays.
+    for (int round = 0; round < 3; ++round) {
+        const auto again = ask(all);
+        EXPECT_FALSE(again.at(1).reply);
+        for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(again.at(place).reply) << place;
+    }
+    EXPECT_EQ(linesIn(starts), 4U + 1U + 3U);
+    EXPECT_TRUE(logged().empty());
+}
+
+TEST_F(Worker, AHangCostsTheRequestThatCausesIt) {
+    options.program.deadline = 300ms;
+    standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
+    const auto outcomes = ask({placeholder("A"), placeholder("Deadly"), placeholder("B")});
+    EXPECT_TRUE(outcomes.at(0).reply);
+    EXPECT_EQ(outcomes.at(1).error, "the widget extension did not answer in time");
+    EXPECT_TRUE(outcomes.at(2).reply);
+}
+
+TEST_F(Worker, WhatIsAnsweredDoesNotWaitForAHang) {
+    options.program.deadline = 60s;
+    standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
+    Outcomes got;
+    worker->ask({placeholder("A"), placeholder("Deadly")}, [&](Outcomes outcomes) { got.merge(outcomes); });
+    loop.runOne();
+    EXPECT_TRUE(got.contains(0));
+    EXPECT_FALSE(got.contains(1));
+}
+
+TEST_F(Worker, WithoutADeathThereIsOneProcess) {
+    const auto starts = folder.path() / "starts";
+    standIn(exceptDeadly("kill -9 $$", starts));
+    for (int round = 0; round < 3; ++round) ask({placeholder("A"), placeholder("B"), placeholder("C")});
+    EXPECT_EQ(linesIn(starts), 1U);
+}
+
+TEST_F(Worker, AReplyOutOfBoundsCostsItsRequestAlone) {
+    const auto starts = folder.path() / "starts";
+    standIn(exceptDeadly(
+        "id=${line#*:}; id=${id%%,*}; long=$(head -c 20000 /dev/zero | tr '\\0' x); "
+        "echo '{\"id\":'$id',\"entry\":{\"date\":0,\"view\":{\"node\":{\"Text\":{\"text\":\"'$long'\"}},"
+        "\"modifiers\":[]}}}'; continue",
+        starts));
+    for (int round = 0; round < 2; ++round) {
+        const auto outcomes = ask({placeholder("A"), placeholder("Deadly"), placeholder("B")});
+        EXPECT_TRUE(outcomes.at(0).reply);
+        EXPECT_EQ(outcomes.at(1).error, "out of bounds: a text that is too long");
+        EXPECT_TRUE(outcomes.at(2).reply);
+    }
+    EXPECT_EQ(linesIn(starts), 1U);
+    EXPECT_TRUE(logged().empty());
+}
+
+TEST_F(Worker, ARestartIsANewProcess) {
+    const auto starts = folder.path() / "starts";
+    standIn(exceptDeadly("kill -9 $$", starts));
+    ask({placeholder("A")});
+    worker->restart();
+    ask({placeholder("A")});
+    ask({placeholder("A")});
+    EXPECT_EQ(linesIn(starts), 2U);
+    EXPECT_TRUE(logged().empty());
+}
+
 TEST_F(Worker, AProgramThatIsNotThereIsReported) {
-    options.program = "/no/such/program";
+    options.program.path = "/no/such/program";
     make();
     EXPECT_EQ(errorOf(), "cannot start the widget extension /no/such/program: No such file or directory");
 }
 
 TEST_F(Worker, EndsWithoutWaitingForAnswers) {
     standIn("while read line; do :; done");
-    worker->ask({bundle}, [](const std::vector<Outcome>&) {});
+    worker->ask({bundle}, [](const Outcomes&) {});
     const auto before = std::chrono::steady_clock::now();
     worker.reset();
-    EXPECT_LT(std::chrono::steady_clock::now() - before, options.deadline);
+    EXPECT_LT(std::chrono::steady_clock::now() - before, options.program.deadline);
     EXPECT_TRUE(logged().empty());
 }
 

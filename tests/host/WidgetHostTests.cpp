@@ -17,7 +17,7 @@ using test::TemporaryFolder;
 struct Hosted : testing::Test, HostObserver {
     struct Asked {
         std::vector<Request> requests;
-        std::function<void(std::vector<Outcome>)> completion;
+        std::function<void(Outcomes)> completion;
     };
 
     TemporaryFolder folder;
@@ -36,8 +36,7 @@ struct Hosted : testing::Test, HostObserver {
                 .now = [this] { return now; },
                 .environment = [this] { return environment; },
                 .ask =
-                    [this](
-                        std::vector<Request> requests, std::function<void(std::vector<Outcome>)> completion) {
+                    [this](std::vector<Request> requests, std::function<void(Outcomes)> completion) {
                         asked.push_back({std::move(requests), std::move(completion)});
                     },
                 .wakeAt = [this](std::optional<Date> instant) { wakeAt = instant; },
@@ -64,7 +63,7 @@ struct Hosted : testing::Test, HostObserver {
     void answer(const std::string& text) {
         Asked open = std::move(asked.front());
         asked.pop_front();
-        std::vector<Outcome> outcomes;
+        Outcomes outcomes;
         for (const Request& request : open.requests) {
             Reply reply{};
             if (request.request == RequestKind::bundle)
@@ -73,14 +72,16 @@ struct Hosted : testing::Test, HostObserver {
                 reply.entry = ArchivedEntry{now, ui::Text(text)};
             else
                 reply.timeline = ArchivedTimeline{{{now, ui::Text(text)}}, now + 300};
-            outcomes.push_back({reply, ""});
+            outcomes[outcomes.size()] = {.reply = reply};
         }
         open.completion(std::move(outcomes));
     }
     void fail(const std::string& error) {
         Asked open = std::move(asked.front());
         asked.pop_front();
-        open.completion(std::vector<Outcome>(open.requests.size(), Outcome{std::nullopt, error}));
+        Outcomes outcomes;
+        for (std::size_t i = 0; i < open.requests.size(); ++i) outcomes[i] = {.error = error};
+        open.completion(std::move(outcomes));
     }
     static std::vector<WidgetDescription> offered() {
         using enum WidgetFamily;
@@ -150,6 +151,46 @@ TEST_F(Hosted, AFailureKeepsThePictureAndIsLogged) {
     EXPECT_EQ(wakeAt, now + Schedule::firstPause);
 }
 
+TEST_F(Hosted, ACauseIsLoggedOnceUntilItChanges) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    for (const char* how : {"it died", "it died", "it hangs", "it died"}) {
+        fail(how);
+        now = *wakeAt;
+        host->wake();
+    }
+    answer("80 %");
+    host->reloadAll();
+    asked.pop_front();
+    now = *wakeAt;
+    host->wake();
+    asked.clear();
+    EXPECT_EQ(
+        log,
+        (Seen{
+            "Battery, systemSmall: it died",
+            "Battery, systemSmall: it hangs",
+            "Battery, systemSmall: it died"}));
+}
+
+TEST_F(Hosted, AnswersThatComeFirstAreShownFirst) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    add("Clock", WidgetFamily::systemSmall);
+    asked.clear();
+    make();
+    seen.clear();
+    host->start();
+    takeSeen();
+    Asked open = std::move(asked.back());
+    ASSERT_EQ(open.requests.size(), 2U);
+    for (const std::size_t place : {1U, 0U}) {
+        Reply reply{.timeline = ArchivedTimeline{{{now, ui::Text("14:05")}}, now + 300}};
+        open.completion({{place, {.reply = std::move(reply)}}});
+        EXPECT_EQ(takeSeen(), Seen{*open.requests[place].kind + " shows 14:05"});
+    }
+}
+
 TEST_F(Hosted, AnAnswerOfTheWrongKindIsAFailure) {
     start();
     add("Battery", WidgetFamily::systemSmall);
@@ -157,7 +198,7 @@ TEST_F(Hosted, AnAnswerOfTheWrongKindIsAFailure) {
     asked.pop_front();
     Reply reply{};
     reply.entry = ArchivedEntry{now, ui::Text("x")};
-    open.completion({Outcome{reply, ""}});
+    open.completion({{0, {.reply = reply}}});
     EXPECT_EQ(log, Seen{"Battery, systemSmall: an answer without a timeline"});
 }
 

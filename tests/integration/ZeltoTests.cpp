@@ -276,7 +276,7 @@ TEST_F(ZeltoProcess, AnExtensionThatIsKilledInTheMiddleGivesAClearMessage) {
     // It lists its widgets and then dies the way kill -9 makes it die.
     const std::string program = write(
         "extension",
-        "#!/bin/sh\nread line\nprintf '%s\\n' '" +
+        "#!/bin/sh\nread line\ncase \"$line\" in *bundle*) ;; *) kill -9 $$ ;; esac\nprintf '%s\\n' '" +
             extension(R"({"id":1,"request":"bundle"})")
                 .output.substr(0, extension(R"({"id":1,"request":"bundle"})").output.size() - 1) +
             "'\nread line\nkill -9 $$\n");
@@ -284,6 +284,23 @@ TEST_F(ZeltoProcess, AnExtensionThatIsKilledInTheMiddleGivesAClearMessage) {
     const auto result = zelto({"render", "--extension", program, "--output", folder.path() / "p"});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.errors, "zelto: the widget extension died (signal 9, Killed)\n");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "p"));
+}
+
+TEST_F(ZeltoProcess, RenderDrawsWhatItCanAndNamesTheRest) {
+    // A fan's speed that no integer holds is the end of the process that is to show it.
+    auto snapshot = WidgetSnapshot::sample();
+    snapshot.fans[0].actual = 1e300;
+    snapshot.save(HomeLookup::fixed(folder.path()));
+    const auto pictures = folder.path() / "pictures";
+    const auto result = zelto({"render", "--scale", "1", "--output", pictures, "--home", folder.path()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(
+        result.errors,
+        "zelto: not drawn: ZeltoFans (small): the widget extension died (signal 6, Aborted)\n");
+    EXPECT_TRUE(result.output.starts_with("18 pictures and gallery.png are in ")) << result.output;
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures), {}), 19);
+    EXPECT_FALSE(std::filesystem::exists(pictures / "ZeltoFans-small.png"));
 }
 
 TEST_F(ZeltoProcess, NonsenseFromAnExtensionGivesAClearMessage) {

@@ -20,6 +20,8 @@ TEST(TimeZoneFlags, MapsAZoneToItsCountrysFlag) {
 
 TEST(TimeZoneFlags, IgnoresCommentsBlankLinesAndShortLines) {
     EXPECT_FALSE(flag("#BR\tx\tAmerica/Sao_Paulo\n", "America/Sao_Paulo"));
+    // A code that would do, number sign and all.
+    EXPECT_FALSE(flag("#B\tx\tAmerica/Sao_Paulo\n", "America/Sao_Paulo"));
     EXPECT_EQ(flag(std::string("\n\n") + brazil + "\n", "America/Sao_Paulo"), "🇧🇷");
     EXPECT_FALSE(flag("BR\tAmerica/Sao_Paulo\n", "America/Sao_Paulo"));
     EXPECT_EQ(TimeZoneFlags::parse("BR\tx\n").size(), 0U);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <sys/stat.h>
 
 #include "platform/foundation/JSONDecoder.hpp"
 #include "platform/foundation/JSONEncoder.hpp"
@@ -230,6 +231,59 @@ TEST_F(Store, SaveMakesTheWholePath) {
     EXPECT_TRUE(std::filesystem::is_regular_file(WidgetSnapshot::url(lookup)));
 }
 
+mode_t modeOf(const std::filesystem::path& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status.st_mode & 07777;
+}
+
+TEST_F(Store, WhatSaveMakesIsTheOwnersAlone) {
+    const mode_t mask = umask(022);
+    full().save(lookup);
+    EXPECT_EQ(modeOf(WidgetSnapshot::url(lookup)), 0600U);
+    EXPECT_EQ(modeOf(WidgetSnapshot::folder(lookup)), 0700U);
+    EXPECT_EQ(modeOf(home.path() / "Library"), 0755U);
+    EXPECT_EQ(modeOf(home.path() / "Library/Application Support"), 0755U);
+    umask(mask);
+}
+
+TEST_F(Store, SaveKeepsTheModesOfWhatIsThere) {
+    home.write("Library/Application Support/Zelto/widget.json", "{}");
+    for (const mode_t mode : {0644U, 0640U, 0600U}) {
+        chmod(WidgetSnapshot::url(lookup).c_str(), mode);
+        chmod(WidgetSnapshot::folder(lookup).c_str(), 0755);
+        full().save(lookup);
+        EXPECT_EQ(modeOf(WidgetSnapshot::url(lookup)), mode);
+        EXPECT_EQ(modeOf(WidgetSnapshot::folder(lookup)), 0755U);
+        EXPECT_TRUE(WidgetSnapshot::load(lookup));
+    }
+}
+
+TEST_F(Store, SaveRemovesWhatADeathHasLeft) {
+    const auto leftover = home.write(
+        "Library/Application Support/Zelto/.widget.json.6F9619FF-8B86-D011-B42D-00CF4FC964FF", "{");
+    const auto other = home.write("Library/Application Support/Zelto/.widget.json.notes", "");
+    full().save(lookup);
+    EXPECT_FALSE(std::filesystem::exists(leftover));
+    EXPECT_TRUE(std::filesystem::exists(other));
+}
+
+TEST_F(Store, AFileOfMoreThanSixteenMegabytesIsNoSnapshot) {
+    std::string document = *encodeJSON(full());
+    const auto pad = [&](std::size_t size) {
+        home.write(
+            "Library/Application Support/Zelto/widget.json",
+            document + std::string(size - document.size(), ' '));
+    };
+    pad(WidgetSnapshot::largestDocument);
+    EXPECT_TRUE(WidgetSnapshot::load(lookup));
+    pad(WidgetSnapshot::largestDocument + 1);
+    EXPECT_FALSE(WidgetSnapshot::load(lookup));
+    // Nor is what only claims to be large read to find out.
+    std::filesystem::resize_file(WidgetSnapshot::url(lookup), std::uintmax_t{200} << 30);
+    EXPECT_FALSE(WidgetSnapshot::load(lookup));
+}
+
 TEST_F(Store, LoadGivesWhatWasSaved) {
     const WidgetSnapshot saved = full();
     saved.save(lookup);
@@ -280,6 +334,11 @@ TEST(Sample, DiffersBetweenAccessesOnlyInItsDatesAndIdentifiers) {
 TEST(Sample, HasFortyGentleHistoryValues) {
     const auto history = WidgetSnapshot::sample().cpuHistory;
     ASSERT_EQ(history.size(), 40U);
+    // To the last digit: the order in which they are computed shows in it.
+    std::string written;
+    for (const auto& text : vectors("json_double_text").at("sample_cpuHistory"))
+        written += (written.empty() ? "" : ",") + text.get<std::string>();
+    EXPECT_EQ(encodeJSON(history), "[" + written + "]");
     EXPECT_EQ(history[0], 0.2);
     for (const double value : history) {
         EXPECT_GE(value, 0.08);

@@ -14,6 +14,15 @@ namespace {
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(Palette, HasItsColours) {
+    using ui::Color;
+    EXPECT_EQ(Palette::accent, (Color{0.25, 0.85, 0.70}));
+    EXPECT_EQ(Palette::blue, (Color{0.45, 0.65, 1.0}));
+    EXPECT_EQ(Palette::memory, (Color{0.85, 0.60, 1.0}));
+    EXPECT_EQ(Palette::warning, (Color{1.0, 0.65, 0.25}));
+    EXPECT_EQ(Palette::danger, (Color{1.0, 0.38, 0.40}));
+    EXPECT_EQ(Palette::track, (Color{1, 1, 1, 0.12}));
+    EXPECT_EQ(Palette::card, (Color{1, 1, 1, 0.07}));
+    EXPECT_EQ(Palette::background, (ui::LinearGradient{{0.12, 0.15, 0.18}, {0.04, 0.05, 0.07}}));
     EXPECT_EQ(ui::hexText(Palette::accent), "#40D9B2");
     EXPECT_EQ(ui::hexText(Palette::blue), "#73A6FF");
     EXPECT_EQ(ui::hexText(Palette::memory), "#D999FF");

@@ -14,20 +14,34 @@ struct FakeMachine {
     std::uint64_t physical = 0;
     std::optional<VolumeCapacities> volume;
     std::vector<std::chrono::microseconds> pauses = {};
+    std::vector<std::string> asked = {};
 
     SystemReadings readings() {
         return {
-            .powerSources = [this] { return sources; },
+            .powerSources =
+                [this] {
+                    asked.emplace_back("battery");
+                    return sources;
+                },
             .cpuTicks = [this]() -> std::optional<CPUTicks> {
+                asked.emplace_back("processor");
                 if (ticks.empty()) return std::nullopt;
                 const auto next = ticks.front();
                 ticks.erase(ticks.begin());
                 return next;
             },
-            .virtualMemory = [this] { return memory; },
+            .virtualMemory =
+                [this] {
+                    asked.emplace_back("memory");
+                    return memory;
+                },
             .pageSize = [] { return std::uint64_t{4096}; },
             .physicalMemory = [this] { return physical; },
-            .volume = [this](const std::filesystem::path&) { return volume; },
+            .volume =
+                [this](const std::filesystem::path& path) {
+                    asked.push_back("volume " + path.string());
+                    return volume;
+                },
             .sleep = [this](std::chrono::microseconds pause) { pauses.push_back(pause); }};
     }
 };
@@ -80,6 +94,19 @@ double cpu(std::vector<std::optional<CPUTicks>> ticks, std::size_t pauses = 1) {
 
 TEST(CPULoad, IsTheBusyShareBetweenTwoSamples) {
     EXPECT_EQ(cpu({CPUTicks{10, 10, 100, 10}, CPUTicks{20, 15, 160, 35}}), 0.4);
+}
+
+TEST(CPULoad, StaysWithinItsBoundsWhenTheWaitingTimeStepsBack) {
+    // "cpu 1000 0 0 1000 500", then "cpu 1400 0 0 1020 440": less idle time than before.
+    EXPECT_EQ(cpu({CPUTicks{1000, 0, 1500, 0}, CPUTicks{1400, 0, 1460, 0}}), 1);
+    EXPECT_EQ(cpu({CPUTicks{1000, 0, 1000, 0}, CPUTicks{900, 0, 2000, 0}}), 0);
+}
+
+TEST(LiveReader, TakesItsReadingsInOrder) {
+    FakeMachine machine{.sources = {}, .ticks = {CPUTicks{}, CPUTicks{}}, .memory = {}, .volume = {}};
+    LiveReader::read(machine.readings());
+    EXPECT_EQ(
+        machine.asked, (std::vector<std::string>{"battery", "processor", "processor", "memory", "volume /"}));
 }
 
 TEST(CPULoad, IsZeroWhenASampleFailsOrTimeStandsStill) {

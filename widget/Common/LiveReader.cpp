@@ -22,7 +22,8 @@ double cpuLoad(const SystemReadings& system) {
     system.sleep(std::chrono::microseconds(500'000));
     const auto second = cpuUsage(system);
     if (!second || !(second->total > first->total)) return 0;
-    return (second->busy - first->busy) / (second->total - first->total);
+    // The kernel's waiting time, which counts as idle, may step back, and with it the busy share beyond all.
+    return std::clamp((second->busy - first->busy) / (second->total - first->total), 0.0, 1.0);
 }
 
 }  // namespace

@@ -43,6 +43,7 @@ std::string Ring::shownText() const {
 
 std::string Ring::readText() const {
     if (label) return *label + ", " + shownText() + (caption ? ", " + *caption : "");
+    if (caption && captionIsUnit) return shownText() + " " + *caption;
     return caption ? *caption + ", " + shownText() : shownText();
 }
 

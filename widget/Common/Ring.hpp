@@ -16,6 +16,7 @@ struct Ring {
     double lineWidth;                       // points
     double fontSize;                        // points, of the centre text
     std::optional<std::string> centerText;  // instead of the percentage
+    bool captionIsUnit = false;             // "2400 rpm", which is read in this order
 
     /// The one ring of a small widget.
     static Ring single(double value, ui::Color color, std::optional<std::string> caption = {});

@@ -58,7 +58,8 @@ View AwakeWidgetView::secondLine() const {
     if (active() && entry.snapshot->awakeEnd)
         return Countdown(*entry.snapshot->awakeEnd)
             .monospacedDigits(12, Weight::semibold)
-            .foreground(Palette::warning);
+            .foreground(Palette::warning)
+            .accessibilityLabel("termina em");
     return Text(active() ? "até desligar" : "toque para 1 h").font(10).foreground(secondary);
 }
 
@@ -68,7 +69,7 @@ View AwakeWidgetView::buttonRow() const {
         button("30 min", "awake?minutes=30", Palette::warning),
         button("1 h", "awake?minutes=60", Palette::warning),
         button("2 h", "awake?minutes=120", Palette::warning),
-        button("∞", "awake?minutes=0", Palette::warning),
+        button("∞", "awake?minutes=0", Palette::warning).accessibilityLabel("sem fim"),
         when(active(), [] { return button("Desligar", "awake?action=off", Palette::danger); }));
 }
 

@@ -72,9 +72,8 @@ std::string EventLine::timeText() const {
     return formatting.weekdayAndDay(event.start) + " · " + time;
 }
 
-std::optional<std::string> EventLine::joinLink() const {
-    if (!event.meetingURL) return std::nullopt;
-    return deepLink("join?url=" + percentEncodedAlphanumerics(event.meetingURL->text()));
+std::string EventLine::joinLink(const URL& meeting) {
+    return deepLink("join?url=" + percentEncodedAlphanumerics(meeting.text()));
 }
 
 View EventLine::body() const {
@@ -86,14 +85,15 @@ View EventLine::body() const {
             Text(event.title).font(11, Weight::semibold).lineLimit(1).foreground(Palette::white),
             Text(timeText()).font(9).lineLimit(1).foreground(secondary)),
         Spacer(4),
-        ifPresent(joinLink(), [](const auto& url) {
+        ifPresent(event.meetingURL, [this](const URL& meeting) {
             return Text("Entrar")
                 .font(9, Weight::bold)
                 .foreground(Palette::black)
                 .padding(Edges::horizontal, 7)
                 .padding(Edges::vertical, 3)
                 .background(Capsule{}, Palette::blue)
-                .link(url);
+                .accessibilityLabel("Entrar: " + event.title)
+                .link(joinLink(meeting));
         }));
 }
 

@@ -34,8 +34,8 @@ struct EventLine {
 
     ui::View body() const;
     std::string timeText() const;
-    /// Where the event's meeting is joined; absent without one.
-    std::optional<std::string> joinLink() const;
+    /// Where a meeting is joined.
+    static std::string joinLink(const URL& meeting);
 };
 
 }  // namespace zelto

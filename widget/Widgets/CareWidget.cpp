@@ -29,6 +29,11 @@ Color CareWidgetView::levelColor(const std::string& level) {
     return level == "info" ? Palette::blue : Palette::accent;
 }
 
+std::optional<std::string> CareWidgetView::levelName(const std::string& level) {
+    if (level == "attention") return "atenção";
+    return level == "info" ? std::optional<std::string>("informação") : std::nullopt;
+}
+
 std::string CareWidgetView::verdictText(std::int64_t attentions) {
     if (attentions == 0) return "Tudo certo";
     return std::to_string(attentions) + (attentions == 1 ? " ponto" : " pontos") + " de atenção";
@@ -71,11 +76,13 @@ Views CareWidgetView::verdict() const {
 }
 
 View CareWidgetView::findings() const {
-    const auto cell = [](const WidgetSnapshot::CareItem& item) {
-        return HStack(
-            {.spacing = 5},
-            Filled(Circle{}, levelColor(item.level)).frame({.width = 7, .height = 7}),
-            Text(item.title).font(11).lineLimit(1));
+    const auto dot = [](const std::string& level) {
+        View circle = Filled(Circle{}, levelColor(level)).frame({.width = 7, .height = 7});
+        const auto name = levelName(level);
+        return name ? std::move(circle).accessibilityLabel(*name) : circle;
+    };
+    const auto cell = [&](const WidgetSnapshot::CareItem& item) {
+        return HStack({.spacing = 5}, dot(item.level), Text(item.title).font(11).lineLimit(1));
     };
     return Grid(
         {.columns = 2, .rowSpacing = 4, .alignment = HAlign::leading},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/ui/View.hpp"
@@ -21,6 +22,8 @@ struct CareWidgetView {
     ui::View body() const;
 
     static ui::Color levelColor(const std::string& level);
+    /// What is read of a finding's dot; absent where there is nothing to do.
+    static std::optional<std::string> levelName(const std::string& level);
     /// "Tudo certo", or how many points of attention there are.
     static std::string verdictText(std::int64_t attentions);
 

@@ -29,7 +29,10 @@ Views content(const WidgetSnapshot::Clip& clip) {
                     .frame({.width = thumbnailSide, .height = thumbnailSide})
                     .clipShape(RoundedRectangle{4}),
                 Text("Imagem").font(11));
-    return list(Text(ClipboardWidgetView::rowText(clip)).font(11).lineLimit(1));
+    const std::string text = ClipboardWidgetView::rowText(clip);
+    View shown = Text(text).font(11).lineLimit(1);
+    const bool isBlank = text.find_first_not_of(" \t\n\v\f\r") == std::string::npos;
+    return list(isBlank ? std::move(shown).accessibilityLabel("item vazio") : std::move(shown));
 }
 
 View row(const WidgetSnapshot::Clip& clip) {

@@ -68,7 +68,8 @@ Views FansWidgetView::content() const {
             .caption = "rpm",
             .lineWidth = 9,
             .fontSize = 18,
-            .centerText = speedText(fan.actual)}
+            .centerText = speedText(fan.actual),
+            .captionIsUnit = true}
             .body()
             .padding(Edges::horizontal, 12),
         Text(modeText(snap->fanMode, fan.manual)).font(10).foreground(secondary),

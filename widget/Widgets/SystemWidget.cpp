@@ -48,13 +48,19 @@ View SystemWidgetView::body() const {
 
 Views SystemWidgetView::smallContent() const {
     const double cpu = entry.live.cpu;
+    // What a figure is of, only its symbol tells.
+    const auto figure = [](const char* symbol, const std::string& text, const char* name) {
+        return Label(symbol, text).accessibilityLabel(std::string(name) + ", " + text);
+    };
     return list(
         Ring::single(cpu, Palette::loadColor(cpu), "CPU").body().padding(Edges::horizontal, 12),
         HStack(
             {},
-            Label("memorychip", truncatedPercent(entry.live.memory)),
+            figure("memorychip", truncatedPercent(entry.live.memory), "memória"),
             Spacer(),
-            ifPresent(temperatureText(), [](const auto& text) { return Label("thermometer.medium", text); }))
+            ifPresent(
+                temperatureText(),
+                [&](const auto& text) { return figure("thermometer.medium", text, "chip"); }))
             .font(10, Weight::semibold));
 }
 

@@ -1,7 +1,13 @@
+#include <fstream>
+
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
+#include "platform/foundation/FileDescriptor.hpp"
 #include "platform/foundation/Files.hpp"
+#include "tests/platform/foundation/SystemCalls.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
@@ -30,6 +36,52 @@ TEST(ReadFile, IsAbsentForFoldersAndFIFOsAndMissingFiles) {
     EXPECT_FALSE(readFile(folder.path() / "fifo"));
     EXPECT_FALSE(readFile(folder.path() / "missing"));
     EXPECT_FALSE(readFile("/dev/zero"));
+}
+
+TEST(ReadFile, IsAbsentForMoreBytesThanWanted) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a", std::string(100, 'x'));
+    EXPECT_TRUE(readFile(file, 100));
+    EXPECT_FALSE(readFile(file, 99));
+    // Also where the size is not told beforehand.
+    EXPECT_FALSE(readFile("/proc/self/status", 100));
+    EXPECT_TRUE(readFile("/proc/self/status", 100'000));
+}
+
+TEST(WriteFileAtomically, LeavesTheOldBytesToWhoeverHoldsTheOldFile) {
+    const TemporaryFolder folder;
+    const auto file = folder.write("a", "old");
+    fs::create_hard_link(file, folder.path() / "b");
+    std::ifstream open(file);
+    EXPECT_TRUE(writeFileAtomically(file, "new"));
+    EXPECT_EQ(readFile(folder.path() / "b"), "old");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(open), {}), "old");
+}
+
+TEST(WriteFileAtomically, WaitsForTheDiskBeforeAndAfterTheRenameUnlessToldNotTo) {
+    const TemporaryFolder folder;
+    const auto file = folder.path() / "a";
+    SystemCalls::synced.clear();
+    EXPECT_TRUE(writeFileAtomically(file, "new", {.durability = Durability::processDeath}));
+    EXPECT_TRUE(SystemCalls::synced.empty());
+    EXPECT_TRUE(writeFileAtomically(file, "new"));
+    // The file while it has its temporary name, then the folder.
+    ASSERT_EQ(SystemCalls::synced.size(), 2U);
+    EXPECT_TRUE(SystemCalls::synced[0].starts_with((folder.path() / ".a.").string()))
+        << SystemCalls::synced[0];
+    EXPECT_EQ(SystemCalls::synced[1], folder.path());
+}
+
+TEST(RemoveLeftovers, SparesWhatIsBeingWritten) {
+    const TemporaryFolder folder;
+    const std::string dead = ".a.6F9619FF-8B86-D011-B42D-00CF4FC964FF";
+    const std::string live = ".a.6F9619FF-8B86-D011-B42D-00CF4FC964AA";
+    folder.write(dead, "");
+    const FileDescriptor fd(open(folder.write(live, "").c_str(), O_RDONLY | O_CLOEXEC));
+    ASSERT_EQ(flock(fd.get(), LOCK_EX | LOCK_NB), 0);
+    removeLeftovers(folder.path() / "a");
+    EXPECT_FALSE(fs::exists(folder.path() / dead));
+    EXPECT_TRUE(fs::exists(folder.path() / live));
 }
 
 TEST(WriteFileAtomically, ReplacesTheFileAndLeavesNothingElse) {
@@ -67,6 +119,14 @@ TEST(HomeLookup, PrefersTheUserDatabaseThenTheEnvironment) {
     EXPECT_EQ((HomeLookup{none, some("/env")}.home()), "/env");
     EXPECT_EQ((HomeLookup{none, none}.home()), "/");
     EXPECT_FALSE(HomeLookup::system().home().empty());
+}
+
+TEST(HomeLookup, AsksForTheRealUserAndReadsAnEntryOfAnyLength) {
+    SystemCalls::user = 4242;
+    SystemCalls::entryBytes = 300'000;
+    EXPECT_EQ(HomeLookup::system().userDatabase(), "/home/of/4242");
+    SystemCalls::user.reset();
+    SystemCalls::entryBytes = 0;
 }
 
 }  // namespace

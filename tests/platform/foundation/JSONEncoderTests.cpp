@@ -81,5 +81,29 @@ TEST(JSONEncoder, RefusesTextThatIsNotUTF8) {
         EXPECT_FALSE(encodeJSON(Mixed{.text = bad, .number = {}, .list = {}, .id = {}, .date = {}})) << bad;
 }
 
+TEST(JSONPrefix, CountsBytesAsTheyAreWritten) {
+    struct Row {
+        std::string text;
+        std::size_t bytes, end;
+    };
+    for (const auto& [text, bytes, end] : std::vector<Row>{
+             {"abc", 2, 2},
+             {"abc", 3, 3},
+             {"abc", 9, 3},
+             {"", 0, 0},
+             {"\x01\x01", 11, 1},
+             {"\x01\x01", 12, 2},
+             {"a\n\"/", 4, 2},
+             {"é", 1, 0},
+             {"aé", 2, 1},
+             {"aéz", 3, 3},
+             {std::string("\0", 1), 5, 0}}) {
+        EXPECT_EQ(jsonPrefix(text, bytes), end) << text << " " << bytes;
+        std::string written;
+        EXPECT_TRUE(appendJSONString(written, text));
+        EXPECT_EQ(jsonLength(text) + 2, written.size()) << text;
+    }
+}
+
 }  // namespace
 }  // namespace zelto::test

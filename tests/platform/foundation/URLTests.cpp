@@ -19,6 +19,30 @@ TEST(URL, ReadsAndStoresAsThePlatformDoes) {
     }
 }
 
+TEST(URL, ReadsBackWhatItStores) {
+    const std::vector<std::pair<const char*, const char*>> rows{
+        {"]s://x", "%5Ds%3A//x"},
+        {"h[ttps://x", "h%5Bttps%3A//x"},
+        {"x]:y", "x%5D%3Ay"},
+        {"a]b:c:d", "a%5Db%3Ac%3Ad"},
+        {"[:", "%5B%3A"},
+        {"[/:", "%5B/:"},
+        {"a@[b:c", "a@%5Bb:c"},
+        {":[", ":%5B"},
+        {"s:[:", "s:%5B:"},
+        {"[?:", "%5B?:"},
+        {"[#:[", "%5B#:%5B"},
+        {"//a[@h:1/[:", "//a%5B@h:1/%5B:"}};
+    for (const auto& [text, stored] : rows) {
+        const auto url = URL::parse(text);
+        ASSERT_TRUE(url) << text;
+        EXPECT_EQ(url->text(), stored) << text;
+        const auto again = URL::parse(stored);
+        ASSERT_TRUE(again) << text;
+        EXPECT_EQ(again->text(), stored) << text;
+    }
+}
+
 TEST(URL, RejectsTextThatIsNotUTF8) {
     EXPECT_FALSE(URL::parse("https://example.com/\xff"));
 }

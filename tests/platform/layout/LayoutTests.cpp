@@ -1,10 +1,10 @@
+#include <cmath>
+
 #include <gtest/gtest.h>
 
 #include "platform/layout/Layout.hpp"
-#include "platform/layout/TimerText.hpp"
 #include "platform/ui/Building.hpp"
 #include "tests/support/FixedMeasuring.hpp"
-#include "tests/support/Vectors.hpp"
 
 namespace zelto::test {
 namespace {
@@ -211,25 +211,44 @@ TEST(Margins, SurroundTheContent) {
     EXPECT_EQ(std::get<layout::PlacedShape>(placement.items.at(0)).frame, (layout::Rect{16, 16, 132, 132}));
 }
 
-TEST(TimerText, CountsDownAndThenUp) {
-    for (const auto& row : vectors("timer_text").at("vectors")) {
-        const std::string expected = row.at("text");
-        EXPECT_EQ(
-            layout::timerText({row.at("remaining_s").get<double>()}, {0}),
-            expected.substr(0, expected.find(' ')));
+TEST(OneLine, EndsAtEveryMandatoryBreak) {
+    FixedMeasuring measuring;
+    for (const char* text :
+         {"one\ntwo",
+          "one\vtwo",
+          "one\ftwo",
+          "one\rtwo",
+          "one\r\ntwo",
+          "one\u0085two",
+          "one\u2028two\nthree",
+          "one\u2029two"}) {
+        const auto placement =
+            layOut(Text(text).font(10).lineLimit(1), {.size = {164, 164}, .now = {0}}, measuring);
+        const auto& placed = std::get<layout::PlacedText>(placement.items.at(0));
+        EXPECT_EQ(placed.text, "one…") << text;
+        EXPECT_EQ(placed.frame.height, measuring.lineHeight({.size = 10})) << text;
     }
-    EXPECT_EQ(layout::timerText({0.5}, {0}), "0:01");
-    EXPECT_EQ(layout::timerText({0}, {0.5}), "0:00");
-    EXPECT_EQ(layout::timerText({0}, {1}), "0:01");
 }
 
-TEST(TimerText, ChangesExactlyWhenItSays) {
-    for (const double left : {10.0, 9.25, 0.5, 0.0, -0.25, -1.0}) {
-        const Date end{100}, now{100 - left};
-        const Date next = layout::nextTimerChange(end, now);
-        EXPECT_GT(next, now);
-        EXPECT_NE(layout::timerText(end, next), layout::timerText(end, now)) << left;
-        EXPECT_LE(next - now, 1.0) << left;
+TEST(Texts, AreWholeAlsoBehindANull) {
+    FixedMeasuring measuring;
+    for (const std::int64_t lines : {0, 1}) {
+        const auto placement = layOut(
+            Text(std::string("ab\0cd", 5)).font(10).lineLimit(lines),
+            {.size = {164, 164}, .now = {0}},
+            measuring);
+        EXPECT_EQ(std::get<layout::PlacedText>(placement.items.at(0)).text, "abcd");
+    }
+}
+
+TEST(ScaledToFill, OfWhatHasNoSizeTakesWhatItIsOffered) {
+    FixedMeasuring measuring;
+    const auto placement =
+        layOut(Text("x").font(0).scaledToFill(), {.size = {164, 164}, .now = {0}}, measuring);
+    for (const auto& item : placement.items) {
+        const auto& frame = std::get<layout::PlacedText>(item).frame;
+        for (const double number : {frame.x, frame.y, frame.width, frame.height})
+            EXPECT_TRUE(std::isfinite(number));
     }
 }
 

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/statvfs.h>
 
 #include "platform/system/KernelFiles.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -59,6 +60,18 @@ TEST(VirtualMemory, IsAbsentWithoutTheLinesThatEveryKernelWrites) {
         folder.write("m", "AnonPages: 1 kB\nShmem: x kB\nSUnreclaim: 1 kB\n"), folder.path(), 4096));
     EXPECT_EQ(readPhysicalMemory(folder.path() / "missing"), 0U);
     EXPECT_EQ(readPhysicalMemory(folder.write("n", "MemTotal: 12 MB\n")), 0U);
+}
+
+TEST(Volume, HasForImportantUseWhatAnOrdinaryUserMayWrite) {
+    struct statvfs status {};
+    status.f_frsize = 4096;
+    status.f_bsize = 1;
+    status.f_blocks = 1000;
+    status.f_bfree = 500;
+    status.f_bavail = 200;
+    const auto volume = capacitiesOf(status);
+    EXPECT_EQ(volume.total, 4'096'000U);
+    EXPECT_EQ(volume.availableForImportantUsage, 819'200U);
 }
 
 TEST(Volume, TellsTheRootsCapacities) {

@@ -87,9 +87,32 @@ TEST_F(PowerSourcesTest, LeavesOutWhatIsGarbled) {
     device("BAT0", {{"type", "Battery"}, {"energy_now", "12x"}, {"energy_full", ""}, {"capacity", "many"}});
     EXPECT_FALSE(only().contains("Current Capacity"));
     EXPECT_EQ(only()["Is Charging"], Value(false));
-    device("BAT0", {{"energy_now", "9223372036854775807"}, {"energy_full", "1"}});
-    device("BAT1", {{"type", "Battery"}, {"energy_now", "1"}, {"energy_full", "1"}});
-    EXPECT_FALSE(only().contains("Current Capacity"));  // a sum that does not fit is no sum
+}
+
+TEST_F(PowerSourcesTest, LeavesOutABatteryThatTellsNoCharge) {
+    device("BAT0", {{"type", "Battery"}, {"status", "Charging"}});
+    device("BAT1", {{"type", "Battery"}, {"energy_now", "10"}, {"energy_full", "40"}});
+    EXPECT_EQ(only()["Name"], Value("BAT1"));
+    EXPECT_EQ(only()["Current Capacity"], Value(std::int64_t{10}));
+    EXPECT_EQ(only()["Max Capacity"], Value(std::int64_t{40}));
+    EXPECT_EQ(only()["Is Charging"], Value(false));
+    // Nor one that can hold nothing: a quarter is a quarter.
+    device("BAT0", {{"energy_now", "5"}, {"energy_full", "0"}});
+    EXPECT_EQ(only()["Current Capacity"], Value(std::int64_t{10}));
+    // What it tells in another unit counts where all tell it.
+    device("BAT0", {{"capacity", "50"}});
+    device("BAT1", {{"capacity", "25"}});
+    EXPECT_EQ(only()["Current Capacity"], Value(std::int64_t{75}));
+    EXPECT_EQ(only()["Max Capacity"], Value(std::int64_t{200}));
+}
+
+TEST_F(PowerSourcesTest, TakesTheFirstAloneWhereNoSumIsToBeHad) {
+    device("BAT0", {{"type", "Battery"}, {"energy_now", "1"}, {"energy_full", "2"}});
+    device("BAT1", {{"type", "Battery"}, {"charge_now", "3"}, {"charge_full", "4"}});
+    EXPECT_EQ(only()["Max Capacity"], Value(std::int64_t{2}));
+    // A sum that does not fit is no sum.
+    device("BAT1", {{"energy_now", "9223372036854775807"}, {"energy_full", "9223372036854775807"}});
+    EXPECT_EQ(only()["Max Capacity"], Value(std::int64_t{2}));
 }
 
 }  // namespace

@@ -70,9 +70,18 @@ TEST(Archive, RefusesToWriteWhatIsNotFinite) {
     EXPECT_FALSE(encodeReply(reply(Text("\xff"))));
 }
 
+/// What a host finds wrong with a reply: with its form, of which nothing is left, or with what it holds,
+/// which is left as an error to the same request.
 std::string fault(const Reply& reply) {
     std::string why;
-    return decodeReply(encodeReply(reply).value_or(""), &why) ? "" : why;
+    const auto read = decodeReply(encodeReply(reply).value_or(""), &why);
+    if (!read) return why;
+    if (!read->error) return "";
+    EXPECT_EQ(read->id, reply.id);
+    EXPECT_FALSE(read->widgets || read->entry || read->timeline);
+    const std::string prefix = "out of bounds: ";
+    EXPECT_TRUE(read->error->starts_with(prefix)) << *read->error;
+    return read->error->substr(prefix.size());
 }
 
 TEST(Archive, BoundsWhatAStrangerMaySend) {
@@ -91,6 +100,12 @@ TEST(Archive, BoundsWhatAStrangerMaySend) {
     EXPECT_EQ(
         fault(reply({.node = node::Image{100'000, 100'000, {}}, .modifiers = {}})),
         "an image of an unreasonable size");
+    EXPECT_EQ(fault(reply(Text("x").font(-1))), "a negative size");
+    EXPECT_EQ(fault(reply(Text("x").frame({.width = -1, .height = {}}))), "a negative size");
+    EXPECT_EQ(
+        fault(reply(Stroked(Polyline{std::vector<double>(9000, 0.5)}, {.style = secondary, .lineWidth = 1}))),
+        "too many values");
+    EXPECT_EQ(fault(reply(Countdown({1e13}))), "a date beyond all clocks");
     View many = Text("x");
     for (int i = 0; i < 40; ++i) many = std::move(many).lineLimit(1);
     EXPECT_EQ(fault(reply(many)), "too many modifiers on a node");

@@ -97,6 +97,46 @@ TEST(Service, AnswersWhatMakesNoSenseWithAnErrorAndItsID) {
         R"({"error":"a request line holds at most 65536 bytes"})");
 }
 
+/// A provider for which something runs out.
+struct FailingProvider : ToyProvider {
+    ToyEntry placeholder(const TimelineProviderContext&) const { throw std::bad_alloc(); }
+    void getSnapshot(const TimelineProviderContext&, const std::function<void(ToyEntry)>&) const {
+        throw std::runtime_error("no more of it");
+    }
+};
+
+TEST(Service, WhatRunsOutCostsOneRequest) {
+    std::vector<WidgetConfiguration> widgets;
+    widgets.push_back(
+        StaticConfiguration("Toy", FailingProvider{}, [](const ToyEntry& entry, const EnvironmentValues&) {
+            return ui::Text(entry.text);
+        }).supportedFamilies({WidgetFamily::systemSmall}));
+    const Service failing(std::move(widgets), {"pt_BR", "UTC"}, [] { return Date{9}; });
+    const auto answer = [&](const std::string& request) {
+        return failing.answer(R"({"id":4,"kind":"Toy","family":"systemSmall","request":")" + request + "\"}");
+    };
+    EXPECT_EQ(answer("placeholder"), R"({"id":4,"error":"the request failed: std::bad_alloc"})");
+    EXPECT_EQ(answer("snapshot"), R"({"id":4,"error":"the request failed: no more of it"})");
+    EXPECT_TRUE(decodeReply(answer("timeline"), nullptr)->timeline);
+}
+
+TEST(Service, HandsOutWhatHostsTake) {
+    std::vector<WidgetConfiguration> widgets;
+    widgets.push_back(
+        StaticConfiguration("Toy", ToyProvider{}, [](const ToyEntry&, const EnvironmentValues&) {
+            return ui::VStack({}, ui::Text(std::string(20'000, 'x')), ui::Countdown({1e300}));
+        }).supportedFamilies({WidgetFamily::systemSmall}));
+    const Service talkative(std::move(widgets), {"pt_BR", "UTC"}, [] { return Date{9}; });
+    for (const char* request : {"placeholder", "snapshot", "timeline"}) {
+        const auto reply = decodeReply(
+            talkative.answer(
+                R"({"id":4,"kind":"Toy","family":"systemSmall","request":")" + std::string(request) + "\"}"),
+            nullptr);
+        ASSERT_TRUE(reply);
+        EXPECT_FALSE(reply->error) << *reply->error;
+    }
+}
+
 struct PipePair {
     FileDescriptor read, write;
     PipePair() {
@@ -131,6 +171,19 @@ TEST(LineServer, WorksOnLinesSideBySide) {
     const std::string output = drain(out.read.get());
     for (int i = 0; i < lines; ++i)
         EXPECT_NE(output.find("<" + std::to_string(i) + ">\n"), std::string::npos);
+}
+
+TEST(LineServer, OutlivesAnAnswerForWhichThereIsNoMemory) {
+    PipePair in, out;
+    const std::string input = "a\nb\na\nb\n";
+    ASSERT_EQ(write(in.write.get(), input.data(), input.size()), std::ssize(input));
+    in.write.reset();
+    EXPECT_TRUE(serveLines(in.read.get(), out.write.get(), 10, [](std::string_view line) {
+        if (line == "a") throw std::bad_alloc();
+        return std::string(line);
+    }));
+    out.write.reset();
+    EXPECT_EQ(drain(out.read.get()), "b\nb\n");
 }
 
 TEST(LineServer, CutsLongLinesAndPassesOverEmptyOnes) {

@@ -1,10 +1,10 @@
-#include "platform/layout/TimerText.hpp"
+#include "platform/ui/TimerText.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
 
-namespace zelto::layout {
+namespace zelto::ui {
 namespace {
 
 /// Whole seconds that the timer shows: rounded up before the end, down behind it.
@@ -34,4 +34,4 @@ Date nextTimerChange(Date end, Date now) {
     return left > 0 ? end - (std::ceil(left) - 1) : end + (std::floor(-left) + 1);
 }
 
-}  // namespace zelto::layout
+}  // namespace zelto::ui

@@ -6,13 +6,14 @@
 #include "platform/foundation/Date.hpp"
 #include "platform/ui/View.hpp"
 
-namespace zelto::layout {
+namespace zelto::ui {
 
 /// What an assistive technology reads of a view, in order: its texts, countdowns as they stand at `now`, and
-/// in place of what carries an accessibility label, that label. Symbols without one are silent.
-std::vector<std::string> readingTexts(const ui::View& view, Date now);
+/// in place of what carries an accessibility label, that label. A countdown's label stands before the time
+/// left, which goes on. Symbols without a label are silent.
+std::vector<std::string> readingTexts(const View& view, Date now);
 
 /// Such texts as one, with commas.
 std::string joined(const std::vector<std::string>& texts);
 
-}  // namespace zelto::layout
+}  // namespace zelto::ui

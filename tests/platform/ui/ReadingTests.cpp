@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/layout/Reading.hpp"
 #include "platform/ui/Building.hpp"
+#include "platform/ui/Reading.hpp"
 
 namespace zelto::test {
 namespace {
@@ -16,9 +16,11 @@ TEST(ReadingTexts, AreInOrderWithLabelsInPlaceOfWhatTheyName) {
         Symbol("sun.max.fill").accessibilityLabel("dia"),
         Symbol("globe"),
         Countdown({2700}),
+        Countdown({60}).accessibilityLabel("termina em"),
         Text(""));
     EXPECT_EQ(
-        layout::readingTexts(view, {0}), (std::vector<std::string>{"37%", "Bateria, 73%", "dia", "45:00"}));
+        ui::readingTexts(view, {0}),
+        (std::vector<std::string>{"37%", "Bateria, 73%", "dia", "45:00", "termina em 1:00"}));
 }
 
 }  // namespace

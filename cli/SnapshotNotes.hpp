@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "shared/WidgetSnapshot.hpp"
+
+namespace zelto::cli {
+
+/// What of a sound snapshot the widgets cut or leave out, one line each with its place.
+std::vector<std::string> notesOn(const WidgetSnapshot& snapshot);
+
+}  // namespace zelto::cli
