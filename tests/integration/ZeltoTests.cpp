@@ -7,8 +7,10 @@
 #include "platform/foundation/Files.hpp"
 #include "platform/foundation/ISO8601.hpp"
 #include "platform/foundation/JSONDecoder.hpp"
+#include "platform/foundation/JSONEncoder.hpp"
 #include "platform/ui/Outline.hpp"
 #include "platform/widgetkit/Messages.hpp"
+#include "shared/WidgetSnapshotFields.hpp"
 #include "tests/support/Golden.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/Process.hpp"
@@ -327,6 +329,159 @@ TEST_F(ZeltoProcess, PreviewReadsAloud) {
         result.output,
         "80%\nCarregando\nBateria\nSaúde\n86%\nCiclos\n454\nTemperatura\n31 °C\nCarregador\n45 W\nLimite de "
         "carga\n80%\n");
+}
+
+TEST_F(ZeltoProcess, PreviewReadsWhatFiguresAreOf) {
+    const auto read =
+        [](const std::string& kind, const std::string& family, const std::string& snapshot = "") {
+            std::vector<std::string> words{
+                "preview", kind, "--family", family, "--placeholder", "--date", "0", "--accessibility"};
+            if (snapshot.empty())
+                words.emplace_back("--sample");
+            else
+                words.insert(words.end(), {"--snapshot", snapshot});
+            return zelto(words).output;
+        };
+    EXPECT_EQ(read("system", "small"), "Sistema\nchip 52°\nCPU, 22%\nmemória, 55%\nchip, 52°\n");
+    EXPECT_EQ(
+        read("care", "medium"),
+        "Cuidados\nhá 1 hora\natenção\nMemória\ninformação\nDiscos\nBateria\nSegurança\n");
+    EXPECT_EQ(read("fans", "small"), "Ventoinhas\n2400 rpm\nAutomático\nchip a 52°\n");
+    EXPECT_EQ(
+        read("awake", "medium"),
+        "Manter acordado\nAcordado\ntermina em 45:00\n30 min\n1 h\n2 h\nsem fim\nDesligar\n");
+    const std::string agenda = read("calendar", "medium");
+    EXPECT_NE(agenda.find("\nEntrar: Daily do time\n"), std::string::npos) << agenda;
+    EXPECT_NE(agenda.find("\nEntrar: Revisão do projeto\n"), std::string::npos) << agenda;
+    const std::string clip = R"({"id":"6F9619FF-8B86-D011-B42D-00CF4FC964FF","date":0,"pinned":false)";
+    EXPECT_EQ(
+        read(
+            "clipboard",
+            "medium",
+            write(
+                "clips.json",
+                leastDocument(
+                    "\"clips\":[" + clip + "}," + clip + R"(,"text":" \n"},)" + clip + R"(,"text":"x"}],)"))),
+        "Copiados\ntoque para copiar\nitem vazio\nitem vazio\nx\n");
+}
+
+/// A snapshot of which the widgets cut and leave out as much as they ever do.
+std::string enormousDocument() {
+    auto s = WidgetSnapshot::sample(Date{0});
+    s.clips[0].text = std::string(17'000, 'x');
+    s.events[0].title = std::string(100'000, 'y');
+    s.events[0].meetingURL = URL::parse("https://example.com/" + std::string(9000, 'z'));
+    s.events[0].location = std::string(100'000, 'y');
+    s.cpuHistory.assign(100'000, 0.5);
+    s.careItems.assign(5000, {.title = "Memória", .level = "attention", .summary = {}});
+    s.awakeEnd = Date{1e300};
+    s.fans[0].actual = 1e300;
+    return *encodeJSON(s);
+}
+
+TEST_F(ZeltoProcess, SnapshotCheckNotesWhatWidgetsCutOrLeaveOut) {
+    const auto result = zelto({"snapshot", "check", "-"}, enormousDocument());
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.output.substr(result.output.find('\n') + 1),
+        "note: awakeEnd: beyond the years 1 to 9999, at whose end it is held\n"
+        "note: clips[0].text: longer than 1,024 bytes; the widgets show its beginning\n"
+        "note: events[0].title: longer than 1,024 bytes; the widgets show its beginning\n"
+        "note: cpuHistory: more than 5504 values; only what can be told apart of them is drawn\n"
+        "note: careItems: more than 1,000; the last ones may be left out\n"
+        "note: fans[0].actual: beyond 64 bits; the fans widget cannot show it, nor anything else\n"
+        "note: events[0].meetingURL: too long for a link; its button opens the calendar tab\n");
+    EXPECT_TRUE(result.output.starts_with("ok: taken 2001-01-01T00:00:00Z, battery 80%")) << result.output;
+    // What fits is not worth a word; of very many notes the first are.
+    EXPECT_EQ(std::ranges::count(zelto({"snapshot", "check", "-"}, leastDocument()).output, '\n'), 1);
+    auto many = WidgetSnapshot::sample();
+    many.careItems.assign(100, {.title = std::string(2000, 'x'), .level = "ok", .summary = {}});
+    const std::string output = zelto({"snapshot", "check", "-"}, *encodeJSON(many)).output;
+    EXPECT_EQ(std::ranges::count(output, '\n'), 1 + 20 + 1);
+    EXPECT_TRUE(output.ends_with("note: and 80 more\n")) << output;
+}
+
+TEST_F(ZeltoProcess, SnapshotCheckRefusesWhatNoWidgetReads) {
+    const std::string file = write("big.json", leastDocument());
+    std::filesystem::resize_file(file, std::uintmax_t{200} << 30);
+    const auto result = zelto({"snapshot", "check", file});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.errors, "zelto: " + file + ": larger than 16 MiB, which no widget reads\n");
+}
+
+TEST_F(ZeltoProcess, PreviewShowsAWidgetsOwnTreeToTheLetter) {
+    const std::string file = write("enormous.json", enormousDocument());
+    const auto text =
+        zelto({"preview", "clipboard", "--family", "medium", "--snapshot", file, "--placeholder"});
+    EXPECT_EQ(text.status, 0) << text.errors;
+    EXPECT_NE(text.output.find(std::string(17'000, 'x')), std::string::npos);
+    // A picture is what a host would draw.
+    for (const char* kind : {"clipboard", "calendar", "system", "care"}) {
+        const auto png = zelto(
+            {"preview",
+             kind,
+             "--family",
+             "medium",
+             "--snapshot",
+             file,
+             "--placeholder",
+             "--output",
+             folder.path() / (std::string(kind) + ".png")});
+        EXPECT_EQ(png.status, 0) << kind << ": " << png.errors;
+    }
+}
+
+TEST_F(ZeltoProcess, RenderShowsTenOfAnEnormousSnapshot) {
+    folder.write("Library/Application Support/Zelto/widget.json", enormousDocument());
+    const auto result = zelto(
+        {"render",
+         "--scale",
+         "1",
+         "--output",
+         folder.path() / "p",
+         "--home",
+         folder.path(),
+         "--now",
+         "2001-01-01T00:00:00Z"});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(
+        result.errors,
+        "zelto: not drawn: ZeltoFans (small): the widget extension died (signal 6, Aborted)\n");
+    EXPECT_TRUE(result.output.starts_with("18 pictures and gallery.png are in ")) << result.output;
+}
+
+TEST_F(ZeltoProcess, MemoryThatRunsOutCostsARequestAndNotTheProcess) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer itself needs more address space than any limit here";
+#endif
+    auto s = WidgetSnapshot::sample();
+    s.clips[0].text = std::string(15'000'000, 'x');
+    s.save(HomeLookup::fixed(folder.path()));
+    const std::string requests =
+        R"({"id":1,"request":"timeline","kind":"ZeltoClipboard","family":"systemMedium"})"
+        "\n"
+        R"({"id":2,"request":"bundle"})"
+        "\n";
+    int without = 0, with = 0;
+    // From hardly enough for the process, threads included, to enough for fifteen megabytes three times over.
+    for (const int megabytes : {70, 90, 110, 400}) {
+        const auto result =
+            run({"/bin/sh",
+                 "-c",
+                 "ulimit -v $0; exec \"$@\"",
+                 std::to_string(megabytes * 1000),
+                 programFolder() / "zelto-widgets",
+                 "--home",
+                 folder.path()},
+                requests);
+        EXPECT_EQ(result.status, 0) << megabytes << ": " << result.errors;
+        EXPECT_EQ(std::ranges::count(result.output, '\n'), 2) << megabytes << ": " << result.errors;
+        EXPECT_NE(result.output.find(R"({"id":1,)"), std::string::npos);
+        EXPECT_NE(result.output.find(R"({"id":2,"widgets":)"), std::string::npos);
+        ++(result.output.find("xxxx") == std::string::npos ? without : with);
+    }
+    EXPECT_GT(without, 0);
+    EXPECT_GT(with, 0);
 }
 
 TEST_F(ZeltoProcess, AnImpossibleFanSpeedStopsTheExtensionAndTheHostSaysSo) {
