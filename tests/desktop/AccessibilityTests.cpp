@@ -72,7 +72,7 @@ TEST_F(Accessibility, FindsEveryWidgetItsLinksAndItsText) {
 TEST_F(Accessibility, TheTextFollowsWhatIsShown) {
     desktop.place({widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0)});
     desktop.start();
-    ASSERT_TRUE(eventually([&] { return tree().find(", 2400,") != std::string::npos; })) << tree();
+    ASSERT_TRUE(eventually([&] { return tree().find(", 2400 rpm,") != std::string::npos; })) << tree();
     // The app writes a new snapshot and says so.
     const auto file = desktop.folder() / "Library/Application Support/Zelto/widget.json";
     auto text = readFile(file).value();
@@ -81,7 +81,23 @@ TEST_F(Accessibility, TheTextFollowsWhatIsShown) {
     text.replace(at, 13, "\"actual\":3111");
     ASSERT_TRUE(writeFileAtomically(file, text));
     EXPECT_EQ(desktop.zelto({"reload", "ZeltoFans"}).status, 0);
-    EXPECT_TRUE(eventually([&] { return tree().find(", 3111,") != std::string::npos; })) << tree();
+    EXPECT_TRUE(eventually([&] { return tree().find(", 3111 rpm,") != std::string::npos; })) << tree();
+}
+
+TEST_F(Accessibility, ACountdownIsReadAsItStands) {
+    desktop.place({widget("ZeltoAwake", WidgetFamily::systemSmall, 0, 0)});
+    desktop.start();
+    const auto timeLeft = [this] {
+        const std::string found = tree();
+        const auto at = found.find("termina em ");
+        return at == std::string::npos ? "" : found.substr(at, found.find_first_of(",\"\n", at) - at);
+    };
+    std::string first;
+    ASSERT_TRUE(eventually([&] { return !(first = timeLeft()).empty(); })) << tree();
+    EXPECT_TRUE(eventually([&] {
+        const std::string next = timeLeft();
+        return !next.empty() && next != first;
+    })) << first;
 }
 
 }  // namespace

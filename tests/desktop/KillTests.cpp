@@ -58,10 +58,7 @@ TEST_F(Deaths, OfTheExtensionFiveHundredTimesLeaveEveryWidgetItsPicture) {
         EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << deaths;
         EXPECT_EQ(kill(host, 0), 0);
     }
-    const std::string log = desktop.log();
-    EXPECT_NE(log.find("the widget extension died (signal 9, Killed)"), std::string::npos);
-    for (const char* pause : {"0.001 s", "0.002 s", "0.004 s"})
-        EXPECT_NE(log.find(std::string("to be started again after ") + pause), std::string::npos) << pause;
+    EXPECT_NE(desktop.log().find("the widget extension died (signal 9, Killed)"), std::string::npos);
 
     // Left in peace, it brings new timelines again.
     const Date before = Date::now();

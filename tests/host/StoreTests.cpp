@@ -71,6 +71,14 @@ TEST_F(Placements, AFileThatMakesNoSenseIsReportedAndKeptAside) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "desktop.json"));
 }
 
+TEST_F(Placements, OfMoreThanAMegabyteCannotBeRead) {
+    auto store = this->store();
+    EXPECT_TRUE(store.save({battery}));
+    std::filesystem::resize_file(store.file(), std::uintmax_t{20} << 30);
+    EXPECT_EQ(store.load(), std::nullopt);
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "desktop.broken-1.json"));
+}
+
 TEST_F(Placements, AFolderInTheFilesPlaceIsKeptAsideToo) {
     std::filesystem::create_directories(folder.path() / "desktop.json");
     auto store = this->store();
@@ -151,6 +159,15 @@ TEST_F(Entries, AreReadAsAStrangers) {
     timeline.entries[0].view = ui::Text(std::string(20'000, 'x'));
     store.save(battery, timeline);
     EXPECT_EQ(store.load(battery), std::nullopt);
+}
+
+TEST_F(Entries, OfMoreThanTwoMegabytesAreNone) {
+    store.save(battery, timeline);
+    std::filesystem::resize_file(folder.path() / "cache/zelto/b.json", std::uintmax_t{20} << 30);
+    EXPECT_EQ(store.load(battery), std::nullopt);
+    // Nor are they written.
+    timeline.entries.assign(200, {timeline.entries[0].date, ui::Text(std::string(16'000, 'x'))});
+    EXPECT_FALSE(store.save(battery, timeline));
 }
 
 TEST_F(Entries, OfWidgetsThatAreGoneAreDeleted) {
