@@ -26,7 +26,7 @@ constexpr Unit units[] = {
     {UCAL_HOUR, UDAT_REL_UNIT_HOUR},
     {UCAL_MINUTE, UDAT_REL_UNIT_MINUTE},
     {UCAL_SECOND, UDAT_REL_UNIT_SECOND}};
-constexpr std::size_t dayUnit = 3, hourUnit = 4, secondUnit = 6, unitCount = 7;
+constexpr std::size_t dayUnit = 3, hourUnit = 4, secondUnit = 6;
 
 struct Distance {
     std::size_t unit;

@@ -49,7 +49,7 @@ class Cutter {
           steps_(static_cast<std::size_t>(std::ceil(width / budget.pointsPerStep))) {}
 
     void cut(ui::View& view) {
-        std::visit([this](auto& node) { cutNode(node); }, view.node);
+        std::visit([this](auto& node) { this->cutNode(node); }, view.node);
         for (ui::Modifier& modifier : view.modifiers)
             if (auto* accessible = std::get_if<ui::modifier::AccessibilityLabel>(&modifier))
                 cut(accessible->label);
