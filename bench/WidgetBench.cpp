@@ -79,7 +79,7 @@ void drawWarm(benchmark::State& state, const Subject& subject) {
     const auto placement = layout::layOut(subject.entry().view, subject.options(), renderer.measuring());
     drawing::Picture picture = renderer.draw(placement, 2);
     for (auto _ : state) {
-        renderer.draw(placement, 2, 0, picture);
+        renderer.draw(placement, 2, drawing::Corners::square, picture);
         benchmark::ClobberMemory();
     }
 }

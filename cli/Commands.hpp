@@ -33,6 +33,7 @@ struct PreviewOptions {
     std::string format;  // text, json, png, svg or empty
     bool accessibility = false;
     double scale = 2;
+    bool corners = false;  // rounded, and clear behind
     std::string output = {};
 };
 void preview(const PreviewOptions& options);
@@ -50,6 +51,7 @@ struct RenderOptions {
     std::vector<std::string> kinds;  // all when empty
     bool preview = false;
     double scale = 2;
+    bool corners = false;
     std::string output = "zelto-pictures";
 };
 void render(const RenderOptions& options);

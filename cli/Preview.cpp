@@ -66,15 +66,17 @@ std::string formatFor(const PreviewOptions& options) {
 
 /// Drawn as a host would, from what an extension would hand out; texts and outlines are the widget's own.
 std::string drawn(
-    ArchivedEntry entry, WidgetFamily family, Date now, const std::string& format, double scale) {
+    ArchivedEntry entry, WidgetFamily family, Date now, const std::string& format,
+    const PreviewOptions& options) {
     const WidgetSize size = sizeOf(family);
     keepToBudget(entry.view, size.width);
     if (const auto fault = faultOf(entry.view)) throw Failure("the view cannot be drawn: " + *fault);
     drawing::Renderer renderer;
     const auto placement =
         layout::layOut(entry.view, {.size = {size.width, size.height}, .now = now}, renderer.measuring());
-    auto bytes =
-        format == "svg" ? renderer.svg(placement) : drawing::encodePNG(renderer.draw(placement, scale));
+    const auto corners = options.corners ? drawing::Corners::rounded : drawing::Corners::square;
+    auto bytes = format == "svg" ? renderer.svg(placement, corners)
+                                 : drawing::encodePNG(renderer.draw(placement, options.scale, corners));
     if (!bytes) throw Failure("the picture could not be made");
     return *std::move(bytes);
 }
@@ -86,6 +88,7 @@ void preview(const PreviewOptions& options) {
     const Environment environment = environmentFor(options);
     const std::string format = formatFor(options);
     if (options.accessibility && format != "text") throw Failure("--accessibility: only with --format text");
+    if (options.corners && format != "png" && format != "svg") throw Failure("--corners: only for pictures");
     if (format == "png" && (options.output.empty() || options.output == "-") && isatty(STDOUT_FILENO) != 0)
         throw Failure("a PNG is nothing for a terminal: name a file with --output");
 
@@ -115,7 +118,7 @@ void preview(const PreviewOptions& options) {
     else if (format == "json")
         out = encodeJSON(*entry).value_or("") + "\n";
     else
-        out = drawn(*std::move(entry), family, now, format, options.scale);
+        out = drawn(*std::move(entry), family, now, format, options);
     writeOutput(options.output.empty() ? "-" : options.output, out);
 }
 

@@ -87,7 +87,10 @@ void render(const RenderOptions& options) {
     for (const Look& look : looks) {
         writePNG(
             folder / (look.kind + "-" + familyName(look.family) + ".png"),
-            renderer.draw(look.placement, options.scale));
+            renderer.draw(
+                look.placement,
+                options.scale,
+                options.corners ? drawing::Corners::rounded : drawing::Corners::square));
         sheet.push_back({grid.place(look.family), &look.placement});
     }
     writePNG(folder / "gallery.png", renderer.drawSheet(sheet, grid.size(), options.scale));

@@ -75,6 +75,7 @@ void addPreview(CLI::App& app, PreviewOptions& options) {
         ->capture_default_str()
         ->check(CLI::Range(0.1, 16.0))
         ->type_name("N");
+    command->add_flag("--corners", options.corners, "Rounded corners with nothing behind them, in a picture");
     command->add_option("--output", options.output, "A file instead of standard output")->type_name("FILE");
     command->callback([&] { preview(options); });
 }
@@ -99,6 +100,7 @@ void addRender(CLI::App& app, RenderOptions& options) {
         ->capture_default_str()
         ->check(CLI::Range(0.1, 16.0))
         ->type_name("N");
+    command->add_flag("--corners", options.corners, "Rounded corners with nothing behind them");
     command->add_option("--output", options.output, "Where the pictures go")
         ->capture_default_str()
         ->type_name("DIR");

@@ -47,6 +47,8 @@ Desktop::Desktop(DesktopOptions options)
                 host_->environmentChanged();
             });
     });
+    if (const auto font = drawing::Renderer::substituteFont())
+        options_.log("the font Inter is not installed; texts are drawn in " + *font);
     watchMonitors();
     host_->start();
     for (const auto& [kind, family] : options_.wishes) add(kind, family, std::nullopt);
@@ -109,7 +111,13 @@ void Desktop::placed(const host::PlacedWidget& widget) {
             WidgetWindow::Seams{
                 .host = *host_,
                 .surroundings = surroundings_,
-                .face = {.renderer = renderer_, .now = &Date::now, .open = open},
+                .face =
+                    {.renderer = renderer_,
+                     .now = &Date::now,
+                     .open = open,
+                     // A window that is cut to the outline has no pixels behind it to be seen.
+                     .corners = surroundings_.isTranslucent() ? drawing::Corners::rounded
+                                                              : drawing::Corners::outlined},
                 .showGallery = [this] { showGallery(); },
                 .arrange = [this] { arrange(); }},
             widget);

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cmath>
 #include <gtkmm/cssprovider.h>
-#include <numbers>
 
 #include "desktop/MainThread.hpp"
 #include "desktop/PaintPicture.hpp"
+#include "platform/drawing/Paths.hpp"
 #include "platform/layout/Layout.hpp"
 #include "platform/ui/Reading.hpp"
 #include "platform/ui/TimerText.hpp"
@@ -39,16 +39,12 @@ int rounded(double value) {
     return static_cast<int>(std::lround(value));
 }
 
-void roundedRectangle(
-    const Cairo::RefPtr<Cairo::Context>& context, double width, double height, double radius) {
-    constexpr double right = std::numbers::pi / 2;
-    const double r = std::min({radius, width / 2, height / 2});
+/// The outline that widgets have too.
+void addOutline(
+    const Cairo::RefPtr<Cairo::Context>& context, double inset, double width, double height, double radius) {
     context->begin_new_path();
-    context->arc(width - r, r, r, -right, 0);
-    context->arc(width - r, height - r, r, 0, right);
-    context->arc(r, height - r, r, right, 2 * right);
-    context->arc(r, r, r, 2 * right, 3 * right);
-    context->close_path();
+    drawing::addContinuousRectangle(
+        context->cobj(), {inset, inset, width - 2 * inset, height - 2 * inset}, radius - inset);
 }
 
 /// The countdowns' rectangle, if they are all that differs between two placements.
@@ -99,13 +95,12 @@ bool TapArea::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
     const double width = get_allocated_width(), height = get_allocated_height();
     const auto state = get_state_flags();
     if (showsHover_ && (state & (Gtk::STATE_FLAG_PRELIGHT | Gtk::STATE_FLAG_ACTIVE)) != 0) {
-        roundedRectangle(context, width, height, cornerRadius_);
+        addOutline(context, 0, width, height, cornerRadius_);
         context->set_source_rgba(1, 1, 1, (state & Gtk::STATE_FLAG_ACTIVE) != 0 ? 0.28 : 0.14);
         context->fill();
     }
     if (has_visible_focus()) {
-        context->translate(1.5, 1.5);
-        roundedRectangle(context, width - 3, height - 3, cornerRadius_);
+        addOutline(context, 1.5, width, height, cornerRadius_);
         context->set_source_rgb(0.31, 0.55, 0.97);
         context->set_line_width(3);
         context->stroke();
@@ -189,7 +184,7 @@ double Face::scale() const {
 
 void Face::drawAll() {
     drawnScale_ = scale();
-    seams_.renderer.draw(placement_, drawnScale_, drawing::containerCornerRadius, picture_);
+    seams_.renderer.draw(placement_, drawnScale_, seams_.corners, picture_);
     queue_draw();
 }
 
@@ -224,8 +219,8 @@ bool Face::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
         paintPicture(context, picture_, picture_.width / units, picture_.height / units);
         context->set_operator(Cairo::OPERATOR_OVER);
     } else {
-        roundedRectangle(
-            context, size_.width * zoom_, size_.height * zoom_, drawing::containerCornerRadius * zoom_);
+        addOutline(
+            context, 0, size_.width * zoom_, size_.height * zoom_, drawing::containerCornerRadius * zoom_);
         context->set_source_rgb(0.11, 0.11, 0.13);
         context->fill();
     }
@@ -258,7 +253,7 @@ void Face::tick() {
         if (before != placement_) layOutAgain();
         return;
     }
-    seams_.renderer.redraw(placement_, drawnScale_, drawing::containerCornerRadius, *area, picture_);
+    seams_.renderer.redraw(placement_, drawnScale_, seams_.corners, *area, picture_);
     // A pixel more on each side: frames need not lie on whole ones.
     queue_draw_area(
         static_cast<int>(area->x * zoom_) - 1,

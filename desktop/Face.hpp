@@ -37,6 +37,7 @@ class Face : public Gtk::Fixed {
         drawing::Renderer& renderer;
         std::function<Date()> now;
         std::function<void(const std::string& url)> open;
+        drawing::Corners corners = drawing::Corners::rounded;
     };
     Face(Seams seams, double zoom);
     ~Face() override;

@@ -79,7 +79,7 @@ class Gallery::Look : public Gtk::Button {
             {.size = {size.width, size.height}, .now = seams_.now()},
             seams_.renderer.measuring());
         picture_ = seams_.renderer.draw(
-            placement, seams_.surroundings.zoom() * get_scale_factor(), drawing::containerCornerRadius);
+            placement, seams_.surroundings.zoom() * get_scale_factor(), drawing::Corners::rounded);
         canvas_.queue_draw();
     }
 

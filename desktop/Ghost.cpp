@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "desktop/Outline.hpp"
 #include "desktop/PaintPicture.hpp"
 
 namespace zelto::desktop {
@@ -22,6 +23,11 @@ Ghost::Ghost(const Surroundings& surroundings, WidgetFamily family, const drawin
 void Ghost::place(const Desk& desk, host::Cell cell) {
     surroundings_.place(*this, desk, surroundings_.position(cell));
     show();
+}
+
+void Ghost::on_size_allocate(Gtk::Allocation& allocation) {
+    Gtk::Window::on_size_allocate(allocation);
+    if (!surroundings_.isTranslucent()) shapeToOutline(*this, surroundings_.zoom());
 }
 
 bool Ghost::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {

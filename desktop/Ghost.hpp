@@ -15,6 +15,7 @@ class Ghost : public Gtk::Window {
     void place(const Desk& desk, host::Cell cell);
 
   protected:
+    void on_size_allocate(Gtk::Allocation& allocation) override;
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
 
   private:

@@ -6,6 +6,7 @@
 #include <gtkmm/separatormenuitem.h>
 
 #include "desktop/MainThread.hpp"
+#include "desktop/Outline.hpp"
 #include "desktop/Words.hpp"
 
 namespace zelto::desktop {
@@ -147,27 +148,7 @@ bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {
 
 void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
     Gtk::Window::on_size_allocate(allocation);
-    shapeCorners();
-}
-
-/// Where nothing can be translucent, the corners are cut out of the window.
-void WidgetWindow::shapeCorners() {
-    if (seams_.surroundings.isTranslucent()) return;
-    const int width = get_allocated_width(), height = get_allocated_height();
-    const auto mask = Cairo::ImageSurface::create(Cairo::FORMAT_A1, width, height);
-    const auto context = Cairo::Context::create(mask);
-    const double radius = drawing::containerCornerRadius * seams_.surroundings.zoom();
-    context->arc(radius, radius, radius, 0, 2 * M_PI);
-    context->arc(width - radius, radius, radius, 0, 2 * M_PI);
-    context->arc(width - radius, height - radius, radius, 0, 2 * M_PI);
-    context->arc(radius, height - radius, radius, 0, 2 * M_PI);
-    context->fill();
-    context->rectangle(radius, 0, width - 2 * radius, height);
-    context->rectangle(0, radius, width, height - 2 * radius);
-    context->fill();
-    cairo_region_t* region = gdk_cairo_region_create_from_surface(mask->cobj());
-    gtk_widget_shape_combine_region(GTK_WIDGET(gobj()), region);
-    cairo_region_destroy(region);
+    if (!seams_.surroundings.isTranslucent()) shapeToOutline(*this, seams_.surroundings.zoom());
 }
 
 std::pair<Desk, host::Cell> WidgetWindow::target(double dx, double dy) const {

@@ -52,7 +52,6 @@ class WidgetWindow : public Gtk::Window {
     void stepFamily(int direction);
     void setFamily(WidgetFamily family);
     void refuse(const std::string& why);
-    void shapeCorners();
 
     Seams seams_;
     host::PlacedWidget widget_;

@@ -195,7 +195,7 @@ double number(const std::string& text) {
 
 std::string identifier(std::string name) {
     for (char& c : name)
-        if (c == '.') c = '_';
+        if (c == '.' || c == '@') c = '_';
     return "symbol_" + name;
 }
 

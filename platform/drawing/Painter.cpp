@@ -10,7 +10,7 @@
 namespace zelto::drawing {
 namespace {
 
-/// Around a text's own box, for strokes and overhanging glyphs, in pixels.
+/// Around what a mask shows, for soft edges and outlines that are fitted to pixels, in pixels.
 constexpr int maskPadding = 3;
 /// Coordinates beyond this are a stranger's joke, and more than Cairo's fixed-point numbers hold.
 constexpr double farthest = 1e5;
@@ -73,21 +73,27 @@ void drawSymbol(cairo_t* context, const Symbol& symbol) {
     }
 }
 
-/// A text's outlines, thickened by the stroke that rounds them.
-void drawRounded(cairo_t* context, const TypesetText& text) {
-    pango_cairo_layout_path(context, text.layout.get());
+/// A text's outlines from the origin, thickened by the stroke that rounds them if it is to be rounded.
+void drawOutlines(cairo_t* context, const TypesetText& text) {
+    text.forEachLine([context](PangoLayoutLine* line, double x, double y) {
+        cairo_move_to(context, x, y);
+        pango_cairo_layout_line_path(context, line);
+    });
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
+    if (text.roundingStroke <= 0) {
+        cairo_fill(context);
+        return;
+    }
     cairo_set_line_width(context, text.roundingStroke);
     cairo_set_line_join(context, CAIRO_LINE_JOIN_ROUND);
     cairo_set_line_cap(context, CAIRO_LINE_CAP_ROUND);
-    cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
     cairo_fill_preserve(context);
     cairo_stroke(context);
 }
 
-/// A mask of a drawing that begins at the origin and is `size` points large at `scale`; `shift` pixels are
-/// added to its place so that what should fall on a pixel's edge does.
+/// A mask of a drawing that begins at the origin and is `size` points large at `scale`.
 template <class Draw>
-Mask drawnMask(layout::Size size, double scale, double shiftY, Draw draw) {
+Mask drawnMask(layout::Size size, double scale, Draw draw) {
     Mask mask;
     mask.x = mask.y = -maskPadding;
     mask.surface.reset(cairo_image_surface_create(
@@ -95,7 +101,7 @@ Mask drawnMask(layout::Size size, double scale, double shiftY, Draw draw) {
         static_cast<int>(std::ceil(size.width * scale)) + 2 * maskPadding,
         static_cast<int>(std::ceil(size.height * scale)) + 2 * maskPadding + 1));
     const Context context(cairo_create(mask.surface.get()));
-    cairo_translate(context.get(), maskPadding, maskPadding + shiftY);
+    cairo_translate(context.get(), maskPadding, maskPadding);
     cairo_scale(context.get(), scale, scale);
     draw(context.get());
     return mask;
@@ -113,31 +119,34 @@ class ItemPainter {
         setSource(context_, text.color);
         cairo_translate(context_, text.frame.x, text.frame.y);
         cairo_scale(context_, text.scale, text.scale);
-        if (typeset.roundingStroke > 0)
-            paintRounded(text, typeset, width);
+        const Similarity space = Similarity::of(context_);
+        if (tools_.toPixels && space.upright && !typeset.isColored && isMaskable(typeset, space.scale))
+            paintTextMask(typeset, space.scale);
         else
-            paintPlain(typeset);
+            paintOutlines(typeset, space.upright);
     }
     void operator()(const layout::PlacedCountdown& countdown) const { (*this)(countdown.text); }
 
     void operator()(const layout::PlacedSymbol& placed) const {
-        const Symbol* symbol = symbolNamed(placed.name);
-        if (!symbol || !isPaintable(placed.frame)) return;
+        if (!isPaintable(placed.frame)) return;
         const SavedState saved(context_);
+        const Similarity space = Similarity::of(context_);
+        const Symbol* symbol =
+            symbolFor(placed.name, tools_.toPixels ? symbolSide(placed.fontSize) * space.scale : 0);
+        if (!symbol) return;
         setSource(context_, placed.color);
-        cairo_translate(context_, placed.frame.x, placed.frame.y);
-        const double unit = symbolSide(placed.fontSize) / 24;
+        const double side = symbolSide(placed.fontSize), unit = side / 24;
+        cairo_translate(context_, placed.frame.x, placed.frame.y + (placed.frame.height - side) / 2);
         const auto draw = [&](cairo_t* target) {
             cairo_scale(target, unit, unit);
             cairo_translate(target, -symbol->left, 0);
             drawSymbol(target, *symbol);
         };
-        const Similarity space = Similarity::of(context_);
         if (tools_.toPixels && space.upright) {
             const std::string key =
                 placed.name + '\n' + std::to_string(placed.fontSize) + '\n' + std::to_string(space.scale);
             const Mask& mask = tools_.masks.get(key, [&] {
-                return drawnMask({placed.frame.width, placed.frame.height}, space.scale, 0, draw);
+                return drawnMask({placed.frame.width, side}, space.scale, draw);
             });
             paintMask(mask, 0, 0);
             return;
@@ -161,7 +170,7 @@ class ItemPainter {
             return;
         }
         setSource(context_, std::get<ui::Color>(std::get<ui::Fill>(shape.paint).style));
-        addPath(context_, shape.frame, shape.geometry);
+        addPath(context_, onPixels(shape.frame, shape.geometry), shape.geometry);
         cairo_set_fill_rule(context_, CAIRO_FILL_RULE_WINDING);
         cairo_fill(context_);
     }
@@ -193,7 +202,7 @@ class ItemPainter {
 
     void operator()(const layout::BeginClip& clip) const {
         cairo_save(context_);
-        addPath(context_, clip.frame, clip.geometry);
+        addPath(context_, onPixels(clip.frame, clip.geometry), clip.geometry);
         cairo_clip(context_);
     }
     void operator()(const layout::BeginRotation& rotation) const {
@@ -205,6 +214,29 @@ class ItemPainter {
     void operator()(const layout::End&) const { cairo_restore(context_); }
 
   private:
+    /// Straight edges fall on the edges of pixels: those above and below where they are nearest, those on the
+    /// sides so that shapes of one width keep it.
+    layout::Rect onPixels(const layout::Rect& frame, const ui::Geometry& geometry) const {
+        const bool isStraight = std::holds_alternative<ui::Capsule>(geometry) ||
+                                std::holds_alternative<ui::RoundedRectangle>(geometry);
+        if (!tools_.toPixels || !isStraight || !Similarity::of(context_).upright) return frame;
+        double deviceX = 1, deviceY = 1;
+        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+        double left = frame.x, top = frame.y, right = frame.x + frame.width, bottom = frame.y + frame.height;
+        cairo_user_to_device(context_, &left, &top);
+        cairo_user_to_device(context_, &right, &bottom);
+        const double width = std::max(std::round((right - left) * deviceX), 1.0);
+        left = std::round(left * deviceX);
+        right = (left + width) / deviceX;
+        left /= deviceX;
+        top = std::round(top * deviceY);
+        bottom = std::max(std::round(bottom * deviceY), top + 1) / deviceY;
+        top /= deviceY;
+        cairo_device_to_user(context_, &left, &top);
+        cairo_device_to_user(context_, &right, &bottom);
+        return {left, top, right - left, bottom - top};
+    }
+
     /// Paints a mask whose origin is at user coordinates (x, y), on whole pixels.
     void paintMask(const Mask& mask, double x, double y) const {
         double deviceX = 1, deviceY = 1;
@@ -217,40 +249,62 @@ class ItemPainter {
             context_, mask.surface.get(), std::round(x * deviceX) + mask.x, std::round(y * deviceY) + mask.y);
     }
 
-    void paintPlain(const TypesetText& typeset) const {
+    /// Texts that fit a widget are; what a stranger makes larger is drawn without being kept.
+    static bool isMaskable(const TypesetText& typeset, double scale) {
+        constexpr double mostPixels = 4e6;
+        return (typeset.ink.width * scale + 1) * (typeset.ink.height * scale + 1) < mostPixels;
+    }
+
+    /// Glyphs stand where they belong, to a quarter of a pixel, and the baseline on a pixel's edge, or feet of
+    /// letters would be grey.
+    void paintTextMask(const TypesetText& typeset, double scale) const {
+        double deviceX = 1, deviceY = 1, x = 0, y = typeset.extent.baseline;
+        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+        cairo_user_to_device(context_, &x, &y);
+        const double quarters = std::round(x * deviceX * 4), column = std::floor(quarters / 4);
+        const Mask& mask = textMask(typeset, scale, static_cast<int>(quarters - column * 4));
+        const SavedState saved(context_);
+        cairo_identity_matrix(context_);
+        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
+        cairo_mask_surface(
+            context_, mask.surface.get(), column + mask.x, std::round(y * deviceY) + mask.y);
+    }
+
+    static const Mask& textMask(const TypesetText& typeset, double scale, int quarter) {
+        for (const auto& kept : typeset.masks)
+            if (kept.scale == scale && kept.quarter == quarter) return kept.mask;
+        Mask mask;
+        mask.x = static_cast<int>(std::floor(typeset.ink.x * scale)) - maskPadding;
+        mask.y = static_cast<int>(std::floor(typeset.ink.y * scale)) - maskPadding;
+        mask.surface.reset(cairo_image_surface_create(
+            CAIRO_FORMAT_A8,
+            static_cast<int>(std::ceil(typeset.ink.width * scale)) + 2 * maskPadding + 1,
+            static_cast<int>(std::ceil(typeset.ink.height * scale)) + 2 * maskPadding + 1));
+        const Context context(cairo_create(mask.surface.get()));
+        cairo_translate(context.get(), quarter / 4.0 - mask.x, -mask.y);
+        cairo_scale(context.get(), scale, scale);
+        drawOutlines(context.get(), typeset);
+        return typeset.masks.emplace_back(scale, quarter, std::move(mask)).mask;
+    }
+
+    void paintOutlines(const TypesetText& typeset, bool isUpright) const {
         double x = 0, y = typeset.extent.baseline;
-        if (tools_.toPixels && Similarity::of(context_).upright) {
-            // The baseline falls on a pixel's edge, or feet of letters would be grey.
+        if (tools_.toPixels && isUpright) {
             double deviceX = 1, deviceY = 1;
             cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
             cairo_user_to_device(context_, &x, &y);
             y = std::round(y * deviceY) / deviceY;
             cairo_device_to_user(context_, &x, &y);
         }
-        cairo_move_to(context_, 0, y - typeset.extent.baseline);
-        pango_cairo_show_layout(context_, typeset.layout.get());
-    }
-
-    void paintRounded(
-        const layout::PlacedText& text, const TypesetText& typeset,
-        const std::optional<double>& width) const {
-        const Similarity space = Similarity::of(context_);
-        if (!tools_.toPixels || !space.upright) {
-            cairo_move_to(context_, 0, 0);
-            drawRounded(context_, typeset);
+        cairo_translate(context_, 0, y);
+        if (typeset.roundingStroke > 0) {
+            drawOutlines(context_, typeset);
             return;
         }
-        const std::string key = "\x01" + text.text + '\n' + std::to_string(text.font.size) + '\n' +
-                                std::to_string(width.value_or(-1)) + '\n' + std::to_string(space.scale);
-        const double baseline = typeset.extent.baseline * space.scale;
-        const double shift = std::ceil(baseline) - baseline;
-        const Mask& mask = tools_.masks.get(key, [&] {
-            return drawnMask(typeset.extent.size, space.scale, shift, [&](cairo_t* target) {
-                cairo_move_to(target, 0, 0);
-                drawRounded(target, typeset);
-            });
+        typeset.forEachLine([this](PangoLayoutLine* line, double lineX, double lineY) {
+            cairo_move_to(context_, lineX, lineY);
+            pango_cairo_show_layout_line(context_, line);
         });
-        paintMask(mask, 0, -shift / space.scale);
     }
 
     void paintStroke(const layout::PlacedShape& shape, const ui::Stroke& stroke) const {

@@ -74,24 +74,42 @@ Pattern gradientPattern(const ui::LinearGradient& gradient, double height) {
     return pattern;
 }
 
-void clearCorners(cairo_t* context, layout::Size size, double radius) {
+void addOutline(cairo_t* context, layout::Size size, double inset = 0) {
+    addContinuousRectangle(
+        context,
+        {inset, inset, size.width - 2 * inset, size.height - 2 * inset},
+        containerCornerRadius - inset);
+}
+
+void clearCorners(cairo_t* context, layout::Size size) {
     cairo_rectangle(context, 0, 0, size.width, size.height);
-    addContinuousRectangle(context, {0, 0, size.width, size.height}, radius);
+    addOutline(context, size);
     cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_set_operator(context, CAIRO_OPERATOR_CLEAR);
     cairo_fill(context);
+    cairo_set_operator(context, CAIRO_OPERATOR_OVER);
 }
 
-/// A soft shadow: the widget's outline, widened step by step.
+/// A light rim, one pixel wide: it keeps a widget's edge in sight on black.
+void paintRim(cairo_t* context, layout::Size size, double scale) {
+    addOutline(context, size);
+    addOutline(context, size, 1 / scale);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_set_source_rgba(context, 1, 1, 1, 0.09);
+    cairo_fill(context);
+}
+
+/// A soft shadow: the widget's outline, widened step by step, each fainter than the one inside.
 void paintShadow(cairo_t* context, layout::Size size) {
-    constexpr int steps = 12;
-    for (int i = 0; i < steps; ++i) {
-        const double grow = i;
+    constexpr int steps = 14;
+    constexpr double reach = 14;  // points
+    for (int i = steps; i-- > 0;) {
+        const double t = (i + 0.5) / steps, grow = reach * t;
         addContinuousRectangle(
             context,
             {-grow, 4 - grow, size.width + 2 * grow, size.height + 2 * grow},
             containerCornerRadius + grow);
-        cairo_set_source_rgba(context, 0, 0, 0, 0.035);
+        cairo_set_source_rgba(context, 0, 0, 0, 0.075 * std::exp(-4 * t * t));
         cairo_set_fill_rule(context, CAIRO_FILL_RULE_WINDING);
         cairo_fill(context);
     }
@@ -113,20 +131,23 @@ layout::TextMeasuring& Renderer::measuring() {
     return state_->typesetter;
 }
 
-Picture Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius) {
+std::optional<std::string> Renderer::substituteFont() {
+    return Typesetter::substituteFont();
+}
+
+Picture Renderer::draw(const layout::Placement& placement, double scale, Corners corners) {
     Picture picture;
-    draw(placement, scale, cornerRadius, picture);
+    draw(placement, scale, corners, picture);
     return picture;
 }
 
-void Renderer::draw(const layout::Placement& placement, double scale, double cornerRadius, Picture& picture) {
+void Renderer::draw(const layout::Placement& placement, double scale, Corners corners, Picture& picture) {
     resize(picture, placement.size, scale);
-    redraw(placement, scale, cornerRadius, {0, 0, placement.size.width, placement.size.height}, picture);
+    redraw(placement, scale, corners, {0, 0, placement.size.width, placement.size.height}, picture);
 }
 
 void Renderer::redraw(
-    const layout::Placement& placement, double scale, double cornerRadius, layout::Rect within,
-    Picture& picture) {
+    const layout::Placement& placement, double scale, Corners corners, layout::Rect within, Picture& picture) {
     const PixelArea area = PixelArea::touched(within, scale, picture);
     fillBackground(picture, placement.background, area);
     const Surface surface = surfaceOver(picture);
@@ -138,7 +159,8 @@ void Renderer::redraw(
         const SavedState saved(context.get());
         paint(context.get(), placement, state_->tools(true));
     }
-    if (cornerRadius > 0) clearCorners(context.get(), placement.size, cornerRadius);
+    if (corners == Corners::rounded) clearCorners(context.get(), placement.size);
+    if (corners != Corners::square) paintRim(context.get(), placement.size, scale);
     cairo_surface_flush(surface.get());
 }
 
@@ -161,8 +183,7 @@ Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size,
         const SavedState saved(context);
         cairo_translate(context, origin.x, origin.y);
         paintShadow(context, placement->size);
-        addContinuousRectangle(
-            context, {0, 0, placement->size.width, placement->size.height}, containerCornerRadius);
+        addOutline(context, placement->size);
         if (placement->background) {
             const Pattern gradient = gradientPattern(*placement->background, placement->size.height);
             cairo_set_source(context, gradient.get());
@@ -170,12 +191,13 @@ Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size,
         }
         cairo_clip(context);
         paint(context, *placement, state_->tools(true));
+        paintRim(context, placement->size, scale);
     }
     cairo_surface_flush(surface.get());
     return picture;
 }
 
-std::optional<std::string> Renderer::svg(const layout::Placement& placement) {
+std::optional<std::string> Renderer::svg(const layout::Placement& placement, Corners corners) {
     std::string out;
     const auto append = [](void* closure, const unsigned char* data, unsigned int length) {
         static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
@@ -186,6 +208,10 @@ std::optional<std::string> Renderer::svg(const layout::Placement& placement) {
             cairo_svg_surface_create_for_stream(append, &out, placement.size.width, placement.size.height));
         cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
         const Context context(cairo_create(surface.get()));
+        if (corners != Corners::square) {
+            addOutline(context.get(), placement.size);
+            cairo_clip(context.get());
+        }
         if (placement.background) {
             const Pattern gradient = gradientPattern(*placement.background, placement.size.height);
             cairo_set_source(context.get(), gradient.get());

@@ -26,7 +26,11 @@ std::span<const Symbol> allSymbols();
 /// Null for a name that nobody drew.
 const Symbol* symbolNamed(std::string_view name);
 
-/// The side of a symbol's grid at a font size, in points.
+/// The same for a grid `side` pixels wide: on so few that strokes would be blots, the cut made for them where
+/// there is one, whose file is called NAME@12.svg.
+const Symbol* symbolFor(std::string_view name, double side);
+
+/// The side of a symbol's grid at a font size, in points. It stands in the middle of whole points.
 constexpr double symbolSide(double fontSize) {
     return 1.2 * fontSize;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/layout/TextMeasuring.hpp"
@@ -20,8 +21,12 @@ class Typesetter : public layout::TextMeasuring {
     layout::TextExtent measure(
         std::string_view text, const ui::modifier::Font& font, std::optional<double> width,
         std::int64_t lines) override;
+    double longestRun(std::string_view text, const ui::modifier::Font& font) override;
     double lineHeight(const ui::modifier::Font& font) override;
     layout::Size symbolSize(std::string_view name, double fontSize) override;
+
+    /// The family that stands in for the system font where that is missing; absent where it is there.
+    static std::optional<std::string> substituteFont();
 
     /// A text that is ready to paint; stays good until the next call.
     const TypesetText& typeset(

@@ -15,6 +15,8 @@ constexpr double idealShapeSide = 10;
 /// The least length of a spacer that tells none, in points.
 constexpr double defaultSpacerLength = 8;
 
+/// Where a symbol's ink ends, as a part of its height: there it stands on a line of text.
+constexpr double symbolBaseline = 0.86;
 /// More than any widget holds.
 constexpr std::int64_t mostLines = 1000;
 
@@ -204,7 +206,7 @@ double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
             return fitText(text->text, box.inherited, proposal).extent.baseline;
         if (const auto* countdown = std::get_if<ui::node::Countdown>(box.node))
             return fitText(ui::timerText(countdown->end, now_), box.inherited, proposal).extent.baseline;
-        return size.height;
+        return std::holds_alternative<ui::node::Symbol>(*box.node) ? symbolBaseline * size.height : size.height;
     }
     const ProposedSize inside = childProposal(*box.modifier, proposal);
     const double baseline = firstBaseline(box.children.front(), inside);

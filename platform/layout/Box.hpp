@@ -81,6 +81,10 @@ class BoxTree {
 
     StackLayout layOutStack(const Box& box, const ProposedSize& proposal);
     void placeStack(const Box& box, Rect frame, const ProposedSize& proposal);
+    /// Whose turn it is when a stack shares out its room.
+    enum class Turn : std::uint8_t { others, cutTexts, shrinkingTexts, spacers };
+    Turn turnOf(std::size_t box, bool isRow, bool hasLines) const;
+    bool isText(std::size_t box) const;
     bool isSpacer(std::size_t box) const;
 
     struct GridLayout {

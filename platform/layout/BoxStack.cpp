@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -36,6 +37,19 @@ double aligned(ui::HAlign alignment, double room, double child) {
 
 }  // namespace
 
+/// In a row, a text that may be cut gives way to one that would be broken into lines, and one that may shrink
+/// gives way to all others. Spacers come last everywhere.
+BoxTree::Turn BoxTree::turnOf(std::size_t box, bool isRow, bool hasLines) const {
+    if (isSpacer(box)) return Turn::spacers;
+    if (!isRow || !isText(box)) return Turn::others;
+    if (boxes_[box].inherited.minimumScale < 1) return Turn::shrinkingTexts;
+    return hasLines && boxes_[box].inherited.lineLimit > 0 ? Turn::cutTexts : Turn::others;
+}
+
+bool BoxTree::isText(std::size_t box) const {
+    return boxes_[box].node && std::holds_alternative<ui::node::Text>(*boxes_[box].node);
+}
+
 bool BoxTree::isSpacer(std::size_t box) const {
     return boxes_[box].node && std::holds_alternative<ui::node::Spacer>(*boxes_[box].node);
 }
@@ -58,38 +72,42 @@ BoxTree::StackLayout BoxTree::layOutStack(const Box& box, const ProposedSize& pr
     if (const auto offered = along.main(proposal)) {
         struct Child {
             std::size_t index;
+            Turn turn;
             double least, flexibility;
-            bool spacer;
         };
         std::vector<Child> order(count);
-        double reserved = 0;  // the least lengths of spacers, which come last
+        std::array<double, 4> reserved{};  // the least lengths of those whose turn it is then
+        std::array<double, 4> left{};      // and their number
+        const bool hasLines = along.horizontal && std::ranges::any_of(children, [this](std::size_t child) {
+                                  return isText(child) && boxes_[child].inherited.lineLimit == 0;
+                              });
         for (std::size_t i = 0; i < count; ++i) {
             const double least = along.main(measure(children[i], along.withMain(proposal, 0)));
             const double most = along.main(
                 measure(children[i], along.withMain(proposal, std::numeric_limits<double>::infinity())));
-            order[i] = {i, least, most - least, isSpacer(children[i])};
-            if (order[i].spacer) reserved += least;
+            order[i] = {i, turnOf(children[i], along.horizontal, hasLines), least, most - least};
+            reserved[static_cast<std::size_t>(order[i].turn)] += least;
+            left[static_cast<std::size_t>(order[i].turn)] += 1;
         }
         std::ranges::stable_sort(order, [](const Child& a, const Child& b) {
-            if (a.spacer != b.spacer) return b.spacer;
+            if (a.turn != b.turn) return a.turn < b.turn;
             if (a.flexibility != b.flexibility) return a.flexibility < b.flexibility;
             return std::isinf(a.flexibility) && a.least > b.least;
         });
 
-        double space = *offered - std::accumulate(out.spacings.begin(), out.spacings.end(), 0.0) - reserved;
-        auto left = static_cast<double>(std::ranges::count(order, false, &Child::spacer));
-        bool spacersTurn = false;
+        // What comes later has its least length set aside, and gets it back when its turn comes.
+        double space = *offered - std::accumulate(out.spacings.begin(), out.spacings.end(), 0.0) -
+                       std::accumulate(reserved.begin() + 1, reserved.end(), 0.0);
+        Turn turn = Turn::others;
         for (const Child& child : order) {
-            if (child.spacer && !spacersTurn) {
-                spacersTurn = true;
-                space += reserved;
-                left = static_cast<double>(std::ranges::count(order, true, &Child::spacer));
-            }
+            for (; turn != child.turn; turn = static_cast<Turn>(static_cast<int>(turn) + 1))
+                space += reserved[static_cast<std::size_t>(turn) + 1];
             auto& wanted = out.proposals[child.index];
-            wanted = along.withMain(proposal, std::max(space / left, 0.0));
+            auto& sharers = left[static_cast<std::size_t>(turn)];
+            wanted = along.withMain(proposal, std::max(space / sharers, 0.0));
             out.sizes[child.index] = measure(children[child.index], wanted);
             space -= along.main(out.sizes[child.index]);
-            left -= 1;
+            sharers -= 1;
         }
     } else {
         for (std::size_t i = 0; i < count; ++i) out.sizes[i] = measure(children[i], out.proposals[i]);

@@ -19,7 +19,9 @@ constexpr std::array<std::string_view, 7> mandatoryBreaks{
 std::string firstLine(const std::string& text) {
     auto end = std::string::npos;
     for (const std::string_view lineBreak : mandatoryBreaks) end = std::min(end, text.find(lineBreak));
-    return end == std::string::npos ? text : text.substr(0, end) + "…";
+    if (end == std::string::npos) return text;
+    while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
+    return text.substr(0, end) + "…";
 }
 
 /// What of a text is shown: U+0000, at which drawing would stop, has no look of its own and is left out.
@@ -37,8 +39,13 @@ BoxTree::TextFit BoxTree::fitText(
     const std::string shown = shownText(text, inherited);
     const TextExtent ideal = measuring_.measure(shown, font, {}, 0);
     if (!proposal.width || *proposal.width >= ideal.size.width - slack) return {ideal, 1, {}, 0};
-    const double width = *proposal.width;
-    // Asked how small it can get, a text answers with nothing: whatever room it is given, it can be cut to.
+    double width = *proposal.width;
+    if (inherited.lineLimit == 0) {
+        // It may be broken into lines, but not within what belongs together.
+        width = std::max(width, measuring_.longestRun(shown, font) * inherited.minimumScale);
+        if (width >= ideal.size.width - slack) return {ideal, 1, {}, 0};
+    }
+    // Asked how small it can get, a text that may be cut answers with nothing.
     if (width <= 0) return {{{0, measuring_.lineHeight(font)}, ideal.baseline}, 1, 0, 1};
 
     const double scale = std::clamp(width / ideal.size.width, inherited.minimumScale, 1.0);

@@ -15,10 +15,11 @@ Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuri
         std::max(options.size.height - 2 * options.margin, 0.0)};
     const ProposedSize proposal{content.width, content.height};
     const Size size = tree.measure(tree.root(), proposal);
+    // What is too high begins at the top: its header stays, its last rows are what is cut off.
     tree.place(
         tree.root(),
         {options.margin + (content.width - size.width) / 2,
-         options.margin + (content.height - size.height) / 2},
+         options.margin + std::max((content.height - size.height) / 2, 0.0)},
         proposal);
     return placement;
 }

@@ -29,6 +29,9 @@ class TextMeasuring {
         std::string_view text, const ui::modifier::Font& font, std::optional<double> width,
         std::int64_t lines) = 0;
 
+    /// The widest part of a text that no line break may divide.
+    virtual double longestRun(std::string_view text, const ui::modifier::Font& font) = 0;
+
     virtual double lineHeight(const ui::modifier::Font& font) = 0;
 
     /// The room that a symbol takes at a font size.

@@ -144,7 +144,7 @@ bool RunningDesktop::isSeen(
     if (!entry(widget)) return false;
     const auto wanted = placement(widget);
     const double scale = zoom * pixelsPerUnit;
-    const auto picture = renderer_.draw(wanted, scale, drawing::containerCornerRadius);
+    const auto picture = renderer_.draw(wanted, scale, drawing::Corners::rounded);
     const auto shot = display_.screenshot();
     const auto edge = [&](std::int64_t tile) {
         const double unit = std::round(zoom * (16 + static_cast<double>(tile) * host::tilePitch));

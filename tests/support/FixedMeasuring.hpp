@@ -26,6 +26,16 @@ class FixedMeasuring : public layout::TextMeasuring {
         if (lines > 0) count = std::min(count, static_cast<double>(lines));
         return {{perLine * advance, count * lineHeight(font)}, font.size};
     }
+    /// Blanks divide, but for the no-break space.
+    double longestRun(std::string_view text, const ui::modifier::Font& font) override {
+        double longest = 0;
+        while (!text.empty()) {
+            const auto run = text.substr(0, text.find_first_of(" \n"));
+            longest = std::max(longest, measure(run, font, {}, 0).size.width);
+            text.remove_prefix(std::min(run.size() + 1, text.size()));
+        }
+        return longest;
+    }
     double lineHeight(const ui::modifier::Font& font) override { return font.size * 1.2; }
     layout::Size symbolSize(std::string_view, double fontSize) override { return {fontSize, fontSize * 1.2}; }
 };

@@ -116,7 +116,7 @@ TEST(Ring, PutsTheCaptionInsideAndTheLabelUnder) {
     const std::string text = outline(r);
     EXPECT_NE(
         text.find("      Text \"usado\" .font(size=8 weight=regular design=standard digits=proportional)"
-                  " .foreground(secondary) .lineLimit(1)\n"),
+                  " .foreground(secondary) .lineLimit(1) .minimumScale(0.75)\n"),
         std::string::npos);
     EXPECT_NE(
         text.find("\n  Text \"Disco\" .font(size=10 weight=semibold design=standard digits=proportional)"
@@ -137,13 +137,13 @@ TEST(WidgetHeader, EndsWithItsSpacerUnlessItHasATrailingText) {
         ui::outline(header.body()),
         "HStack alignment=center spacing=4\n"
         "  Symbol \"cpu\" .foreground(#73A6FF)\n"
-        "  Text \"Zelto\" .font(size=11 weight=bold design=standard digits=proportional)\n"
+        "  Text \"Zelto\" .font(size=11 weight=bold design=standard digits=proportional) .lineLimit(1)\n"
         "  Spacer\n");
     const WidgetHeader timed{.title = "Zelto", .icon = "cpu", .color = Palette::blue, .trailing = "14:05"};
     EXPECT_TRUE(
         ui::outline(timed.body())
             .ends_with("  Text \"14:05\" .font(size=9 weight=regular design=standard digits=proportional)"
-                       " .foreground(secondary)\n"));
+                       " .foreground(secondary) .lineLimit(1) .minimumScale(0.6)\n"));
 }
 
 TEST(OpenAppNote, IsOneSecondaryLabel) {

@@ -11,9 +11,11 @@ View WidgetHeader::body() const {
     return HStack(
         {.spacing = 4},
         Symbol(icon).foreground(color),
-        Text(title).font(11, Weight::bold),
+        Text(title).font(11, Weight::bold).lineLimit(1),
         Spacer(),
-        ifPresent(trailing, [](const auto& text) { return Text(text).font(9).foreground(secondary); }));
+        ifPresent(trailing, [](const auto& text) {
+            return Text(text).font(9).foreground(secondary).lineLimit(1).minimumScale(0.6);
+        }));
 }
 
 View OpenAppNote::body() const {

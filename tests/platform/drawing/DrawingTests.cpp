@@ -20,13 +20,14 @@ constexpr Color red{1, 0, 0}, white{1, 1, 1};
 constexpr LinearGradient black{{0, 0, 0}, {0, 0, 0}};
 
 Picture draw(
-    View view, layout::Size size, double scale = 1, double radius = 0, LinearGradient background = black) {
+    View view, layout::Size size, double scale = 1, drawing::Corners corners = drawing::Corners::square,
+    LinearGradient background = black) {
     Renderer renderer;
     const auto placement = layout::layOut(
         std::move(view).containerBackground(background),
         {.size = size, .margin = 0, .now = {0}},
         renderer.measuring());
-    return renderer.draw(placement, scale, radius);
+    return renderer.draw(placement, scale, corners);
 }
 
 int redOf(std::uint32_t pixel) {
@@ -108,6 +109,40 @@ TEST(ShapeDrawing, FillsGeometries) {
     EXPECT_EQ(redOf(circle.at(5, 10)), 0);  // the smaller side counts, centred
 }
 
+TEST(ShapeDrawing, StraightEdgesFallOnPixels) {
+    // A row of bars as the equalizer has it: 10.5 points wide on a pitch of 13.5, of fractional heights.
+    const auto bar = [](double height) {
+        return Filled(RoundedRectangle{0}, red).frame({.width = 10.5, .height = height});
+    };
+    for (const double scale : {1.0, 2.0, 1.5}) {
+        const Picture picture = draw(
+            HStack({.alignment = VAlign::bottom, .spacing = 3}, bar(17), bar(23.8), bar(20.4), bar(10.2)),
+            {52, 34},
+            scale);
+        // No pixel is only partly covered, and all bars are equally wide and stand on one line.
+        std::vector<int> widths;
+        const int foot = static_cast<int>(29 * scale) - 1;
+        for (int x = 0, run = 0; x <= picture.width; ++x) {
+            const bool inside = x < picture.width && redOf(picture.at(x, foot - 3)) == 255;
+            if (!inside && run > 0) widths.push_back(run);
+            run = inside ? run + 1 : 0;
+        }
+        EXPECT_EQ(widths, std::vector<int>(4, static_cast<int>(std::lround(10.5 * scale)))) << scale;
+        for (const std::uint32_t pixel : picture.pixels)
+            EXPECT_TRUE(redOf(pixel) == 0 || redOf(pixel) == 255) << scale;
+    }
+}
+
+TEST(ShapeDrawing, EdgesAreTurnedWithTheirShape) {
+    // What is turned has no edges to be put on pixels.
+    const Picture picture =
+        draw(Filled(RoundedRectangle{0}, red).frame({.width = 20.5, .height = 20.5}).rotation(30), {40, 40});
+    EXPECT_EQ(redOf(picture.at(20, 20)), 255);
+    EXPECT_GT(
+        std::ranges::count_if(picture.pixels, [](std::uint32_t p) { return redOf(p) > 0 && redOf(p) < 255; }),
+        40);
+}
+
 TEST(ShapeDrawing, ContinuousCornersReachFurtherAlongTheEdgeThanArcs) {
     // A circular corner of radius 24 leaves the edge at 24; a continuous one begins at 1.6 times that.
     const Picture picture = draw(Filled(RoundedRectangle{24}, red), {120, 120}, 4);
@@ -127,12 +162,37 @@ TEST(SparklineDrawing, RunsFromEdgeToEdge) {
 }
 
 TEST(Background, RunsFromTopToBottomAndLeavesCornersOpen) {
-    const Picture picture = draw(Spacer(), {164, 164}, 1, 24, {{1, 0, 0}, {0, 0, 0}});
-    EXPECT_GT(redOf(picture.at(82, 0)), 250);
-    EXPECT_LT(redOf(picture.at(82, 163)), 5);
+    const Picture picture = draw(Spacer(), {164, 164}, 1, drawing::Corners::rounded, {{1, 0, 0}, {0, 0, 0}});
+    EXPECT_GT(redOf(picture.at(82, 1)), 250);
+    EXPECT_LT(redOf(picture.at(82, 162)), 5);
     EXPECT_EQ(opacityOf(picture.at(0, 0)), 0);
     EXPECT_EQ(opacityOf(picture.at(163, 163)), 0);
     EXPECT_EQ(opacityOf(picture.at(82, 82)), 255);
+}
+
+TEST(Rim, KeepsAWidgetsEdgeInSightOnBlack) {
+    for (const double scale : {1.0, 2.0, 3.0}) {
+        const Picture plain = draw(Spacer(), {164, 164}, scale);
+        const Picture rounded = draw(Spacer(), {164, 164}, scale, drawing::Corners::rounded);
+        const Picture outlined = draw(Spacer(), {164, 164}, scale, drawing::Corners::outlined);
+        const int middle = plain.width / 2, last = plain.width - 1;
+        for (const Picture* picture : {&rounded, &outlined}) {
+            // One pixel wide on every side, and faint.
+            for (const auto& [x, y] : {std::pair{middle, 0}, {0, middle}, {last, middle}, {middle, last}})
+                EXPECT_NEAR(redOf(picture->at(x, y)), 255 * 0.09, 3) << scale;
+            for (const auto& [x, y] :
+                 {std::pair{middle, 1},
+                  {1, middle},
+                  {last - 1, middle},
+                  {middle, last - 1},
+                  {middle, middle}})
+                EXPECT_EQ(redOf(picture->at(x, y)), 0) << scale;
+        }
+        EXPECT_EQ(redOf(plain.at(middle, 0)), 0);
+        // A window that cuts its corners off by itself has no holes there.
+        EXPECT_EQ(opacityOf(rounded.at(0, 0)), 0);
+        for (const std::uint32_t pixel : outlined.pixels) ASSERT_EQ(opacityOf(pixel), 255);
+    }
 }
 
 int inkedPixels(const Picture& picture) {
@@ -157,7 +217,75 @@ TEST(TextDrawing, LaysOutTheSameAtEveryScale) {
     const auto after = measuring.measure("Relógio mundial", font, {}, 0);
     EXPECT_EQ(before.size, after.size);
     EXPECT_NE(before.size.width, std::round(before.size.width));  // nothing is fitted to pixels
-    EXPECT_NEAR(measuring.lineHeight(font), 11 * 1.21, 0.2);
+}
+
+TEST(TextDrawing, LinesAreWholePointsHigh) {
+    Renderer renderer;
+    auto& measuring = renderer.measuring();
+    for (const auto& [size, height] :
+         {std::pair{8.0, 10.0},
+          {9, 11},
+          {10, 13},
+          {11, 14},
+          {12, 15},
+          {13, 16},
+          {14, 17},
+          {18, 22},
+          {24, 30}})
+        for (const Design design : {Design::standard, Design::rounded}) {
+            const modifier::Font font{.size = size, .design = design};
+            EXPECT_EQ(measuring.lineHeight(font), height) << size;
+            // Also where a character comes from another font.
+            for (const char* text : {"Disco", "日本語", "🇧🇷 Brasil", "ตัวอย่าง", "हिन्दी", "العربية"})
+                EXPECT_EQ(measuring.measure(text, font, {}, 0).size.height, height) << size << text;
+            EXPECT_EQ(measuring.measure("a\nb", font, {}, 0).size.height, 2 * height) << size;
+        }
+}
+
+TEST(TextDrawing, KnowsWhatNoLineBreakMayDivide) {
+    Renderer renderer;
+    auto& measuring = renderer.measuring();
+    const modifier::Font font{.size = 11};
+    const auto width = [&](const char* text) { return measuring.measure(text, font, {}, 0).size.width; };
+    EXPECT_NEAR(measuring.longestRun("Relógio mundial", font), width("mundial"), 0.01);
+    EXPECT_NEAR(measuring.longestRun("2:05\u202FPM", font), width("2:05\u202FPM"), 0.01);
+    EXPECT_NEAR(measuring.longestRun("112,4\u00A0GB livres", font), width("112,4\u00A0GB"), 0.01);
+    EXPECT_LT(measuring.longestRun("日本語の文章", font), width("日本語の文章"));
+    EXPECT_EQ(measuring.longestRun("", font), 0);
+}
+
+/// The columns with ink in them, as runs from and to.
+std::vector<std::pair<int, int>> inkRuns(const Picture& picture) {
+    std::vector<std::pair<int, int>> runs;
+    for (int x = 0; x < picture.width; ++x) {
+        bool ink = false;
+        for (int y = 0; y < picture.height; ++y) ink = ink || redOf(picture.at(x, y)) > 60;
+        if (!ink) continue;
+        if (!runs.empty() && runs.back().second == x)
+            ++runs.back().second;
+        else
+            runs.emplace_back(x, x + 1);
+    }
+    return runs;
+}
+
+TEST(TextDrawing, HasNoBlankBeforeAnEllipsis) {
+    // At every width at which something is cut: the three dots stand close to what is before them. A blank is
+    // twelve pixels wide here, and the letters' own room less than eight.
+    const std::string text = "Levar a documentação ao cartório e à prefeitura";
+    for (int width = 30; width < 200; ++width) {
+        const auto runs = inkRuns(draw(
+            Text(text).font(11).lineLimit(1).frame({.width = static_cast<double>(width), .height = 20}),
+            {220, 20},
+            4));
+        ASSERT_GT(runs.size(), 3U) << width;
+        EXPECT_LT(runs[runs.size() - 3].first - runs[runs.size() - 4].second, 10) << width;
+    }
+}
+
+TEST(TextDrawing, FallsBackToAnotherFontWhereTheSystemFontIsMissing) {
+    // It is here: the tests install it.
+    EXPECT_EQ(Renderer::substituteFont(), std::nullopt);
 }
 
 TEST(TextDrawing, MonospacedDigitsAreOfOneWidth) {
@@ -213,6 +341,29 @@ TEST(SymbolDrawing, KnowsEverySymbolThatWidgetsName) {
     }
     EXPECT_EQ(drawing::symbolNamed("no.such.symbol"), nullptr);
     EXPECT_EQ(inkedPixels(draw(Symbol("no.such.symbol").foreground(white), {40, 40})), 0);
+}
+
+TEST(SymbolDrawing, HasCutsOfWholePixelsForSmallSizes) {
+    for (const char* name : {"memorychip", "thermometer.medium"}) {
+        const auto* symbol = drawing::symbolNamed(name);
+        const auto* cut = drawing::symbolFor(name, 12);
+        ASSERT_TRUE(symbol && cut) << name;
+        EXPECT_NE(symbol, cut);
+        EXPECT_EQ(drawing::symbolFor(name, 24), symbol);
+        // The layout does not know which one is drawn.
+        EXPECT_EQ(symbol->left, cut->left);
+        EXPECT_EQ(symbol->right, cut->right);
+        const Picture small = draw(Symbol(name).font(10).foreground(red), {20, 20});
+        EXPECT_GT(inkedPixels(small), 20) << name;
+        for (const std::uint32_t pixel : small.pixels)
+            EXPECT_TRUE(redOf(pixel) == 0 || redOf(pixel) == 255) << name << " " << redOf(pixel);
+        // At twice the pixels there is room for the drawing itself.
+        const Picture large = draw(Symbol(name).font(10).foreground(red), {20, 20}, 2);
+        EXPECT_GT(
+            std::ranges::count_if(
+                large.pixels, [](std::uint32_t p) { return redOf(p) > 0 && redOf(p) < 255; }),
+            20);
+    }
 }
 
 TEST(ImageDrawing, IsClippedToItsShape) {

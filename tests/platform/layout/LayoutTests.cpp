@@ -78,7 +78,7 @@ TEST(Stack, AlignsItsChildren) {
         "text 0,12 5×12 \"a\" 10 #FFFFFF\ntext 5,0 10×24 \"b\" 20 #FFFFFF\n");
 }
 
-TEST(Stack, AlignsFirstBaselinesAndTheBottomsOfOthers) {
+TEST(Stack, AlignsFirstBaselinesAndTheFeetOfSymbols) {
     EXPECT_EQ(
         frames(
             HStack(
@@ -90,7 +90,7 @@ TEST(Stack, AlignsFirstBaselinesAndTheBottomsOfOthers) {
             24),
         "text 0,10 5×12 \"a\" 10 #FFFFFF\n"
         "text 5,0 10×24 \"b\" 20 #FFFFFF\n"
-        "symbol 15,14 5×6 x 5 #FFFFFF\n");
+        "symbol 15,14.84 5×6 x 5 #FFFFFF\n");
 }
 
 TEST(Stack, HoldsAtEveryWidth) {
@@ -122,8 +122,56 @@ TEST(Overlay, CentresItsChildrenOnEachOther) {
 }
 
 TEST(TextFit, WrapsIntoTheRoomThatThereIs) {
-    EXPECT_EQ(frames(text("abcdef"), 15, 30), "text 0,3 15×24 \"abcdef\" 10 within 15 lines 2 #FFFFFF\n");
-    EXPECT_EQ(frames(text("abcdef"), 15, 12), "text 0,0 15×12 \"abcdef\" 10 within 15 lines 1 #FFFFFF\n");
+    EXPECT_EQ(frames(text("abc def"), 15, 30), "text 0,3 15×24 \"abc def\" 10 within 15 lines 2 #FFFFFF\n");
+    EXPECT_EQ(frames(text("abc def"), 20, 30), "text 0,3 20×24 \"abc def\" 10 within 20 lines 2 #FFFFFF\n");
+    EXPECT_EQ(frames(text("abc def"), 20, 12), "text 0,0 20×12 \"abc def\" 10 within 20 lines 1 #FFFFFF\n");
+}
+
+TEST(TextFit, KeepsTogetherWhatNoLineBreakMayDivide) {
+    // However little room there is, also none.
+    for (const double width : {0.0, 10.0, 29.0})
+        EXPECT_TRUE(
+            frames(text("abcdef"), width, 12).find(" 30×12 \"abcdef\" 10 #FFFFFF") != std::string::npos)
+            << width;
+    // A no-break space is no place to break.
+    EXPECT_EQ(frames(text("ab\u202Fcd"), 10, 12), "text -7.5,0 25×12 \"ab\u202Fcd\" 10 #FFFFFF\n");
+    // So it is the least flexible of a row, and what may be cut gives way.
+    EXPECT_EQ(
+        frames(HStack({.spacing = 0}, text("cityname").lineLimit(1), text("2:05\u202FPM")), 55, 12),
+        "text 0,0 20×12 \"cityname\" 10 within 20 lines 1 #FFFFFF\n"
+        "text 20,0 35×12 \"2:05\u202FPM\" 10 #FFFFFF\n");
+    // One that may shrink does so first.
+    EXPECT_EQ(
+        frames(text("abcdef").minimumScale(0.5), 10, 12),
+        "text -2.5,3 15×6 \"abcdef\" 10 scaled 0.5 #FFFFFF\n");
+}
+
+TEST(Stack, HasTextsThatMayShrinkGiveWay) {
+    const auto header = [](const char* title, const char* trailing) {
+        return HStack(
+            {.spacing = 4},
+            text(title).lineLimit(1),
+            Spacer(),
+            text(trailing).lineLimit(1).minimumScale(0.6));
+    };
+    // 16 for the gaps: the title keeps its 40, and 34 are left of the 50 that the other wants.
+    EXPECT_EQ(
+        frames(header("Cuidados", "há 59 min."), 90, 12),
+        "text 0,0 40×12 \"Cuidados\" 10 #FFFFFF\n"
+        "text 56,1.92 34×8.16 \"há 59 min.\" 10 scaled 0.68 #FFFFFF\n");
+    // A title alone is cut where the room ends.
+    EXPECT_EQ(
+        frames(HStack({.spacing = 4}, text("Arquivos da família").lineLimit(1), Spacer()), 62, 12),
+        "text 0,0 50×12 \"Arquivos da família\" 10 within 50 lines 1 #FFFFFF\n");
+}
+
+TEST(Widget, ThatIsTooHighBeginsAtItsTopMargin) {
+    FixedMeasuring measuring;
+    Views rows;
+    for (int i = 0; i < 20; ++i) rows.push_back(text("x"));
+    const auto placement = layOut(
+        stack(VStackOptions{.spacing = 4}, std::move(rows)), {.size = {164, 164}, .now = {0}}, measuring);
+    EXPECT_EQ(std::get<layout::PlacedText>(placement.items.front()).frame.y, 16);
 }
 
 TEST(TextFit, ShrinksBeforeItIsCut) {
@@ -136,12 +184,14 @@ TEST(TextFit, ShrinksBeforeItIsCut) {
 
 TEST(TextFit, KeepsTheFirstLineOfATextThatMayHaveOne) {
     EXPECT_EQ(frames(text("ab\ncd").lineLimit(1), 50, 12), "text 17.5,0 15×12 \"ab…\" 10 #FFFFFF\n");
+    // No blank stands before an ellipsis.
+    EXPECT_EQ(frames(text("ab \t\ncd").lineLimit(1), 50, 12), "text 17.5,0 15×12 \"ab…\" 10 #FFFFFF\n");
 }
 
 TEST(Frame, CentresItsContentAndLetsItOverflow) {
     EXPECT_EQ(
         frames(text("abcd").frame({.width = 10, .height = 20}), 40, 20),
-        "text 15,4 10×12 \"abcd\" 10 within 10 lines 1 #FFFFFF\n");
+        "text 10,4 20×12 \"abcd\" 10 #FFFFFF\n");
     EXPECT_EQ(
         frames(text("ab").stretched({.width = true, .height = false}).background(Capsule{}, white), 40, 12),
         "shape 0,0 40×12 capsule fill #FFFFFF\ntext 15,0 10×12 \"ab\" 10 #FFFFFF\n");

@@ -1,0 +1,35 @@
+// Draws all looks of the sample over and over, at one and two pixels a point: warm-drawing ROUNDS. Made to be run
+// under an instruction counter, with two numbers of rounds: the difference is what a round costs (bench/warm).
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "platform/drawing/Renderer.hpp"
+#include "platform/layout/Layout.hpp"
+#include "widget/Widgets/ZeltoWidgetBundle.hpp"
+
+int main(int argc, char** argv) {
+    using namespace zelto;
+    constexpr Date date{794941500};  // 2026-03-11T14:05:00-03:00
+    const int rounds = argc > 1 ? std::atoi(argv[1]) : 1;
+    const ProviderSources sources{
+        .now = [] { return date; },
+        .live = placeholderLiveData,
+        .snapshot = [] { return WidgetSnapshot::sample(date); }};
+    const Formatting formatting({"pt_BR", "America/Sao_Paulo"});
+    drawing::Renderer renderer;
+    std::vector<layout::Placement> looks;
+    for (auto& widget : ZeltoWidgetBundle{sources}.body())
+        for (const WidgetFamily family : widget.info().families) {
+            const WidgetSize size = sizeOf(family);
+            const auto entry = widget.snapshot({family, false}, {family, formatting, [] { return date; }});
+            looks.push_back(layout::layOut(
+                entry.view, {.size = {size.width, size.height}, .now = date}, renderer.measuring()));
+        }
+    std::uint32_t sum = 0;
+    for (int round = 0; round <= rounds; ++round)
+        for (const layout::Placement& look : looks)
+            for (const double scale : {1.0, 2.0}) sum += renderer.draw(look, scale).pixels[0];
+    return sum == 0 ? 1 : 0;
+}
