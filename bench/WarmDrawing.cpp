@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     const ProviderSources sources{
         .now = [] { return date; },
         .live = placeholderLiveData,
-        .snapshot = [] { return WidgetSnapshot::sample(date); }};
+        .snapshot = [&] { return WidgetSnapshot::sample(date); }};
     const Formatting formatting({"pt_BR", "America/Sao_Paulo"});
     drawing::Renderer renderer;
     std::vector<layout::Placement> looks;

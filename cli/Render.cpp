@@ -82,7 +82,9 @@ void render(const RenderOptions& options) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error) throw Failure(folder.string() + ": " + error.message());
-    SheetGrid grid(6);
+    std::vector<WidgetFamily> families;
+    for (const Look& look : looks) families.push_back(look.family);
+    SheetGrid grid(families);
     std::vector<drawing::SheetItem> sheet;
     for (const Look& look : looks) {
         writePNG(

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "host/TileGrid.hpp"
 
 namespace zelto::cli {
@@ -7,7 +9,9 @@ namespace zelto::cli {
 /// Finds room for widgets on a contact sheet, each in the first gap that it fits.
 class SheetGrid {
   public:
-    explicit SheetGrid(std::int64_t columns) : grid_(columns) {}
+    /// As many columns as leave the fewest tiles empty when widgets of these families are placed in this
+    /// order; of several such numbers the one whose sheet comes nearest to three by two.
+    explicit SheetGrid(const std::vector<WidgetFamily>& families);
 
     /// The top left corner of the widget's place, in points.
     layout::Point place(WidgetFamily family);

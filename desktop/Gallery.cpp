@@ -10,7 +10,6 @@
 namespace zelto::desktop {
 namespace {
 
-constexpr double shrink = 0.6;  // of the widget's size on the desktop
 constexpr double dragThreshold = 8;
 
 /// The widgets' own look, whatever the desktop's theme.
@@ -47,7 +46,7 @@ class Gallery::Look : public Gtk::Button {
         : seams_(gallery.seams_), kind_(widget.kind), family_(family) {
         auto* box = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 6));
         const WidgetSize size = sizeOf(family);
-        const double zoom = seams_.surroundings.zoom() * shrink;
+        const double zoom = seams_.surroundings.zoom();
         canvas_.set_size_request(
             static_cast<int>(std::lround(size.width * zoom)),
             static_cast<int>(std::lround(size.height * zoom)));
@@ -136,13 +135,15 @@ class Gallery::Look : public Gtk::Button {
 Gallery::Gallery(Seams seams) : seams_(std::move(seams)) {
     set_title(words::galleryTitle);
     addStyle(*this);
-    set_default_size(860, 640);
+    set_default_size(800, 760);
     list_.set_border_width(24);
     scroller_.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
     scroller_.add(list_);
     add(scroller_);
     offer(seams_.host.offered());
     show_all();
+    // Nothing is chosen until somebody chooses: the first key brings the focus.
+    unset_focus();
 }
 
 Gallery::~Gallery() = default;

@@ -42,7 +42,8 @@ class Filler {
             case Kind::string: *static_cast<std::string*>(value) = text(); break;
             case Kind::token:
                 // Identifiers are as good as they are; a link is whatever is one.
-                if (&schema == &schemaOf<URL>()) schema.parse(value, "https://" + text());
+                if (&schema == &schemaOf<URL>() && !schema.parse(value, "https://" + text()))
+                    schema.parse(value, "https://example.com");
                 break;
             case Kind::optional:
                 if ((byte() & 1) != 0) fill(schema.element(), schema.append(value));

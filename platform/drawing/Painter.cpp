@@ -255,8 +255,8 @@ class ItemPainter {
         return (typeset.ink.width * scale + 1) * (typeset.ink.height * scale + 1) < mostPixels;
     }
 
-    /// Glyphs stand where they belong, to a quarter of a pixel, and the baseline on a pixel's edge, or feet of
-    /// letters would be grey.
+    /// Glyphs stand where they belong, to a quarter of a pixel, and the baseline on a pixel's edge, or feet
+    /// of letters would be grey.
     void paintTextMask(const TypesetText& typeset, double scale) const {
         double deviceX = 1, deviceY = 1, x = 0, y = typeset.extent.baseline;
         cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
@@ -266,8 +266,7 @@ class ItemPainter {
         const SavedState saved(context_);
         cairo_identity_matrix(context_);
         cairo_scale(context_, 1 / deviceX, 1 / deviceY);
-        cairo_mask_surface(
-            context_, mask.surface.get(), column + mask.x, std::round(y * deviceY) + mask.y);
+        cairo_mask_surface(context_, mask.surface.get(), column + mask.x, std::round(y * deviceY) + mask.y);
     }
 
     static const Mask& textMask(const TypesetText& typeset, double scale, int quarter) {

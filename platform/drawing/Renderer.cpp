@@ -147,7 +147,8 @@ void Renderer::draw(const layout::Placement& placement, double scale, Corners co
 }
 
 void Renderer::redraw(
-    const layout::Placement& placement, double scale, Corners corners, layout::Rect within, Picture& picture) {
+    const layout::Placement& placement, double scale, Corners corners, layout::Rect within,
+    Picture& picture) {
     const PixelArea area = PixelArea::touched(within, scale, picture);
     fillBackground(picture, placement.background, area);
     const Surface surface = surfaceOver(picture);

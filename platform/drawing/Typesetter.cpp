@@ -102,8 +102,9 @@ struct Typesetter::State {
     std::unordered_map<TextKey, TypesetText, TextKeyHash> texts;
 
     State() {
-        // One point is one unit, glyphs stand where their advances put them, no length is fitted to pixels: the
-        // same ones come out at every scale. Outlines alone are fitted, and in height only, when they are drawn. Outlines alone are fitted, and only in height.
+        // One point is one unit, glyphs stand where their advances put them, no length is fitted to pixels:
+        // the same ones come out at every scale. Outlines alone are fitted, and in height only, when they are
+        // drawn. Outlines alone are fitted, and only in height.
         pango_cairo_font_map_set_resolution(PANGO_CAIRO_FONT_MAP(fontMap.get()), 72);
         context.reset(pango_font_map_create_context(fontMap.get()));
         pango_context_set_round_glyph_positions(context.get(), FALSE);

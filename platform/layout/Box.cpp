@@ -206,7 +206,8 @@ double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
             return fitText(text->text, box.inherited, proposal).extent.baseline;
         if (const auto* countdown = std::get_if<ui::node::Countdown>(box.node))
             return fitText(ui::timerText(countdown->end, now_), box.inherited, proposal).extent.baseline;
-        return std::holds_alternative<ui::node::Symbol>(*box.node) ? symbolBaseline * size.height : size.height;
+        return std::holds_alternative<ui::node::Symbol>(*box.node) ? symbolBaseline * size.height
+                                                                   : size.height;
     }
     const ProposedSize inside = childProposal(*box.modifier, proposal);
     const double baseline = firstBaseline(box.children.front(), inside);

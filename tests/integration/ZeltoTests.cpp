@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "cli/SheetGrid.hpp"
 #include "platform/foundation/Files.hpp"
 #include "platform/foundation/ISO8601.hpp"
 #include "platform/foundation/JSONDecoder.hpp"
@@ -264,6 +265,72 @@ TEST_F(ZeltoProcess, RenderDrawsEveryOfferedFamilyAndASheet) {
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator(pictures), {}), 20);
     for (const auto& entry : std::filesystem::directory_iterator(pictures))
         EXPECT_EQ(readFile(entry.path())->substr(1, 3), "PNG") << entry.path();
+}
+
+/// The opacity of a PNG's first pixel; 255 where the file has no opacity.
+int firstOpacity(const std::filesystem::path& file) {
+    const auto result = run(
+        {"/usr/bin/env",
+         "python3",
+         "-c",
+         "import sys,zlib,struct\n"
+         "d=open(sys.argv[1],'rb').read()\n"
+         "alpha=d[25]==6\n"
+         "i=8;data=b''\n"
+         "while i<len(d):\n"
+         " n=struct.unpack('>I',d[i:i+4])[0]\n"
+         " if d[i+4:i+8]==b'IDAT': data+=d[i+8:i+8+n]\n"
+         " i+=12+n\n"
+         "print(zlib.decompress(data)[4] if alpha else 255)",
+         file});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    return std::atoi(result.output.c_str());
+}
+
+TEST_F(ZeltoProcess, PicturesHaveRoundedCornersWhenAskedTo) {
+    for (const bool rounded : {false, true}) {
+        const auto file = folder.path() / (rounded ? "rounded.png" : "square.png");
+        std::vector<std::string> words{
+            "preview", "fans", "--family", "small", "--sample", "--placeholder", "--output", file};
+        if (rounded) words.emplace_back("--corners");
+        EXPECT_EQ(zelto(words).status, 0);
+        EXPECT_EQ(firstOpacity(file), rounded ? 0 : 255);
+        words = {"render", "--kind", "fans", "--preview", "--output", folder.path() / "p"};
+        if (rounded) words.emplace_back("--corners");
+        EXPECT_EQ(zelto(words).status, 0);
+        EXPECT_EQ(firstOpacity(folder.path() / "p/ZeltoFans-small.png"), rounded ? 0 : 255);
+    }
+    const auto svg = zelto(
+        {"preview",
+         "fans",
+         "--family",
+         "small",
+         "--sample",
+         "--placeholder",
+         "--format",
+         "svg",
+         "--corners"});
+    EXPECT_NE(svg.output.find("clip"), std::string::npos);
+    const auto text =
+        zelto({"preview", "fans", "--family", "small", "--sample", "--placeholder", "--corners"});
+    EXPECT_EQ(text.status, 1);
+    EXPECT_EQ(text.errors, "zelto: --corners: only for pictures\n");
+}
+
+TEST(SheetGrid, LeavesNoTileEmptyWhereThatCanBe) {
+    using enum WidgetFamily;
+    const auto sizeOfSheet = [](const std::vector<WidgetFamily>& families) {
+        cli::SheetGrid grid(families);
+        for (const WidgetFamily family : families) grid.place(family);
+        const auto size = grid.size();
+        return std::pair((size.width - 40) / 180, (size.height - 40) / 180);
+    };
+    EXPECT_EQ(sizeOfSheet({systemSmall}), std::pair(1.0, 1.0));
+    EXPECT_EQ(sizeOfSheet({systemSmall, systemMedium}), std::pair(3.0, 1.0));
+    EXPECT_EQ(sizeOfSheet({systemMedium, systemLarge}), std::pair(2.0, 3.0));
+    EXPECT_EQ(
+        sizeOfSheet({systemSmall, systemSmall, systemSmall, systemSmall, systemSmall, systemSmall}),
+        std::pair(3.0, 2.0));
 }
 
 TEST_F(ZeltoProcess, RenderOfOneKindAsked) {
