@@ -1,5 +1,6 @@
-// Draws all looks of the sample over and over, at one and two pixels a point: warm-drawing ROUNDS. Made to be run
-// under an instruction counter, with two numbers of rounds: the difference is what a round costs (bench/warm).
+// Draws all looks of the sample over and over, at one and two pixels a point: warm-drawing ROUNDS. Made to be
+// run under an instruction counter, with two numbers of rounds: the difference is what a round costs
+// (bench/warm).
 
 #include <cstdlib>
 #include <string>

@@ -66,7 +66,8 @@ View Ring::body() const {
                        ifPresent(
                            caption,
                            [](const auto& text) {
-                               return Text(text).font(8).foreground(secondary).lineLimit(1).minimumScale(0.75);
+                               return Text(text).font(8).foreground(secondary).lineLimit(1).minimumScale(
+                                   0.75);
                            }))
                        .padding(Edges::horizontal, lineWidth)),
                ifPresent(
