@@ -128,7 +128,7 @@ std::string text(double value) {
 
 template <class E>
 std::string text(E value) {
-    return std::string(Names<E>::names[static_cast<std::size_t>(value)]);
+    return std::string(nameOf(value));
 }
 
 void print(const HelperStatus& status) {

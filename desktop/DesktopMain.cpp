@@ -156,7 +156,8 @@ int run(int argc, char** argv) {
         if (!value->empty())
             settings.extension.program.arguments.insert(
                 settings.extension.program.arguments.end(), {option, *value});
-    for (const auto& [kind, family] : wishes) settings.wishes.emplace_back(kind, *host::familyNamed(family));
+    for (const auto& [kind, family] : wishes)
+        settings.wishes.emplace_back(kind, *named<WidgetFamily>(family));
 
     desktop = std::make_unique<desktop::Desktop>(settings);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP})

@@ -30,12 +30,6 @@ xpc::Result<Values> answerTo(const WidgetHost::Refusal& why, Values results = {}
 
 }  // namespace
 
-std::optional<WidgetFamily> familyNamed(const std::string& name) {
-    for (std::size_t i = 0; i < Names<WidgetFamily>::names.size(); ++i)
-        if (Names<WidgetFamily>::names[i] == name) return static_cast<WidgetFamily>(i);
-    return std::nullopt;
-}
-
 const xpc::Interface& desktopInterface() {
     static const xpc::Interface interface {
         .service = "com.kavra.zelto.desktop", .methods = {
@@ -75,7 +69,7 @@ xpc::Result<Values> perform(
         actions.quit();
         return Values{};
     }
-    const auto family = familyNamed(arguments[1]);
+    const auto family = named<WidgetFamily>(arguments[1]);
     if (!family) return refusal("'" + arguments[1] + "' is not systemSmall, systemMedium or systemLarge");
     if (method == "resize") return answerTo(host.setFamily(arguments[0], *family, actions.columns()));
     std::string id;
@@ -100,7 +94,7 @@ std::optional<std::pair<std::string, std::string>> parseWish(const std::string& 
     if (family == "small") family = "systemSmall";
     if (family == "medium") family = "systemMedium";
     if (family == "large") family = "systemLarge";
-    if (!familyNamed(family)) return std::nullopt;
+    if (!named<WidgetFamily>(family)) return std::nullopt;
     return std::pair(text.substr(0, colon), family);
 }
 

@@ -34,8 +34,6 @@ xpc::Result<xpc::Listener> listenAsDesktop(
     xpc::Bus bus,
     std::function<void(const std::string& method, xpc::Values arguments, xpc::Answer answer)> handler);
 
-std::optional<WidgetFamily> familyNamed(const std::string& name);
-
 /// "KIND:FAMILY", families as small, medium or large or by their whole names. Absent when it is not that.
 std::optional<std::pair<std::string, std::string>> parseWish(const std::string& text);
 

@@ -7,14 +7,6 @@
 #include "platform/foundation/UUID.hpp"
 
 namespace zelto::host {
-namespace {
-
-std::string nameOf(WidgetFamily family) {
-    return std::string(Names<WidgetFamily>::names[static_cast<std::size_t>(family)]);
-}
-
-}  // namespace
-
 WidgetHost::WidgetHost(HostSeams seams, PlacementStore placements, EntryStore entries, HostObserver& observer)
     : seams_(std::move(seams)),
       placements_(std::move(placements)),
@@ -137,7 +129,7 @@ void WidgetHost::failed(const PlacedWidget& widget, const std::string& fault) {
     schedule_.failed(widget.id, seams_.now());
     // One cause is told once, however often it is tried again.
     if (std::exchange(faults_[widget.id], fault) != fault)
-        seams_.log(widget.kind + ", " + nameOf(widget.family) + ": " + fault);
+        seams_.log(widget.kind + ", " + std::string(nameOf(widget.family)) + ": " + fault);
 }
 
 const PlacedWidget* WidgetHost::find(const std::string& id) const {
@@ -191,7 +183,7 @@ WidgetHost::Refusal WidgetHost::add(
         const WidgetDescription* description = describe(kind);
         if (!description) return "no widget '" + kind + "'";
         if (std::ranges::find(description->families, family) == description->families.end())
-            return kind + " is not offered as " + nameOf(family);
+            return kind + " is not offered as " + std::string(nameOf(family));
     }
     PlacedWidget widget{.id = UUID::random().text(), .kind = kind, .family = family};
     for (char& c : widget.id)
@@ -247,7 +239,7 @@ WidgetHost::Refusal WidgetHost::setFamily(const std::string& id, WidgetFamily fa
     if (widget->family == family) return {};
     const WidgetDescription* description = describe(widget->kind);
     if (description && std::ranges::find(description->families, family) == description->families.end())
-        return widget->kind + " is not offered as " + nameOf(family);
+        return widget->kind + " is not offered as " + std::string(nameOf(family));
     widget->family = family;
     if (!isFree(*widget, columns)) {
         const Cell room = roomFor(family, widget->monitor, columns, id);

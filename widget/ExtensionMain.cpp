@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <exception>
 #include <malloc.h>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -72,16 +71,7 @@ int run(int argc, char** argv) {
     // Every request has a thread of its own; one arena for all keeps the memory of eleven at that of one.
     mallopt(M_ARENA_MAX, 1);
 
-    std::mutex turn;
-    const auto readings = [&turn, machine = options->machine] {
-        auto out = zelto::SystemReadings::ofLinux(machine);
-        out.sleep = [&turn, sleep = std::move(out.sleep)](std::chrono::microseconds pause) {
-            turn.unlock();
-            sleep(pause);
-            turn.lock();
-        };
-        return out;
-    };
+    const auto readings = [machine = options->machine] { return zelto::SystemReadings::ofLinux(machine); };
     const auto now = [fixed = options->now] { return fixed.value_or(zelto::Date::now()); };
     const zelto::ProviderSources sources{
         .now = now,
@@ -90,7 +80,7 @@ int run(int argc, char** argv) {
     };
     const zelto::Service service(
         zelto::ZeltoWidgetBundle{sources}.body(), zelto::Environment::current(), now);
-    return service.serve(STDIN_FILENO, STDOUT_FILENO, turn) ? 0 : 1;
+    return service.serve(STDIN_FILENO, STDOUT_FILENO) ? 0 : 1;
 }
 
 }  // namespace

@@ -46,12 +46,26 @@ T blank() {
 template <class T>
 const Schema& schemaOf();
 
-namespace detail {
-
 template <class T>
 concept Enumeration = requires {
     Names<T>::names;
 };
+
+/// The text of an enumeration's case.
+template <Enumeration E>
+constexpr std::string_view nameOf(E value) {
+    return Names<E>::names[static_cast<std::size_t>(value)];
+}
+/// The case that a text names; absent when none does.
+template <Enumeration E>
+constexpr std::optional<E> named(std::string_view text) {
+    for (std::size_t i = 0; i < Names<E>::names.size(); ++i)
+        if (Names<E>::names[i] == text) return static_cast<E>(i);
+    return std::nullopt;
+}
+
+namespace detail {
+
 template <class T>
 concept TokenText = requires(const T& value, std::string_view text) {
     { T::parse(text) } -> std::same_as<std::optional<T>>;
@@ -90,6 +104,51 @@ constexpr auto fieldTable(Fields... fields) {
     };
     (put(fields), ...);
     return table;
+}
+
+/// Stands for any value where a record's members are counted.
+struct AnyValue {
+    template <class T>
+    operator T() const;
+};
+/// How many members a record can be initialised with; those of bases and functions do not count.
+template <class T, class... Found>
+consteval std::size_t memberCount() {
+    if constexpr (requires { T{Found{}..., AnyValue{}}; })
+        return memberCount<T, Found..., AnyValue>();
+    else
+        return sizeof...(Found);
+}
+
+/// One case of an enumeration and its text.
+template <class E>
+struct NamedCase {
+    E value;
+    std::string_view name;
+};
+/// The texts alone; the cases must be listed in their order, from 0, so that each is found by its value.
+template <class E, std::size_t count>
+consteval std::array<std::string_view, count> namesInOrder(const NamedCase<E> (&cases)[count]) {
+    std::array<std::string_view, count> names;
+    for (std::size_t i = 0; i < count; ++i) {
+        if (static_cast<std::size_t>(cases[i].value) != i) throw "cases are not listed in their order";
+        names[i] = cases[i].name;
+    }
+    return names;
+}
+
+template <auto value>
+consteval std::string_view valueSignature() {
+    return __PRETTY_FUNCTION__;
+}
+
+/// Whether an enumeration has a case of that value. The compiler's name of a value tells: a number where
+/// there is none.
+template <class E, std::size_t value>
+consteval bool hasCase() {
+    constexpr std::string_view signature = valueSignature<static_cast<E>(value)>();
+    constexpr std::size_t begin = signature.find("value = ") + 8;
+    return signature[begin] != '(';
 }
 
 constexpr std::string_view unqualified(std::string_view name) {
@@ -155,16 +214,11 @@ struct MakeSchema<T> {
 template <Enumeration E>
 struct MakeSchema<E> {
     static bool parse(void* value, std::string_view text) {
-        for (std::size_t i = 0; i < Names<E>::names.size(); ++i) {
-            if (Names<E>::names[i] != text) continue;
-            *static_cast<E*>(value) = static_cast<E>(i);
-            return true;
-        }
-        return false;
+        const auto parsed = named<E>(text);
+        if (parsed) *static_cast<E*>(value) = *parsed;
+        return parsed.has_value();
     }
-    static void print(const void* value, std::string& out) {
-        out += Names<E>::names[static_cast<std::size_t>(*static_cast<const E*>(value))];
-    }
+    static void print(const void* value, std::string& out) { out += nameOf(*static_cast<const E*>(value)); }
     static constexpr Schema schema{
         .kind = Schema::Kind::token, .name = Names<E>::expectation, .parse = &parse, .print = &print};
 };
@@ -231,6 +285,8 @@ requires requires {
     Record<T>::fields;
 }
 struct MakeSchema<T> {
+    static_assert(
+        Record<T>::fields.size() == memberCount<T>(), "a member is missing in the record's field table");
     static_assert(Record<T>::fields.size() <= 64, "the decoder marks the fields that it has seen in 64 bits");
     static constexpr Schema schema{
         .kind = Schema::Kind::record, .name = Record<T>::name, .fields = Record<T>::fields};
@@ -258,7 +314,7 @@ const Schema& schemaOf() {
 
 #define ZELTO_FIELD(member) \
     ::zelto::detail::field<Type, decltype(Type::member), &Type::member>(#member, ",\"" #member "\":"),
-#define ZELTO_TEXT(text) #text,
+#define ZELTO_CASE(name) {Type::name, #name},
 
 /// The field table of a record: its type and its members, in the order in which they are written.
 #define ZELTO_RECORD(T, ...)                                                                     \
@@ -272,11 +328,14 @@ const Schema& schemaOf() {
             ::zelto::detail::fieldTable(__VA_OPT__(ZELTO_FOR_EACH(ZELTO_FIELD, __VA_ARGS__)) 0); \
     }
 
-/// The cases of an enumeration, in order, coded by their names. `expected` is used in messages.
-#define ZELTO_NAMES(E, expected, ...)                                                   \
-    template <>                                                                         \
-    struct zelto::Names<E> {                                                            \
-        static constexpr std::string_view expectation = expected;                       \
-        static constexpr auto names =                                                   \
-            std::to_array<std::string_view>({ZELTO_FOR_EACH(ZELTO_TEXT, __VA_ARGS__)}); \
+/// The cases of an enumeration, all of them in their order, coded by their names; a list in another order
+/// does not compile. `expected` is used in messages.
+#define ZELTO_NAMES(E, expected, ...)                                                          \
+    template <>                                                                                \
+    struct zelto::Names<E> {                                                                   \
+        using Type = E;                                                                        \
+        static constexpr std::string_view expectation = expected;                              \
+        static constexpr auto names =                                                          \
+            ::zelto::detail::namesInOrder<E>({ZELTO_FOR_EACH(ZELTO_CASE, __VA_ARGS__)});       \
+        static_assert(!::zelto::detail::hasCase<E, names.size()>(), "a case is missing here"); \
     }

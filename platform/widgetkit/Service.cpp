@@ -20,7 +20,7 @@ std::string familyNames(const WidgetDescription& widget) {
     std::string out;
     for (const WidgetFamily family : widget.families) {
         if (!out.empty()) out += ", ";
-        out += Names<WidgetFamily>::names[static_cast<std::size_t>(family)];
+        out += nameOf(family);
     }
     return out;
 }
@@ -104,11 +104,8 @@ Reply Service::reply(const Request& request) const {
     return out;
 }
 
-bool Service::serve(int input, int output, std::mutex& turn) const {
-    return serveLines(input, output, longestLine, [&](std::string_view line) {
-        const std::lock_guard computes(turn);
-        return answer(line);
-    });
+bool Service::serve(int input, int output) const {
+    return serveLines(input, output, longestLine, [this](std::string_view line) { return answer(line); });
 }
 
 }  // namespace zelto

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,11 +19,9 @@ class Service {
     std::string answer(std::string_view line) const;
 
     /// Reads requests from `input` and writes replies to `output`, each as soon as it is ready, until the
-    /// input ends and the last reply is out. Requests are worked on side by side, each holding `turn` while
-    /// it computes: that takes a fraction of what it waits, and threads that compute at once would only wait
-    /// for each other's memory, dozens of times each. Whatever waits lets go of it meanwhile. False when the
-    /// output broke.
-    bool serve(int input, int output, std::mutex& turn) const;
+    /// input ends and the last reply is out. Requests are worked on side by side. False when the output
+    /// broke.
+    bool serve(int input, int output) const;
 
     /// A request line that is longer is refused.
     static constexpr std::size_t longestLine = std::size_t{64} * 1024;

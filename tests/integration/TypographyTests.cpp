@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/drawing/Renderer.hpp"
+#include "platform/drawing/Symbols.hpp"
 #include "platform/layout/Layout.hpp"
 #include "tests/support/Looks.hpp"
 
@@ -179,6 +180,27 @@ TEST_F(Typography, LettersStandWhereTheyBelong) {
             }
     ASSERT_GT(gaps, 300);
     EXPECT_LT(std::sqrt(squares / gaps), 0.05);
+}
+
+TEST_F(Typography, EverySymbolThatAWidgetNamesIsDrawn) {
+    Look awake = sample(), tired = sample();
+    tired.snapshot->awakeActive = false;
+    tired.snapshot->careItems.clear();
+    tired.live.charging = false;
+    tired.live.battery = 5;
+    tired.date = wednesday + 12 * 3600;
+    Look pinned = sample();
+    pinned.snapshot->clips[0].pinned = true;
+    pinned.snapshot->careItems = {{.title = "Rede", .level = "ok", .summary = {}}};
+    std::set<std::string> names;
+    for (const Look& look : {awake, tired, pinned, Look{}})
+        for (const auto& widget : ZeltoWidgetBundle{}.body())
+            for (const WidgetFamily family : widget.info().families)
+                for (const auto& item : place(widget.info().kind, family, look).items)
+                    if (const auto* symbol = std::get_if<layout::PlacedSymbol>(&item))
+                        names.insert(symbol->name);
+    EXPECT_GE(names.size(), 18U);
+    for (const std::string& name : names) EXPECT_TRUE(drawing::symbolNamed(name)) << name;
 }
 
 }  // namespace

@@ -122,7 +122,7 @@ TEST(FanStatus, IsKnownByItsIndex) {
 template <class E, std::size_t count>
 std::string namesOf(const std::array<E, count>& cases) {
     std::string out;
-    for (const E value : cases) out += std::string(Names<E>::names[static_cast<std::size_t>(value)]) + " ";
+    for (const E value : cases) out += std::string(nameOf(value)) + " ";
     return out;
 }
 

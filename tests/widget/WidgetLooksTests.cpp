@@ -45,9 +45,7 @@ TEST(WidgetLooks, AreThoseOfTheOutlines) {
     for (const auto& [state, look] : states())
         for (const auto& widget : ZeltoWidgetBundle{}.body())
             for (const WidgetFamily family : widget.info().families) {
-                const std::string name =
-                    widget.info().kind + "-" +
-                    std::string(Names<WidgetFamily>::names[static_cast<std::size_t>(family)]) + "-" + state;
+                const std::string name = widget.info().kind + "-" + std::string(nameOf(family)) + "-" + state;
                 EXPECT_TRUE(matchesGolden(name, outlineOf(widget.info().kind, family, look)));
                 ++looks;
             }

@@ -12,8 +12,7 @@ std::string catalogue() {
     for (const auto& widget : ZeltoWidgetBundle{}.body()) {
         const auto& info = widget.info();
         out += info.kind + " | " + info.displayName + " | " + info.description + " |";
-        for (const WidgetFamily family : info.families)
-            out += " " + std::string(Names<WidgetFamily>::names[static_cast<std::size_t>(family)].substr(6));
+        for (const WidgetFamily family : info.families) out += " " + std::string(nameOf(family).substr(6));
         out += "\n";
     }
     return out;
