@@ -27,40 +27,50 @@ double reduced(double length, double by) {
     return std::max(length - by, 0.0);
 }
 
-/// Changes what is inherited; false for a modifier that takes part in the layout itself.
-struct ChangeInherited {
+/// What a modifier does to those inside: it changes what they inherit, or it has a box of its own.
+struct ApplyModifier {
+    using Result = std::optional<BoxModifier>;
+
     Inherited& inherited;
     Placement& placement;
 
-    bool operator()(const ui::modifier::Font& font) const {
+    Result operator()(const ui::modifier::Font& font) const {
         inherited.font = font;
-        return true;
+        return {};
     }
-    bool operator()(const ui::modifier::Foreground& foreground) const {
+    Result operator()(const ui::modifier::Foreground& foreground) const {
         inherited.foreground = resolve(foreground.style, inherited);
         if (std::holds_alternative<ui::Color>(foreground.style)) inherited.primary = inherited.foreground;
-        return true;
+        return {};
     }
-    bool operator()(const ui::modifier::LineLimit& limit) const {
+    Result operator()(const ui::modifier::LineLimit& limit) const {
         inherited.lineLimit = std::clamp<std::int64_t>(limit.lines, 0, mostLines);
-        return true;
+        return {};
     }
-    bool operator()(const ui::modifier::MinimumScale& scale) const {
+    Result operator()(const ui::modifier::MinimumScale& scale) const {
         inherited.minimumScale = std::clamp(scale.factor, 0.01, 1.0);
-        return true;
+        return {};
     }
     // Of the whole widget: the outermost one is met first and stays.
-    bool operator()(const ui::modifier::WidgetURL& link) const {
+    Result operator()(const ui::modifier::WidgetURL& link) const {
         if (!placement.widgetURL) placement.widgetURL = link.url;
-        return true;
+        return {};
     }
-    bool operator()(const ui::modifier::ContainerBackground& background) const {
+    Result operator()(const ui::modifier::ContainerBackground& background) const {
         if (!placement.background) placement.background = background.gradient;
-        return true;
+        return {};
     }
     // Nothing of it shows.
-    bool operator()(const ui::modifier::AccessibilityLabel&) const { return true; }
-    bool operator()(const auto&) const { return false; }
+    Result operator()(const ui::modifier::AccessibilityLabel&) const { return {}; }
+
+    Result operator()(const ui::modifier::Padding& padding) const { return &padding; }
+    Result operator()(const ui::modifier::Frame& frame) const { return &frame; }
+    Result operator()(const ui::modifier::Stretch& stretch) const { return &stretch; }
+    Result operator()(const ui::modifier::ScaledToFill& fill) const { return &fill; }
+    Result operator()(const ui::modifier::Rotation& rotation) const { return &rotation; }
+    Result operator()(const ui::modifier::Background& background) const { return &background; }
+    Result operator()(const ui::modifier::ClipShape& clip) const { return &clip; }
+    Result operator()(const ui::modifier::Link& link) const { return &link; }
 };
 
 }  // namespace
@@ -79,11 +89,11 @@ BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Place
 std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherited inherited) {
     if (modifiers == 0) return buildNode(view, inherited);
     const ui::Modifier& modifier = view.modifiers[modifiers - 1];
-    if (std::visit(ChangeInherited{inherited, placement_}, modifier))
-        return build(view, modifiers - 1, inherited);
+    const auto boxed = std::visit(ApplyModifier{inherited, placement_}, modifier);
+    if (!boxed) return build(view, modifiers - 1, inherited);
     const std::size_t index = boxes_.size();
     boxes_.push_back(
-        {.modifier = &modifier, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
+        {.modifier = boxed, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
     const std::size_t child = build(view, modifiers - 1, inherited);
     boxes_[index].children.push_back(child);
     return index;
@@ -160,60 +170,113 @@ Size BoxTree::answer(const Box& box, const ProposedSize& proposal) {
     return std::visit(Answer{*this, box, proposal}, *box.node);
 }
 
-ProposedSize BoxTree::childProposal(const ui::Modifier& modifier, const ProposedSize& proposal) const {
-    if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier)) {
-        ProposedSize inside = proposal;
-        if (inside.width) inside.width = reduced(*inside.width, padding->leading + padding->trailing);
-        if (inside.height) inside.height = reduced(*inside.height, padding->top + padding->bottom);
-        return inside;
-    }
-    if (const auto* frame = std::get_if<ui::modifier::Frame>(&modifier))
-        return {
-            frame->width ? frame->width : proposal.width, frame->height ? frame->height : proposal.height};
-    return proposal;
+ProposedSize BoxTree::childProposal(const BoxModifier& modifier, const ProposedSize& proposal) {
+    struct Propose {
+        const ProposedSize& proposal;
+
+        ProposedSize operator()(const ui::modifier::Padding* padding) const {
+            ProposedSize inside = proposal;
+            if (inside.width) inside.width = reduced(*inside.width, padding->leading + padding->trailing);
+            if (inside.height) inside.height = reduced(*inside.height, padding->top + padding->bottom);
+            return inside;
+        }
+        ProposedSize operator()(const ui::modifier::Frame* frame) const {
+            return {
+                frame->width ? frame->width : proposal.width,
+                frame->height ? frame->height : proposal.height};
+        }
+        ProposedSize operator()(const ui::modifier::Stretch*) const { return proposal; }
+        ProposedSize operator()(const ui::modifier::ScaledToFill*) const { return proposal; }
+        ProposedSize operator()(const ui::modifier::Rotation*) const { return proposal; }
+        ProposedSize operator()(const ui::modifier::Background*) const { return proposal; }
+        ProposedSize operator()(const ui::modifier::ClipShape*) const { return proposal; }
+        ProposedSize operator()(const ui::modifier::Link*) const { return proposal; }
+    };
+    return std::visit(Propose{proposal}, modifier);
 }
 
-Size BoxTree::answer(const Box& box, const ui::Modifier& modifier, const ProposedSize& proposal) {
+Size BoxTree::answer(const Box& box, const BoxModifier& modifier, const ProposedSize& proposal) {
+    struct Answer {
+        BoxTree& tree;
+        std::size_t child;
+        const ProposedSize& proposal;
+        Size inside;
+
+        Size operator()(const ui::modifier::Padding* padding) const {
+            return {
+                inside.width + padding->leading + padding->trailing,
+                inside.height + padding->top + padding->bottom};
+        }
+        Size operator()(const ui::modifier::Frame* frame) const {
+            return {coalesce(frame->width, inside.width), coalesce(frame->height, inside.height)};
+        }
+        Size operator()(const ui::modifier::Stretch* stretch) const {
+            return {
+                stretch->width ? std::max(coalesce(proposal.width, inside.width), inside.width)
+                               : inside.width,
+                stretch->height ? std::max(coalesce(proposal.height, inside.height), inside.height)
+                                : inside.height};
+        }
+        Size operator()(const ui::modifier::ScaledToFill*) const {
+            const Size ideal = tree.measure(child, {});
+            // What has no size by itself has no aspect ratio to keep.
+            if (!(ideal.width > 0 && ideal.height > 0))
+                return {coalesce(proposal.width, ideal.width), coalesce(proposal.height, ideal.height)};
+            const double x = coalesce(proposal.width, ideal.width) / ideal.width;
+            const double y = coalesce(proposal.height, ideal.height) / ideal.height;
+            const double scale = proposal.width && proposal.height ? std::max(x, y)
+                                 : proposal.width                  ? x
+                                                                   : y;
+            return {ideal.width * scale, ideal.height * scale};
+        }
+        Size operator()(const ui::modifier::Rotation*) const { return inside; }
+        Size operator()(const ui::modifier::Background*) const { return inside; }
+        Size operator()(const ui::modifier::ClipShape*) const { return inside; }
+        Size operator()(const ui::modifier::Link*) const { return inside; }
+    };
     const std::size_t child = box.children.front();
-    if (std::holds_alternative<ui::modifier::ScaledToFill>(modifier)) {
-        const Size ideal = measure(child, {});
-        // What has no size by itself has no aspect ratio to keep.
-        if (!(ideal.width > 0 && ideal.height > 0))
-            return {coalesce(proposal.width, ideal.width), coalesce(proposal.height, ideal.height)};
-        const double x = coalesce(proposal.width, ideal.width) / ideal.width;
-        const double y = coalesce(proposal.height, ideal.height) / ideal.height;
-        const double scale = proposal.width && proposal.height ? std::max(x, y) : proposal.width ? x : y;
-        return {ideal.width * scale, ideal.height * scale};
-    }
-    const Size size = measure(child, childProposal(modifier, proposal));
-    if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier))
-        return {
-            size.width + padding->leading + padding->trailing, size.height + padding->top + padding->bottom};
-    if (const auto* frame = std::get_if<ui::modifier::Frame>(&modifier))
-        return {coalesce(frame->width, size.width), coalesce(frame->height, size.height)};
-    if (const auto* stretch = std::get_if<ui::modifier::Stretch>(&modifier))
-        return {
-            stretch->width ? std::max(coalesce(proposal.width, size.width), size.width) : size.width,
-            stretch->height ? std::max(coalesce(proposal.height, size.height), size.height) : size.height};
-    return size;
+    const Size inside = measure(child, childProposal(modifier, proposal));
+    return std::visit(Answer{*this, child, proposal, inside}, modifier);
+}
+
+double BoxTree::firstBaselineOfNode(const Box& box, double height, const ProposedSize& proposal) {
+    struct Baseline {
+        BoxTree& tree;
+        const Box& box;
+        double height;
+        const ProposedSize& proposal;
+
+        double operator()(const ui::node::Text& text) const {
+            return tree.fitText(text.text, box.inherited, proposal).extent.baseline;
+        }
+        double operator()(const ui::node::Countdown& countdown) const {
+            return tree.fitText(ui::timerText(countdown.end, tree.now_), box.inherited, proposal)
+                .extent.baseline;
+        }
+        double operator()(const ui::node::Symbol&) const { return symbolBaseline * height; }
+        // What holds no text stands on its lower edge.
+        double operator()(const ui::node::Image&) const { return height; }
+        double operator()(const ui::node::Spacer&) const { return height; }
+        double operator()(const ui::node::Shape&) const { return height; }
+        double operator()(const ui::node::VStack&) const { return height; }
+        double operator()(const ui::node::HStack&) const { return height; }
+        double operator()(const ui::node::ZStack&) const { return height; }
+        double operator()(const ui::node::Grid&) const { return height; }
+    };
+    return std::visit(Baseline{*this, box, height, proposal}, *box.node);
 }
 
 double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
     const Box& box = boxes_[index];
     const Size size = measure(index, proposal);
-    if (box.node) {
-        if (const auto* text = std::get_if<ui::node::Text>(box.node))
-            return fitText(text->text, box.inherited, proposal).extent.baseline;
-        if (const auto* countdown = std::get_if<ui::node::Countdown>(box.node))
-            return fitText(ui::timerText(countdown->end, now_), box.inherited, proposal).extent.baseline;
-        return std::holds_alternative<ui::node::Symbol>(*box.node) ? symbolBaseline * size.height
-                                                                   : size.height;
-    }
+    if (box.node) return firstBaselineOfNode(box, size.height, proposal);
+    const std::size_t child = box.children.front();
     const ProposedSize inside = childProposal(*box.modifier, proposal);
-    const double baseline = firstBaseline(box.children.front(), inside);
-    if (const auto* padding = std::get_if<ui::modifier::Padding>(box.modifier))
-        return padding->top + baseline;
-    return (size.height - measure(box.children.front(), inside).height) / 2 + baseline;
+    const double baseline = firstBaseline(child, inside);
+    if (const auto* padding = std::get_if<const ui::modifier::Padding*>(&*box.modifier))
+        return (*padding)->top + baseline;
+    // In all others the content is centred, or they are no larger than it.
+    return (size.height - measure(child, inside).height) / 2 + baseline;
 }
 
 }  // namespace zelto::layout

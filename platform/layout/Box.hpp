@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "platform/layout/Geometry.hpp"
@@ -27,11 +28,17 @@ struct Inherited {
 /// The foreground that a style means.
 ui::Color resolve(const ui::Style& style, const Inherited& inherited);
 
+/// A modifier that takes part in the layout by itself; all others only change what is inherited.
+using BoxModifier = std::variant<
+    const ui::modifier::Padding*, const ui::modifier::Frame*, const ui::modifier::Stretch*,
+    const ui::modifier::ScaledToFill*, const ui::modifier::Rotation*, const ui::modifier::Background*,
+    const ui::modifier::ClipShape*, const ui::modifier::Link*>;
+
 /// One step of the layout: a node, or a modifier that takes part in it (then with one child). Modifiers that
 /// only change what is inherited have no box.
 struct Box {
     const ui::Node* node = nullptr;
-    const ui::Modifier* modifier = nullptr;
+    std::optional<BoxModifier> modifier = {};
     const ui::View* view = nullptr;  // that it comes from
     Inherited inherited;
     std::vector<std::size_t> children;
@@ -69,11 +76,12 @@ class BoxTree {
     std::size_t buildNode(const ui::View& view, const Inherited& inherited);
 
     Size answer(const Box& box, const ProposedSize& proposal);
-    Size answer(const Box& box, const ui::Modifier& modifier, const ProposedSize& proposal);
+    Size answer(const Box& box, const BoxModifier& modifier, const ProposedSize& proposal);
     void emit(std::size_t box, Point origin, Size size, const ProposedSize& proposal);
-    void emit(const Box& box, const ui::Modifier& modifier, Rect frame, const ProposedSize& proposal);
+    void emit(const Box& box, const BoxModifier& modifier, Rect frame, const ProposedSize& proposal);
     void placeCentered(std::size_t child, Rect frame, const ProposedSize& proposal);
-    ProposedSize childProposal(const ui::Modifier& modifier, const ProposedSize& proposal) const;
+    static ProposedSize childProposal(const BoxModifier& modifier, const ProposedSize& proposal);
+    double firstBaselineOfNode(const Box& box, double height, const ProposedSize& proposal);
 
     TextFit fitText(const std::string& text, const Inherited& inherited, const ProposedSize& proposal);
     PlacedText placeText(

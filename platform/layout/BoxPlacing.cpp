@@ -67,33 +67,47 @@ void BoxTree::placeCentered(std::size_t child, Rect frame, const ProposedSize& p
         proposal);
 }
 
-void BoxTree::emit(const Box& box, const ui::Modifier& modifier, Rect frame, const ProposedSize& proposal) {
-    const std::size_t child = box.children.front();
-    const ProposedSize inside = childProposal(modifier, proposal);
-    auto& items = placement_.items;
+void BoxTree::emit(const Box& box, const BoxModifier& modifier, Rect frame, const ProposedSize& proposal) {
+    struct Emit {
+        BoxTree& tree;
+        const Box& box;
+        Rect frame;
+        ProposedSize inside;
 
-    if (const auto* padding = std::get_if<ui::modifier::Padding>(&modifier)) {
-        place(child, {frame.x + padding->leading, frame.y + padding->top}, inside);
-    } else if (std::holds_alternative<ui::modifier::ScaledToFill>(modifier)) {
-        place(child, {frame.x, frame.y}, {frame.width, frame.height});
-    } else if (const auto* background = std::get_if<ui::modifier::Background>(&modifier)) {
-        items.emplace_back(PlacedShape{
-            frame, background->geometry, {}, ui::Fill{resolve(background->style, box.inherited)}});
-        place(child, {frame.x, frame.y}, inside);
-    } else if (const auto* rotation = std::get_if<ui::modifier::Rotation>(&modifier)) {
-        items.emplace_back(BeginRotation{frame.center(), rotation->degrees});
-        place(child, {frame.x, frame.y}, inside);
-        items.emplace_back(End{});
-    } else if (const auto* clip = std::get_if<ui::modifier::ClipShape>(&modifier)) {
-        items.emplace_back(BeginClip{frame, clip->geometry});
-        place(child, {frame.x, frame.y}, inside);
-        items.emplace_back(End{});
-    } else if (const auto* link = std::get_if<ui::modifier::Link>(&modifier)) {
-        placement_.links.push_back({frame, link->url, ui::joined(ui::readingTexts(*box.view, now_))});
-        place(child, {frame.x, frame.y}, inside);
-    } else {
-        placeCentered(child, frame, inside);  // frames, fixed and stretched
-    }
+        std::size_t child() const { return box.children.front(); }
+        void placeInside() const { tree.place(child(), {frame.x, frame.y}, inside); }
+        void placeBetween(PlacedItem begin) const {
+            tree.placement_.items.push_back(std::move(begin));
+            placeInside();
+            tree.placement_.items.emplace_back(End{});
+        }
+
+        void operator()(const ui::modifier::Padding* padding) const {
+            tree.place(child(), {frame.x + padding->leading, frame.y + padding->top}, inside);
+        }
+        void operator()(const ui::modifier::Frame*) const { tree.placeCentered(child(), frame, inside); }
+        void operator()(const ui::modifier::Stretch*) const { tree.placeCentered(child(), frame, inside); }
+        void operator()(const ui::modifier::ScaledToFill*) const {
+            tree.place(child(), {frame.x, frame.y}, {frame.width, frame.height});
+        }
+        void operator()(const ui::modifier::Background* background) const {
+            tree.placement_.items.emplace_back(PlacedShape{
+                frame, background->geometry, {}, ui::Fill{resolve(background->style, box.inherited)}});
+            placeInside();
+        }
+        void operator()(const ui::modifier::Rotation* rotation) const {
+            placeBetween(BeginRotation{frame.center(), rotation->degrees});
+        }
+        void operator()(const ui::modifier::ClipShape* clip) const {
+            placeBetween(BeginClip{frame, clip->geometry});
+        }
+        void operator()(const ui::modifier::Link* link) const {
+            tree.placement_.links.push_back(
+                {frame, link->url, ui::joined(ui::readingTexts(*box.view, tree.now_))});
+            placeInside();
+        }
+    };
+    std::visit(Emit{*this, box, frame, childProposal(modifier, proposal)}, modifier);
 }
 
 }  // namespace zelto::layout

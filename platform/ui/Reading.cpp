@@ -12,22 +12,45 @@ const std::string* labelOf(const View& view) {
     return nullptr;
 }
 
-void read(const View& view, Date now, std::vector<std::string>& out) {
-    const auto put = [&out](std::string text) {
+/// Reads what a view is; what its label says instead is met before.
+struct Reader {
+    Date now;
+    const std::string* label;
+    std::vector<std::string>& out;
+
+    void put(std::string text) const {
         if (!text.empty()) out.push_back(std::move(text));
-    };
-    const std::string* label = labelOf(view);
-    if (const auto* countdown = std::get_if<node::Countdown>(&view.node)) {
-        put((label ? *label + " " : "") + timerText(countdown->end, now));
-        return;
     }
-    if (label) {
+    void read(const Views& children) const;
+
+    void operator()(const node::Countdown& countdown) const {
+        put((label ? *label + " " : "") + timerText(countdown.end, now));
+    }
+    void operator()(const node::Text& text) const { put(label ? *label : text.text); }
+    void operator()(const node::Symbol&) const { silent(); }
+    void operator()(const node::Image&) const { silent(); }
+    void operator()(const node::Spacer&) const { silent(); }
+    void operator()(const node::Shape&) const { silent(); }
+    void operator()(const node::VStack& stack) const { read(stack.children); }
+    void operator()(const node::HStack& stack) const { read(stack.children); }
+    void operator()(const node::ZStack& stack) const { read(stack.children); }
+    void operator()(const node::Grid& grid) const { read(grid.children); }
+
+  private:
+    void silent() const {
+        if (label) put(*label);
+    }
+};
+
+void read(const View& view, Date now, std::vector<std::string>& out) {
+    std::visit(Reader{now, labelOf(view), out}, view.node);
+}
+
+void Reader::read(const Views& children) const {
+    if (label)
         put(*label);
-        return;
-    }
-    if (const auto* text = std::get_if<node::Text>(&view.node)) put(text->text);
-    if (const Views* children = childrenOf(view.node))
-        for (const View& child : *children) read(child, now, out);
+    else
+        for (const View& child : children) zelto::ui::read(child, now, out);
 }
 
 }  // namespace
