@@ -224,9 +224,8 @@ Size BoxTree::answer(const Box& box, const BoxModifier& modifier, const Proposed
                 return {coalesce(proposal.width, ideal.width), coalesce(proposal.height, ideal.height)};
             const double x = coalesce(proposal.width, ideal.width) / ideal.width;
             const double y = coalesce(proposal.height, ideal.height) / ideal.height;
-            const double scale = proposal.width && proposal.height ? std::max(x, y)
-                                 : proposal.width                  ? x
-                                                                   : y;
+            double scale = y;
+            if (proposal.width) scale = proposal.height ? std::max(x, y) : x;
             return {ideal.width * scale, ideal.height * scale};
         }
         Size operator()(const ui::modifier::Rotation*) const { return inside; }
