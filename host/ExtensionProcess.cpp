@@ -40,6 +40,11 @@ void makeNonBlocking(int fd) {
     fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
 }
 
+bool isReadable(int fd) {
+    pollfd waiting{fd, POLLIN, 0};
+    return poll(&waiting, 1, 0) > 0;
+}
+
 int remaining(Clock::time_point deadline) {
     const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
     return static_cast<int>(std::max<decltype(left)>(left, 0));
@@ -59,6 +64,7 @@ struct ExtensionProcess::Exchange {
     std::map<std::int64_t, std::size_t> open;  // the place of each request that has no answer yet, by its id
     Outcomes answered;                         // and not handed over yet
     std::string pending;                       // what is still to be sent
+    Clock::time_point deadline;
 };
 
 std::optional<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program, std::string& why) {
@@ -219,11 +225,10 @@ std::string ExtensionProcess::takeReplies(Exchange& exchange) {
 std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
     /// What has been answered waits so long for the rest.
     constexpr std::chrono::milliseconds together{1000};
-    const auto deadline = Clock::now() + deadline_;
     auto quietUntil = Clock::now() + together;
     while (!exchange.open.empty()) {
         const auto now = Clock::now();
-        if (now >= deadline) {
+        if (now >= exchange.deadline) {
             end();
             return "the widget extension did not answer in time" + lastWords();
         }
@@ -233,7 +238,8 @@ std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
             pollfd{exchange.pending.empty() ? -1 : input_.get(), POLLOUT, 0},
             pollfd{cancel, POLLIN, 0},
             pollfd{errors_.get(), POLLIN, 0}};
-        const auto until = exchange.answered.empty() ? deadline : std::min(deadline, quietUntil);
+        const auto until =
+            exchange.answered.empty() ? exchange.deadline : std::min(exchange.deadline, quietUntil);
         const int ready = poll(ends.data(), ends.size(), remaining(until) + 1);
         if (ready < 0 && errno != EINTR)
             return std::string("cannot wait for the widget extension: ") + std::strerror(errno);
@@ -256,6 +262,7 @@ std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
 void ExtensionProcess::exchange(
     std::vector<Request> requests, const std::function<void(Outcomes)>& deliver, int cancel) {
     Exchange exchange;
+    exchange.deadline = Clock::now() + deadline_;
     for (std::size_t place = 0; place < requests.size(); ++place) {
         requests[place].id = ++lastID_;
         if (const auto line = encodeJSON(requests[place])) {
@@ -290,7 +297,7 @@ void askApart(
     const auto workOff = [&] {
         while (true) {
             std::unique_lock lock(mutex);
-            if (next == requests.end()) return;
+            if (next == requests.end() || isReadable(cancel)) return;
             const auto& [place, request] = *next++;
             lock.unlock();
             std::string why;

@@ -96,7 +96,8 @@ class ExtensionProcess {
 };
 
 /// Asks each request in a process of its own, several side by side, and hands over what became of each as
-/// soon as it is known. `deliver` may be called on any thread, by one at a time.
+/// soon as it is known; none any more once `cancel` is readable. `deliver` may be called on any thread, by
+/// one at a time.
 void askApart(
     const ExtensionProgram& program, const std::map<std::size_t, Request>& requests,
     const std::function<void(Outcomes)>& deliver, int cancel = -1);

@@ -68,47 +68,46 @@ void ExtensionWorker::run() {
     }
 }
 
-void ExtensionWorker::work(std::deque<Work> all) {
+void ExtensionWorker::work(std::deque<Work> works) {
+    // What is asked apart may be answered long after this.
+    const auto all = std::make_shared<std::deque<Work>>(std::move(works));
     std::vector<Request> requests;
     std::vector<std::pair<std::size_t, std::size_t>> owners;  // work, and place among its requests
-    for (std::size_t i = 0; i < all.size(); ++i)
-        for (std::size_t place = 0; place < all[i].requests.size(); ++place) {
-            requests.push_back(all[i].requests[place]);
+    for (std::size_t i = 0; i < all->size(); ++i)
+        for (std::size_t place = 0; place < (*all)[i].requests.size(); ++place) {
+            requests.push_back((*all)[i].requests[place]);
             owners.emplace_back(i, place);
         }
-    exchange(requests, [&](Outcomes outcomes) {
+    exchange(requests, [this, all, owners](Outcomes outcomes) {
         std::map<std::size_t, Outcomes> byWork;
         for (auto& [place, outcome] : outcomes)
             byWork[owners[place].first].emplace(owners[place].second, std::move(outcome));
         for (auto& [i, own] : byWork)
-            seams_.post([completion = all[i].completion, own = std::move(own)]() mutable {
+            seams_.post([completion = (*all)[i].completion, own = std::move(own)]() mutable {
                 completion(std::move(own));
             });
     });
 }
 
-void ExtensionWorker::exchange(
-    const std::vector<Request>& requests, const std::function<void(Outcomes)>& deliver) {
+void ExtensionWorker::exchange(const std::vector<Request>& requests, const Deliver& deliver) {
     std::vector<Request> together;
     std::vector<std::size_t> places;
-    std::map<std::size_t, Request> apart;
-    for (std::size_t place = 0; place < requests.size(); ++place) {
-        if (deadly_.contains(subjectOf(requests[place]))) {
-            apart[place] = requests[place];
-        } else {
-            together.push_back(requests[place]);
-            places.push_back(place);
+    Death death;
+    {
+        const std::lock_guard lock(mutex_);
+        for (std::size_t place = 0; place < requests.size(); ++place) {
+            if (deadly_.contains(subjectOf(requests[place]))) {
+                death.unanswered[place] = requests[place];
+            } else {
+                together.push_back(requests[place]);
+                places.push_back(place);
+            }
         }
     }
-
-    bool isOfUse = false;
-    std::string failure;
     if (!together.empty()) {
-        failure = startProcess();
-        if (!failure.empty()) {
+        if (const std::string why = startProcess(); !why.empty()) {
             Outcomes none;
-            for (const std::size_t place : places) none[place] = {.error = failure, .isUnanswered = true};
-            backOff(failure);
+            for (const std::size_t place : places) none[place] = {.error = why, .isUnanswered = true};
             deliver(std::move(none));
             together.clear();
         }
@@ -120,46 +119,74 @@ void ExtensionWorker::exchange(
                 Outcomes answered;
                 for (auto& [i, outcome] : outcomes) {
                     if (outcome.isUnanswered)
-                        apart[places[i]] = requests[places[i]];
+                        death.unanswered[places[i]] = requests[places[i]];
                     else
                         answered.emplace(places[i], std::move(outcome));
                 }
-                isOfUse = isOfUse || !answered.empty();
+                death.othersWereAnswered = death.othersWereAnswered || !answered.empty();
                 if (!answered.empty()) deliver(std::move(answered));
             },
             cancel_.get());
-        if (!process_->isUsable()) failure = process_->failure();
+        if (process_->isUsable()) {
+            const std::lock_guard lock(mutex_);
+            backoff_.succeeded();
+        } else {
+            death.how = process_->failure();
+            process_.reset();
+        }
     }
-    if (isEnding()) return;
+    if (death.unanswered.empty() || isEnding()) return;
+    // Nobody else waits for what may hang again.
+    std::erase_if(apart_, [](const Apart& each) { return each.isOver->load(); });
+    auto isOver = std::make_shared<std::atomic<bool>>(false);
+    apart_.push_back({isOver, std::jthread([this, death = std::move(death), deliver, isOver] {
+                          askAgain(death, deliver);
+                          *isOver = true;
+                      })});
+}
 
-    std::set<Subject> unanswered;
+void ExtensionWorker::askAgain(const Death& death, const Deliver& deliver) {
+    bool isOfUse = death.othersWereAnswered;
+    std::set<Subject> dead;
+    // The last one is handed over when all that follows from it has been settled.
+    std::size_t left = death.unanswered.size();
+    Outcomes last;
     askApart(
         options_.program,
-        apart,
+        death.unanswered,
         [&](Outcomes outcomes) {
-            for (const auto& [place, outcome] : outcomes) {
-                if (outcome.isUnanswered) {
-                    unanswered.insert(subjectOf(requests[place]));
-                } else {
-                    deadly_.erase(subjectOf(requests[place]));
-                    isOfUse = true;
+            {
+                const std::lock_guard lock(mutex_);
+                for (const auto& [place, outcome] : outcomes) {
+                    const Subject subject = subjectOf(death.unanswered.at(place));
+                    isOfUse = isOfUse || !outcome.isUnanswered;
+                    if (outcome.isUnanswered) {
+                        dead.insert(subject);
+                        deadly_.insert(subject);
+                    } else {
+                        deadly_.erase(subject);
+                    }
                 }
             }
-            deliver(std::move(outcomes));
+            left -= outcomes.size();
+            if (left == 0)
+                last = std::move(outcomes);
+            else
+                deliver(std::move(outcomes));
         },
         cancel_.get());
 
-    if (process_ && process_->isUsable()) {
-        backoff_.succeeded();
-    } else if (process_) {
-        process_.reset();
-        if (!isOfUse)
-            backOff(failure);
-        else if (unanswered.empty())
-            log(failure + "; what it had not answered was asked again");
-        else
-            deadly_.merge(unanswered);
+    if (!isOfUse && dead.size() > 1) {
+        // When all of several die, it is the program that is broken, and no widget is to blame.
+        {
+            const std::lock_guard lock(mutex_);
+            for (const Subject& subject : dead) deadly_.erase(subject);
+        }
+        backOff(death.how.empty() ? "the widget extension dies of every request" : death.how);
+    } else if (!death.how.empty() && dead.empty()) {
+        log(death.how + "; what it had not answered was asked again");
     }
+    if (!last.empty()) deliver(std::move(last));
 }
 
 std::string ExtensionWorker::startProcess() {
@@ -172,16 +199,22 @@ std::string ExtensionWorker::startProcess() {
     if (process_) return {};
     if (!pauses()) return "the host ends";
     std::string why;
-    if (auto started = ExtensionProcess::start(options_.program, why)) process_.emplace(*std::move(started));
+    if (auto started = ExtensionProcess::start(options_.program, why))
+        process_.emplace(*std::move(started));
+    else
+        backOff(why);
     return why;
 }
 
 void ExtensionWorker::backOff(const std::string& how) {
-    backoff_.failed();
-    startableAt_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
-                                      std::chrono::duration<double>(backoff_.pause()));
     std::ostringstream line;
-    line << how << "; to be started again after " << backoff_.pause() << " s";
+    {
+        const std::lock_guard lock(mutex_);
+        backoff_.failed();
+        startableAt_ = Clock::now() + std::chrono::duration_cast<Clock::duration>(
+                                          std::chrono::duration<double>(backoff_.pause()));
+        line << how << "; to be started again after " << backoff_.pause() << " s";
+    }
     log(line.str());
 }
 

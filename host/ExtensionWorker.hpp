@@ -1,10 +1,14 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <deque>
 #include <filesystem>
 #include <functional>
+#include <list>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <set>
@@ -30,8 +34,8 @@ struct ExtensionOptions {
 /// Looks after the extension's process on a thread of its own: starts it when something is asked, ends it
 /// when nothing is, starts it again after it died. What is asked while it is busy goes out together
 /// afterwards. What a death or a hang leaves unanswered is asked once more, each request in a process of its
-/// own; one that is the end of that too, though others were answered, is not asked beside others any more
-/// until it has been answered. Ends with this object, without waiting for answers.
+/// own, while everything else goes on. A widget whose request is the end of that too is not asked beside
+/// others any more until it has been answered. Ends with this object, without waiting for answers.
 class ExtensionWorker {
   public:
     /// Gets what became of each request, once; in several calls when some take much longer than others.
@@ -64,8 +68,22 @@ class ExtensionWorker {
     void run();
     /// All that is to be done next, if anything comes before `until`.
     std::deque<Work> nextWork(std::optional<Clock::time_point> until);
-    void work(std::deque<Work> all);
-    void exchange(const std::vector<Request>& requests, const std::function<void(Outcomes)>& deliver);
+    using Deliver = std::function<void(Outcomes)>;
+    /// What the end of a process has left, or what is not asked beside others at all.
+    struct Death {
+        std::map<std::size_t, Request> unanswered = {};  // by their places
+        std::string how = {};                            // empty when there was none
+        bool othersWereAnswered = false;
+    };
+    /// Requests that are asked apart, on a thread of their own.
+    struct Apart {
+        std::shared_ptr<std::atomic<bool>> isOver;
+        std::jthread thread;
+    };
+
+    void work(std::deque<Work> works);
+    void exchange(const std::vector<Request>& requests, const Deliver& deliver);
+    void askAgain(const Death& death, const Deliver& deliver);
     /// Why there is no process to ask, or nothing.
     std::string startProcess();
     void backOff(const std::string& how);
@@ -81,11 +99,12 @@ class ExtensionWorker {
     std::condition_variable changed_;
     std::deque<Work> work_;
     bool isEnding_ = false, isStale_ = false;
-    // The thread's own.
-    std::optional<ExtensionProcess> process_;
     std::set<Subject> deadly_;  // to be asked apart
     Backoff backoff_;
     Clock::time_point startableAt_{};
+    // The thread's own.
+    std::optional<ExtensionProcess> process_;
+    std::list<Apart> apart_;
     std::thread thread_;
 };
 

@@ -103,6 +103,8 @@ struct WidgetSnapshot {
 
     /// The snapshot in the file; absent when there is none that reads without a fault.
     static std::optional<WidgetSnapshot> load(const HomeLookup& lookup = HomeLookup::system());
+    /// The same, but that memory which runs out is no missing snapshot: raises std::bad_alloc.
+    static std::optional<WidgetSnapshot> read(const HomeLookup& lookup = HomeLookup::system());
     /// Replaces the file atomically, making its folder where it is missing. A new file and the folder itself
     /// are the owner's alone; what is there keeps its mode. Failures are silent; the old file then stays.
     void save(const HomeLookup& lookup = HomeLookup::system()) const;

@@ -18,11 +18,15 @@ std::filesystem::path WidgetSnapshot::url(const HomeLookup& lookup) {
     return folder(lookup) / "widget.json";
 }
 
+std::optional<WidgetSnapshot> WidgetSnapshot::read(const HomeLookup& lookup) {
+    const auto bytes = readFile(url(lookup), largestDocument);
+    if (!bytes) return std::nullopt;
+    return decodeJSON<WidgetSnapshot>(*bytes);
+}
+
 std::optional<WidgetSnapshot> WidgetSnapshot::load(const HomeLookup& lookup) {
     try {
-        const auto bytes = readFile(url(lookup), largestDocument);
-        if (!bytes) return std::nullopt;
-        return decodeJSON<WidgetSnapshot>(*bytes);
+        return read(lookup);
     } catch (const std::bad_alloc&) {
         return std::nullopt;
     }

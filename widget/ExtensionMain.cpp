@@ -76,7 +76,8 @@ int run(int argc, char** argv) {
     const zelto::ProviderSources sources{
         .now = now,
         .live = [readings] { return zelto::LiveReader::read(readings()); },
-        .snapshot = [home = options->home] { return zelto::WidgetSnapshot::load(home); },
+        // Without memory there is an error to tell, not a picture of nothing.
+        .snapshot = [home = options->home] { return zelto::WidgetSnapshot::read(home); },
     };
     const zelto::Service service(
         zelto::ZeltoWidgetBundle{sources}.body(), zelto::Environment::current(), now);

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <ctime>
 #include <vector>
 
 #include <fcntl.h>
@@ -30,6 +31,10 @@ bool syncFolder(const std::filesystem::path& folder) {
     const FileDescriptor fd(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     return fd && fsync(fd.get()) == 0;
 }
+
+/// A temporary file is locked by its writer right after it was made; one that is older and not locked has
+/// none.
+constexpr time_t secondsToLock = 10;
 
 std::string temporaryPrefix(const std::filesystem::path& path) {
     return "." + path.filename().string() + ".";
@@ -100,7 +105,9 @@ void removeLeftovers(const std::filesystem::path& path) {
     }
     for (const auto& leftover : leftovers) {
         const FileDescriptor fd(open(leftover.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-        if (!fd || flock(fd.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+        struct stat status {};
+        if (fd && fstat(fd.get(), &status) == 0 && status.st_mtime < time(nullptr) - secondsToLock &&
+            flock(fd.get(), LOCK_EX | LOCK_NB) == 0)
             std::filesystem::remove(leftover, error);
     }
 }

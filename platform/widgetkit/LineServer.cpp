@@ -80,7 +80,7 @@ class Workers {
             try {
                 work_(line);
             } catch (const std::bad_alloc&) {
-                // Not even an answer that says so: whoever asked waits no longer than it likes to.
+                // Not even an answer that says so: whoever asked waits until its own deadline.
             }
             lock.lock();
         }

@@ -7,6 +7,7 @@
 #include "host/PlacementStore.hpp"
 #include "platform/foundation/Files.hpp"
 #include "platform/ui/Building.hpp"
+#include "tests/support/Ages.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::host {
@@ -98,7 +99,7 @@ TEST_F(Placements, EditsAreNoticed) {
 }
 
 TEST_F(Placements, WhatADeathInTheMiddleOfAWriteLeftIsCleared) {
-    folder.write(".desktop.json.5E5A7C1E-0000-4000-8000-000000000000", "half");
+    test::aged(folder.write(".desktop.json.5E5A7C1E-0000-4000-8000-000000000000", "half"));
     folder.write(".desktop.json.mine", "kept");
     store().load();
     EXPECT_FALSE(

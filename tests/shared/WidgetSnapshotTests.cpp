@@ -9,6 +9,7 @@
 #include "platform/foundation/JSONEncoder.hpp"
 #include "shared/WidgetSnapshot.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
+#include "tests/support/Ages.hpp"
 #include "tests/support/Snapshots.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 #include "tests/support/Vectors.hpp"
@@ -262,6 +263,7 @@ TEST_F(Store, SaveKeepsTheModesOfWhatIsThere) {
 TEST_F(Store, SaveRemovesWhatADeathHasLeft) {
     const auto leftover = home.write(
         "Library/Application Support/Zelto/.widget.json.6F9619FF-8B86-D011-B42D-00CF4FC964FF", "{");
+    aged(leftover);
     const auto other = home.write("Library/Application Support/Zelto/.widget.json.notes", "");
     full().save(lookup);
     EXPECT_FALSE(std::filesystem::exists(leftover));

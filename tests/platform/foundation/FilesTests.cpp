@@ -8,6 +8,7 @@
 #include "platform/foundation/FileDescriptor.hpp"
 #include "platform/foundation/Files.hpp"
 #include "tests/platform/foundation/SystemCalls.hpp"
+#include "tests/support/Ages.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
@@ -76,11 +77,14 @@ TEST(RemoveLeftovers, SparesWhatIsBeingWritten) {
     const TemporaryFolder folder;
     const std::string dead = ".a.6F9619FF-8B86-D011-B42D-00CF4FC964FF";
     const std::string live = ".a.6F9619FF-8B86-D011-B42D-00CF4FC964AA";
-    folder.write(dead, "");
-    const FileDescriptor fd(open(folder.write(live, "").c_str(), O_RDONLY | O_CLOEXEC));
+    const std::string fresh = ".a.6F9619FF-8B86-D011-B42D-00CF4FC964BB";
+    aged(folder.write(dead, ""));
+    folder.write(fresh, "");  // its writer has not locked it yet
+    const FileDescriptor fd(open(aged(folder.write(live, "")).c_str(), O_RDONLY | O_CLOEXEC));
     ASSERT_EQ(flock(fd.get(), LOCK_EX | LOCK_NB), 0);
     removeLeftovers(folder.path() / "a");
     EXPECT_FALSE(fs::exists(folder.path() / dead));
+    EXPECT_TRUE(fs::exists(folder.path() / fresh));
     EXPECT_TRUE(fs::exists(folder.path() / live));
 }
 
