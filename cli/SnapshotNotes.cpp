@@ -1,5 +1,6 @@
 #include "cli/SnapshotNotes.hpp"
 
+#include <algorithm>
 #include <cmath>
 #include <string_view>
 
@@ -80,8 +81,12 @@ std::vector<std::string> notesOn(const WidgetSnapshot& snapshot) {
           {"clockZones", snapshot.clockZones.size()},
           {"careItems", snapshot.careItems.size()}})
         if (count > mostItems) notes.note(name, "more than 1,000; the last ones may be left out");
+    std::size_t titles = 0;
+    for (const auto& item : snapshot.careItems) titles += std::min(jsonLength(item.title), budget.textBytes);
+    if (titles > budget.allTextBytes)
+        notes.note("careItems", "titles of more than 48 KiB together; the last ones are cut");
     if (!snapshot.fans.empty() && !(std::fabs(snapshot.fans[0].actual) < 0x1p63))
-        notes.note("fans[0].actual", "beyond 64 bits; the fans widget cannot show it, nor anything else");
+        notes.note("fans[0].actual", "beyond 64 bits; the fans widget keeps its last picture");
     for (std::size_t i = 0; i < snapshot.events.size(); ++i) {
         const auto& url = snapshot.events[i].meetingURL;
         if (url && jsonLength(EventLine::joinLink(*url)) > budget.linkBytes)

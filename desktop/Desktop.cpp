@@ -39,8 +39,12 @@ Desktop::Desktop(DesktopOptions options)
     });
     zoneSource_ = MainSource::whenReadable(zone_.fd(), [this] {
         const auto changes = zone_.take();
-        if (changes.setting) host_->environmentChanged();
-        // What the extension has read of the zones stays with it: it is to start anew, once all is in place.
+        // What the extension has read of the zones stays with it: it is to start anew, also when the setting
+        // is a file of its own; after an upgrade, once all is in place.
+        if (changes.setting) {
+            worker_->restart();
+            host_->environmentChanged();
+        }
         if (changes.data)
             zoneDataSource_ = MainSource::after(upgradeSeconds, [this] {
                 worker_->restart();

@@ -24,7 +24,7 @@ struct ArcStroke {
 /// what tessellating the stroke costs. Positioned in absolute pixels.
 Mask arcMask(const ArcStroke& arc);
 
-/// Keeps masks of things that are dear to draw and recur: rounded texts and symbols.
+/// Keeps masks of things that are dear to draw and recur: symbols.
 class MaskCache {
   public:
     const Mask& get(const std::string& key, const std::function<Mask()>& make);

@@ -283,6 +283,8 @@ class ItemPainter {
         cairo_translate(context.get(), quarter / 4.0 - mask.x, -mask.y);
         cairo_scale(context.get(), scale, scale);
         drawOutlines(context.get(), typeset);
+        *typeset.maskBytes += static_cast<std::size_t>(cairo_image_surface_get_stride(mask.surface.get())) *
+                              static_cast<std::size_t>(cairo_image_surface_get_height(mask.surface.get()));
         return typeset.masks.emplace_back(scale, quarter, std::move(mask)).mask;
     }
 

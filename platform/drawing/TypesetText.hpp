@@ -27,6 +27,11 @@ struct TypesetText {
     /// Some of its glyphs bring their own colours.
     bool isColored = false;
     mutable std::vector<ScaledMask> masks = {};
+    /// Counts the bytes of all masks of the typesetter's texts.
+    std::size_t* maskBytes = nullptr;
+    /// From the layout's left edge to the leftmost line, in points: cut lines that run from right to left
+    /// stand at the right of what they were offered.
+    double left = 0;
 
     /// Calls `visit` with each line and where it begins on its baseline, from where the first one does.
     template <class Visit>
@@ -38,7 +43,7 @@ struct TypesetText {
             pango_layout_iter_get_line_extents(iterator, nullptr, &logical);
             visit(
                 pango_layout_iter_get_line_readonly(iterator),
-                static_cast<double>(logical.x) / PANGO_SCALE,
+                static_cast<double>(logical.x) / PANGO_SCALE - left,
                 y);
             y += lineHeight;
         } while (pango_layout_iter_next_line(iterator));

@@ -1,6 +1,8 @@
 #include "platform/drawing/Typesetter.hpp"
 
+#include <algorithm>
 #include <cmath>
+#include <limits>
 #include <map>
 #include <tuple>
 #include <unordered_map>
@@ -27,6 +29,8 @@ constexpr double roundedScale = 1 - roundingStroke / capHeight;
 
 /// How many texts are kept set; a widget has a dozen, most of which recur with every entry.
 constexpr std::size_t mostTexts = 1024;
+/// All that eleven widgets show takes less than a tenth of it.
+constexpr std::size_t mostMaskBytes = std::size_t{32} << 20;
 
 PangoWeight pangoWeight(ui::Weight weight) {
     switch (weight) {
@@ -100,11 +104,12 @@ struct Typesetter::State {
     TextContext context;
     std::map<FontKey, FontDescription> fonts;
     std::unordered_map<TextKey, TypesetText, TextKeyHash> texts;
+    std::size_t maskBytes = 0;
 
     State() {
         // One point is one unit, glyphs stand where their advances put them, no length is fitted to pixels:
-        // the same ones come out at every scale. Outlines alone are fitted, and in height only, when they are
-        // drawn. Outlines alone are fitted, and only in height.
+        // the same ones come out at every scale. Outlines alone are fitted, in height only, when they are
+        // drawn.
         pango_cairo_font_map_set_resolution(PANGO_CAIRO_FONT_MAP(fontMap.get()), 72);
         context.reset(pango_font_map_create_context(fontMap.get()));
         pango_context_set_round_glyph_positions(context.get(), FALSE);
@@ -131,7 +136,7 @@ struct Typesetter::State {
         const auto cut = cutAt(out.layout.get());
         if (!cut) return out;
         std::size_t end = std::min(*cut, text.size());
-        while (end > 0 && text[end - 1] == ' ') --end;
+        while (end > 0 && (text[end - 1] == ' ' || text[end - 1] == '\t')) --end;
         if (end == *cut || end == 0) return out;
         return setOnce(std::string(text.substr(0, end)) + "…", font, width, lines);
     }
@@ -192,6 +197,10 @@ struct Typesetter::State {
         out.extent = {{0, 0}, baselineOf(font)};
         double left = 0, right = 0, top = 0, bottom = 0;
         int lines = 0;
+        out.maskBytes = &maskBytes;
+        double leftmost = std::numeric_limits<double>::infinity();
+        out.forEachLine([&](PangoLayoutLine*, double x, double) { leftmost = std::min(leftmost, x); });
+        out.left = leftmost;
         out.forEachLine([&](PangoLayoutLine* line, double x, double y) {
             PangoRectangle logical, ink;
             pango_layout_line_get_extents(line, &ink, &logical);
@@ -235,7 +244,10 @@ const TypesetText& Typesetter::typeset(
         std::string(text), {font.size, font.weight, font.design, font.digits}, width ? *width : -1, lines};
     const auto found = state_->texts.find(key);
     if (found != state_->texts.end()) return found->second;
-    if (state_->texts.size() >= mostTexts) state_->texts.clear();
+    if (state_->texts.size() >= mostTexts || state_->maskBytes > mostMaskBytes) {
+        state_->texts.clear();
+        state_->maskBytes = 0;
+    }
     return state_->texts.emplace(std::move(key), state_->set(text, font, width, lines)).first->second;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <unicode/ubrk.h>
+#include <unicode/uchar.h>
 #include <unicode/ustring.h>
 
 #include "platform/foundation/ICUText.hpp"
@@ -60,6 +61,14 @@ std::size_t characterPrefix(std::string_view text, std::size_t most) {
         end += character.size();
     }
     return end > 0 ? end : most;
+}
+
+bool isBlank(std::string_view text) {
+    return std::ranges::all_of(utf16(text), [](char16_t unit) {
+        const UChar32 scalar = unit;  // half of a larger one is never blank
+        return u_isUWhiteSpace(scalar) != 0 || u_iscntrl(scalar) != 0 ||
+               u_hasBinaryProperty(scalar, UCHAR_DEFAULT_IGNORABLE_CODE_POINT) != 0;
+    });
 }
 
 std::string upperCased(std::string_view text) {

@@ -14,6 +14,9 @@ std::vector<std::string> characters(std::string_view text);
 /// does; `most`, which must end a code point, when the first character alone is longer.
 std::size_t characterPrefix(std::string_view text, std::size_t most);
 
+/// Whether nothing of a text is seen: blanks of all kinds, controls, and what is ignored by default.
+bool isBlank(std::string_view text);
+
 /// Full upper-casing that belongs to no language: "ß" becomes "SS".
 std::string upperCased(std::string_view text);
 

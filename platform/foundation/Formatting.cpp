@@ -7,6 +7,7 @@
 #include "platform/foundation/ByteCount.hpp"
 #include "platform/foundation/FormattingState.hpp"
 #include "platform/foundation/ICUText.hpp"
+#include "platform/foundation/TimeZoneRule.hpp"
 
 namespace zelto {
 namespace {
@@ -97,6 +98,12 @@ Formatting& Formatting::operator=(Formatting&&) noexcept = default;
 
 const Environment& Formatting::environment() const {
     return state_->environment;
+}
+
+std::optional<std::string> Formatting::namelessZone() const {
+    if (isKnownTimeZone(state_->environment.timeZone)) return std::nullopt;
+    const auto rule = TimeZoneRule::parse(state_->environment.timeZone);
+    return rule ? rule->abbreviation : "";
 }
 
 std::string Formatting::shortTime(Date date) const {

@@ -20,6 +20,10 @@ class Formatting {
 
     const Environment& environment() const;
 
+    /// What the environment's zone is called where it has no name: a rule's abbreviation ("CET"), or nothing
+    /// for a file from elsewhere. Absent where it has a name.
+    std::optional<std::string> namelessZone() const;
+
     // ---- texts ----
 
     /// Hours and minutes in the locale's short style: "09:05" in pt_BR.

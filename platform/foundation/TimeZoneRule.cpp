@@ -31,12 +31,13 @@ class Scanner {
         return true;
     }
     /// Three letters or more, or three characters or more between angle brackets.
-    bool takeAbbreviation() {
+    std::optional<std::string> takeAbbreviation() {
         const bool isQuoted = take('<');
         std::size_t length = 0;
         while (length < rest_.size() && isPartOfName(rest_[length], isQuoted)) ++length;
+        std::string name(rest_.substr(0, length));
         rest_.remove_prefix(length);
-        return length >= 3 && (!isQuoted || take('>'));
+        return length >= 3 && (!isQuoted || take('>')) ? std::optional(std::move(name)) : std::nullopt;
     }
     std::optional<int> takeNumber(int least, int most) {
         int value = 0;
@@ -115,12 +116,15 @@ double midnight(const Change& change, std::chrono::year year) {
 }  // namespace
 
 std::optional<TimeZoneRule> TimeZoneRule::parse(std::string_view text) {
-    // The rule of the United States, which the C library takes where none is given.
+    // Today's rule of the United States. Where no dates are given the C library takes it too, or, where the
+    // zone folder has a file called posixrules, that zone's history.
     constexpr std::string_view usual = "M3.2.0,M11.1.0";
 
     Scanner scanner(text);
     TimeZoneRule rule;
-    if (!scanner.takeAbbreviation()) return std::nullopt;
+    const auto abbreviation = scanner.takeAbbreviation();
+    if (!abbreviation) return std::nullopt;
+    rule.abbreviation = *abbreviation;
     const auto standard = scanner.takeTime(24);
     if (!standard) return std::nullopt;
     rule.standard = -*standard;

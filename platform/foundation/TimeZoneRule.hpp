@@ -27,6 +27,8 @@ struct TimeZoneRule {
     };
 
     int standard = 0;  // seconds east of UTC
+    /// Of the standard time: "CET", "-03".
+    std::string abbreviation = {};
     std::optional<Daylight> daylight = {};
 
     static std::optional<TimeZoneRule> parse(std::string_view text);

@@ -53,6 +53,11 @@ class Cutter {
         for (ui::Modifier& modifier : view.modifiers)
             if (auto* accessible = std::get_if<ui::modifier::AccessibilityLabel>(&modifier))
                 cut(accessible->label);
+        // Nothing would be read instead of what is there.
+        std::erase_if(view.modifiers, [](const ui::Modifier& modifier) {
+            const auto* accessible = std::get_if<ui::modifier::AccessibilityLabel>(&modifier);
+            return accessible && accessible->label.empty();
+        });
         if (ui::Views* children = ui::childrenOf(view.node))
             for (ui::View& child : *children) cut(child);
 

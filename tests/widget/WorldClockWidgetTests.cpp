@@ -64,5 +64,18 @@ TEST(WorldClockWidget, CrossesDaylightSavingAndHalfHours) {
     EXPECT_EQ(at("2026-03-29T01:00:00Z", "Asia/Kathmandu"), "06:45");
 }
 
+TEST(WorldClock, CallsALocalZoneWithoutANameByWhatStandsForIt) {
+    const auto first = [](const char* zone) {
+        Look look = sample();
+        look.environment.timeZone = zone;
+        const auto shown = texts(outlineOf("ZeltoWorldClock", small, look));
+        return shown.at(1);
+    };
+    EXPECT_EQ(first("Etc/GMT+3"), "GMT+3");
+    EXPECT_EQ(first("CET-1CEST,M3.5.0,M10.5.0/3"), "CET");
+    EXPECT_EQ(first("<-03>3<-02>,M10.3.0/0,M2.3.0/0"), "-03");
+    EXPECT_EQ(first("/etc/localtime"), "Hora local");
+}
+
 }  // namespace
 }  // namespace zelto::test

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <span>
 
+#include "platform/foundation/Characters.hpp"
 #include "platform/imaging/Thumbnail.hpp"
 #include "platform/ui/Building.hpp"
 #include "widget/Common/DeepLink.hpp"
@@ -16,6 +17,8 @@ using namespace ui;
 
 namespace {
 
+/// Bytes; whoever copies more than that does not copy nothing.
+constexpr std::size_t longestBlank = 1024;
 constexpr double thumbnailSide = 22;  // points
 /// Pixels that the side needs on the finest display.
 constexpr int thumbnailPixels = 66;
@@ -31,8 +34,9 @@ Views content(const WidgetSnapshot::Clip& clip) {
                 Text("Imagem").font(11));
     const std::string text = ClipboardWidgetView::rowText(clip);
     View shown = Text(text).font(11).lineLimit(1);
-    const bool isBlank = text.find_first_not_of(" \t\n\v\f\r") == std::string::npos;
-    return list(isBlank ? std::move(shown).accessibilityLabel("item vazio") : std::move(shown));
+    return list(
+        text.size() < longestBlank && isBlank(text) ? std::move(shown).accessibilityLabel("item vazio")
+                                                    : std::move(shown));
 }
 
 View row(const WidgetSnapshot::Clip& clip) {

@@ -44,6 +44,12 @@ std::string WorldClockView::cityName(const std::string& zone) {
     return name;
 }
 
+std::string WorldClockView::placeName(const std::string& zone) const {
+    if (zone == formatting.environment().timeZone)
+        if (const auto name = formatting.namelessZone()) return name->empty() ? "Hora local" : *name;
+    return cityName(zone);
+}
+
 std::vector<std::string> WorldClockView::zones() const {
     std::vector<std::string> all{formatting.environment().timeZone};
     if (entry.snapshot) {
@@ -72,7 +78,7 @@ View WorldClockView::row(const std::string& zone) const {
     return HStack(
         {.spacing = 5},
         ifPresent(TimeZoneFlags::flag(zone), [](const auto& flag) { return Text(flag).font(14); }),
-        Text(cityName(zone)).font(11).lineLimit(1),
+        Text(placeName(zone)).font(11).lineLimit(1),
         Spacer(),
         Text(time(zone)).monospacedDigits(13, Weight::semibold));
 }
@@ -93,7 +99,7 @@ View WorldClockView::card(const std::string& zone) const {
                        .foreground(day ? Palette::warning : Palette::blue)
                        .accessibilityLabel(day ? "dia" : "noite")),
                Text(time(zone)).monospacedDigits(18, Weight::bold).minimumScale(0.6),
-               Text(cityName(zone)).font(10).foreground(secondary).lineLimit(1))
+               Text(placeName(zone)).font(10).foreground(secondary).lineLimit(1))
         .padding(Edges::vertical, 6)
         .stretched({.width = true, .height = false})
         .background(RoundedRectangle{10}, Palette::card);

@@ -28,6 +28,8 @@ struct WorldClockView {
     bool isDay(const std::string& zone) const;
     /// The last part of a zone's identifier, with blanks for underscores.
     static std::string cityName(const std::string& zone);
+    /// The city of a zone; where the local zone has no name, what stands for it.
+    std::string placeName(const std::string& zone) const;
 
   private:
     std::vector<std::string> zones() const;

@@ -283,6 +283,23 @@ TEST(TextDrawing, HasNoBlankBeforeAnEllipsis) {
     }
 }
 
+TEST(TextDrawing, KeepsACutTextFromRightToLeftInItsFrame) {
+    const std::string title = "مراجعة المشروع الأسبوعية مع الفريق كله في المكتب";
+    for (int width = 40; width < 200; width += 7) {
+        Renderer renderer;
+        const auto placement = layout::layOut(
+            HStack({.spacing = 0}, Text(title).font(11).lineLimit(1), Spacer(0)).containerBackground(black),
+            {.size = {static_cast<double>(width), 20}, .margin = 0, .now = {0}},
+            renderer.measuring());
+        const auto& frame = std::get<layout::PlacedText>(placement.items.at(0)).frame;
+        const auto runs = inkRuns(renderer.draw(placement, 2));
+        ASSERT_FALSE(runs.empty());
+        EXPECT_GE(runs.front().first, 2 * frame.x - 2) << width;
+        EXPECT_LE(runs.back().second, 2 * (frame.x + frame.width) + 2) << width;
+        EXPECT_LT(runs.front().first, 12) << width;
+    }
+}
+
 TEST(TextDrawing, FallsBackToAnotherFontWhereTheSystemFontIsMissing) {
     // It is here: the tests install it.
     EXPECT_EQ(Renderer::substituteFont(), std::nullopt);

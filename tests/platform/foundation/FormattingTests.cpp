@@ -105,6 +105,22 @@ TEST(Characters, AreWhatAPersonPerceives) {
     EXPECT_EQ(firstUpperCased(""), "");
 }
 
+TEST(Blank, IsWhatNothingIsSeenOf) {
+    for (const char* blank :
+         {"", " ", "\t\n\v\f\r", "\u00A0\u2003\u3000", "\u200B\u2060\uFEFF", "\x01\x7F", "\u2028"})
+        EXPECT_TRUE(isBlank(blank)) << blank;
+    for (const char* text : {"x", " x ", "é", "日", "👍", ".", "\u0301"}) EXPECT_FALSE(isBlank(text)) << text;
+}
+
+TEST(NamelessZone, IsARulesAbbreviationOrAFile) {
+    const auto of = [](const char* zone) { return Formatting({"pt_BR", zone}).namelessZone(); };
+    EXPECT_EQ(of("America/Sao_Paulo"), std::nullopt);
+    EXPECT_EQ(of("Etc/GMT+3"), std::nullopt);
+    EXPECT_EQ(of("CET-1CEST,M3.5.0,M10.5.0/3"), "CET");
+    EXPECT_EQ(of("<+0330>-3:30"), "+0330");
+    EXPECT_EQ(of("/etc/localtime"), "");
+}
+
 TEST(CharacterPrefix, EndsWhereACharacterDoes) {
     struct Row {
         std::string text;
