@@ -99,8 +99,12 @@ void render(const RenderOptions& options) {
     std::cout << looks.size() << " pictures and gallery.png are in "
               << std::filesystem::absolute(folder).string() << '\n';
     std::string all;
-    for (const auto& [cause, missing] : faults)
-        all += (all.empty() ? "not drawn: " : "; ") + missing + ": " + cause;
+    for (const auto& [cause, missing] : faults) {
+        all += all.empty() ? "not drawn: " : "; ";
+        all += missing;
+        all += ": ";
+        all += cause;
+    }
     if (!all.empty()) throw Failure(all);
 }
 

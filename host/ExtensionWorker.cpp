@@ -78,7 +78,7 @@ void ExtensionWorker::work(std::deque<Work> works) {
             requests.push_back((*all)[i].requests[place]);
             owners.emplace_back(i, place);
         }
-    exchange(requests, [this, all, owners](Outcomes outcomes) {
+    exchange(requests, [this, all, owners](Outcomes&& outcomes) {
         std::map<std::size_t, Outcomes> byWork;
         for (auto& [place, outcome] : outcomes)
             byWork[owners[place].first].emplace(owners[place].second, std::move(outcome));
@@ -115,7 +115,7 @@ void ExtensionWorker::exchange(const std::vector<Request>& requests, const Deliv
     if (!together.empty()) {
         process_->exchange(
             std::move(together),
-            [&](Outcomes outcomes) {
+            [&](Outcomes&& outcomes) {
                 Outcomes answered;
                 for (auto& [i, outcome] : outcomes) {
                     if (outcome.isUnanswered)

@@ -101,7 +101,7 @@ void WidgetHost::askForTimelines(const std::vector<std::string>& ids) {
         requests.push_back(std::move(each));
         asked.push_back(*widget);
     }
-    seams_.ask(std::move(requests), [this, asked](Outcomes outcomes) {
+    seams_.ask(std::move(requests), [this, asked](Outcomes&& outcomes) {
         for (auto& [place, outcome] : outcomes) received(asked.at(place), std::move(outcome));
         tick();
     });

@@ -285,7 +285,8 @@ class ItemPainter {
         drawOutlines(context.get(), typeset);
         *typeset.maskBytes += static_cast<std::size_t>(cairo_image_surface_get_stride(mask.surface.get())) *
                               static_cast<std::size_t>(cairo_image_surface_get_height(mask.surface.get()));
-        return typeset.masks.emplace_back(scale, quarter, std::move(mask)).mask;
+        typeset.masks.push_back({scale, quarter, std::move(mask)});
+        return typeset.masks.back().mask;
     }
 
     void paintOutlines(const TypesetText& typeset, bool isUpright) const {

@@ -13,7 +13,6 @@ namespace zelto {
 namespace {
 
 using icuText::filled;
-using icuText::utf16;
 using icuText::utf8;
 
 /// Of everything that ICU is asked for.

@@ -1,9 +1,11 @@
 // Deaths at random moments: of the extension, and of the host.
 
 #include <csignal>
-#include <cstdlib>
-#include <fstream>
+#include <filesystem>
 #include <random>
+#include <set>
+#include <sstream>
+#include <vector>
 
 #include <gtest/gtest.h>
 #include <poll.h>
@@ -28,31 +30,35 @@ struct Deaths : testing::Test {
 
     /// Lets a moment of random length pass, which is what these tests are about.
     void moment(int atMost) { poll(nullptr, 0, std::uniform_int_distribution<int>(0, atMost)(random)); }
-    std::filesystem::path pidFile() const { return desktop.folder() / "pid"; }
 
-    /// The extension behind a script that tells its process.
-    std::string tellingExtension() {
-        const auto script = desktop.folder() / "extension";
-        std::ofstream(script) << "#!/bin/sh\necho $$ > '" + pidFile().string() + "'\nexec '" +
-                                     (programFolder() / "zelto-widgets").string() + "' \"$@\"\n";
-        std::filesystem::permissions(script, std::filesystem::perms(0755));
-        return script;
+    /// The extensions that the host runs now: the one that it keeps and those that it asks apart.
+    std::vector<pid_t> extensions() {
+        std::vector<pid_t> pids;
+        std::error_code gone;
+        const auto threads = "/proc/" + std::to_string(desktop.process().pid()) + "/task";
+        for (const auto& thread : std::filesystem::directory_iterator(threads, gone)) {
+            std::istringstream children(readFile(thread.path() / "children").value_or(""));
+            for (pid_t pid = 0; children >> pid;) pids.push_back(pid);
+        }
+        return pids;
     }
 };
 
 TEST_F(Deaths, OfTheExtensionFiveHundredTimesLeaveEveryWidgetItsPicture) {
     desktop.place(eleven());
-    desktop.start({"--extension", tellingExtension(), "--restart-pause", "0.001"});
+    desktop.start({"--restart-pause", "0.001"});
     ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
     const pid_t host = desktop.process().pid();
 
-    pid_t last = 0;
-    for (int deaths = 0; deaths < 500;) {
+    std::set<pid_t> dead;
+    for (int deaths = 0, rounds = 0; deaths < 500; ++rounds) {
+        ASSERT_LT(rounds, 20'000) << "it is not started again: " << desktop.log();
         ASSERT_TRUE(std::holds_alternative<xpc::Values>(desktop.call("reload", {""})));
         moment(20);
-        const pid_t pid = std::atoi(readFile(pidFile()).value_or("0").c_str());
-        if (pid <= 0 || pid == last || kill(pid, SIGKILL) != 0) continue;
-        last = pid;
+        const auto running = extensions();
+        if (running.empty()) continue;
+        const pid_t pid = running[std::uniform_int_distribution<std::size_t>(0, running.size() - 1)(random)];
+        if (kill(pid, SIGKILL) != 0 || !dead.insert(pid).second) continue;
         if (++deaths % 50 != 0) continue;
         // None is blank: each shows what is stored, though the extension has no peace.
         EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << deaths;
