@@ -28,7 +28,7 @@ void reload(const ReloadOptions& options) {
     const auto* error = std::get_if<xpc::Error>(&outcome);
     if (!error) return;
     if (error->kind == xpc::ErrorKind::peerAbsent)
-        throw Failure("no widgets are on a desktop (start them with: zelto desktop)");
+        throw Failure("zelto-desktop is not running (start it with: zelto desktop)");
     throw Failure(error->text);
 }
 

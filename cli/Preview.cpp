@@ -90,7 +90,7 @@ void preview(const PreviewOptions& options) {
     if (options.accessibility && format != "text") throw Failure("--accessibility: only with --format text");
     if (options.corners && format != "png" && format != "svg") throw Failure("--corners: only for pictures");
     if (format == "png" && (options.output.empty() || options.output == "-") && isatty(STDOUT_FILENO) != 0)
-        throw Failure("a PNG is nothing for a terminal: name a file with --output");
+        throw Failure("refusing to write a PNG to a terminal; use --output FILE");
 
     const Date date = options.date.empty() ? Date::now() : parseDate(options.date, "--date");
     const Date now = options.now.empty() ? date : parseDate(options.now, "--now");

@@ -161,6 +161,7 @@ void addHelper(CLI::App& app, HelperOptions& options) {
 int run(int argc, char** argv) {
     CLI::App app("Zelto's widgets, from the command line.");
     app.require_subcommand(1);
+    app.set_version_flag("--version", "zelto " ZELTO_VERSION);
     GalleryOptions galleryOptions;
     PreviewOptions previewOptions;
     TimelineOptions timelineOptions;
@@ -179,10 +180,8 @@ int run(int argc, char** argv) {
     try {
         app.parse(argc, argv);
         return 0;
-    } catch (const CLI::CallForHelp& help) {
-        return app.exit(help);
-    } catch (const CLI::CallForAllHelp& help) {
-        return app.exit(help);
+    } catch (const CLI::Success& answered) {
+        return app.exit(answered);
     } catch (const CLI::ParseError& error) {
         std::fprintf(stderr, "zelto: %s (try --help)\n", error.what());
         return 2;

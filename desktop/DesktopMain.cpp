@@ -40,7 +40,7 @@ void describe(CLI::App& app, Options& options) {
     app.add_option("--add", options.wishes, "Add a widget, such as ZeltoBattery:small; may be repeated")
         ->type_name("KIND:FAMILY");
     app.add_flag("--gallery", options.gallery, "Open the gallery");
-    app.add_option("--scale", options.scale, "How large a point is, instead of what the desktop says")
+    app.add_option("--scale", options.scale, "Scale factor, overriding the desktop's")
         ->check(CLI::Range(0.25, 8.0))
         ->type_name("N");
     app.add_option(
@@ -85,13 +85,14 @@ int handOver(
 }
 
 int run(int argc, char** argv) {
-    CLI::App app("Zelto's widgets on the desktop. A second start hands its wishes to the first.");
+    CLI::App app("Zelto's widgets on the desktop. If they are already running, options are passed to them.");
     Options options;
     describe(app, options);
+    app.set_version_flag("--version", "zelto-desktop " ZELTO_VERSION);
     try {
         app.parse(argc, argv);
-    } catch (const CLI::CallForHelp& help) {
-        return app.exit(help);
+    } catch (const CLI::Success& answered) {
+        return app.exit(answered);
     } catch (const CLI::ParseError& error) {
         log(std::string(error.what()) + " (try --help)");
         return 2;

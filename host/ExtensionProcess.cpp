@@ -206,9 +206,9 @@ std::string ExtensionProcess::takeReplies(Exchange& exchange) {
         std::string why;
         auto reply = decodeReply(std::string_view(received_).substr(begin, end - begin), &why);
         begin = end + 1;
-        if (!reply) return "the widget extension answered nonsense: " + why;
+        if (!reply) return "the widget extension sent an invalid reply: " + why;
         const auto waiting = reply->id ? exchange.open.find(*reply->id) : exchange.open.end();
-        if (waiting == exchange.open.end()) return "the widget extension answered what nobody asked";
+        if (waiting == exchange.open.end()) return "the widget extension answered an unknown request";
         Outcome& outcome = exchange.answered[waiting->second];
         exchange.open.erase(waiting);
         if (reply->error)
@@ -217,7 +217,7 @@ std::string ExtensionProcess::takeReplies(Exchange& exchange) {
             outcome.reply = std::move(reply);
     }
     received_.erase(0, begin);
-    return received_.size() > longestLine ? "the widget extension answered without an end" : "";
+    return received_.size() > longestLine ? "the widget extension sent a reply longer than 32 MiB" : "";
 }
 
 /// Sends and receives until something is worth telling: all is answered, nothing came for a while though
@@ -244,7 +244,7 @@ std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
         if (ready < 0 && errno != EINTR)
             return std::string("cannot wait for the widget extension: ") + std::strerror(errno);
         if (ready <= 0) continue;
-        if (ends[2].revents != 0) return "the widget extension is not needed any more";
+        if (ends[2].revents != 0) return "the request was cancelled";
         if (ends[3].revents != 0 && !listen()) errors_.reset();
         // A broken input shows on the output too, as its end.
         if (ends[1].revents != 0 && !sendSome(exchange.pending)) exchange.pending.clear();

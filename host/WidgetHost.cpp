@@ -82,7 +82,7 @@ void WidgetHost::askForOffers() {
             observer_.offers(offered_);
             return;
         }
-        seams_.log("which widgets there are is not known: " + outcome.error);
+        seams_.log("could not list the widgets: " + outcome.error);
         offersBackoff_.failed();
         askForOffersAt_ = seams_.now() + offersBackoff_.pause();
         tick();

@@ -25,22 +25,25 @@ constexpr const char* usage =
     "\n"
     "  --home DIR     look for the snapshot below DIR instead of the user's home\n"
     "  --machine DIR  take the readings from DIR/proc and DIR/sys instead of the kernel's\n"
-    "  --now D        take D for the current instant: ISO 8601 with an offset\n";
+    "  --now D        take D for the current instant: ISO 8601 with an offset\n"
+    "  --version      print the version\n";
 
 struct Options {
     zelto::HomeLookup home = zelto::HomeLookup::system();
     std::string machine = "/";
     std::optional<zelto::Date> now = {};
-    bool help = false;
+    bool help = false, version = false;
 };
 
-/// Absent, with the first word that makes no sense, when there is one.
+/// Absent, with the first invalid option, when there is one.
 std::optional<Options> parse(int argc, char** argv, std::string& unknown) {
     Options options;
     for (int i = 1; i < argc; ++i) {
         const std::string option = argv[i];
         if (option == "--help" || option == "-h") {
             options.help = true;
+        } else if (option == "--version") {
+            options.version = true;
         } else if (option == "--home" && i + 1 < argc) {
             options.home = zelto::HomeLookup::fixed(argv[++i]);
         } else if (option == "--machine" && i + 1 < argc) {
@@ -59,11 +62,15 @@ int run(int argc, char** argv) {
     std::string unknown;
     const auto options = parse(argc, argv, unknown);
     if (!options) {
-        std::fprintf(stderr, "zelto-widgets: '%s' makes no sense here; try --help\n", unknown.c_str());
+        std::fprintf(stderr, "zelto-widgets: invalid option '%s' (try --help)\n", unknown.c_str());
         return 2;
     }
     if (options->help) {
         std::fputs(usage, stdout);
+        return 0;
+    }
+    if (options->version) {
+        std::puts("zelto-widgets " ZELTO_VERSION);
         return 0;
     }
     // A host that goes away is seen as a failed write, not as a signal.

@@ -24,7 +24,7 @@ struct ArcStroke {
 /// what tessellating the stroke costs. Positioned in absolute pixels.
 Mask arcMask(const ArcStroke& arc);
 
-/// Keeps masks of things that are dear to draw and recur: symbols.
+/// Keeps masks of what is expensive to draw and recurs: symbols.
 class MaskCache {
   public:
     const Mask& get(const std::string& key, const std::function<Mask()>& make);

@@ -12,7 +12,8 @@ namespace {
 
 /// Around what a mask shows, for soft edges and outlines that are fitted to pixels, in pixels.
 constexpr int maskPadding = 3;
-/// Coordinates beyond this are a stranger's joke, and more than Cairo's fixed-point numbers hold.
+/// Coordinates beyond this come only from a hostile reply, and are more than Cairo's fixed-point numbers
+/// hold.
 constexpr double farthest = 1e5;
 
 void setSource(cairo_t* context, const ui::Color& color) {

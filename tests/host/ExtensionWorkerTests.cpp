@@ -150,12 +150,12 @@ TEST_F(Worker, AnOutputThatIsClosedIsAnEnd) {
 
 TEST_F(Worker, NonsenseEndsTheProcess) {
     standIn("read line; echo hello; exec cat > /dev/null");
-    EXPECT_TRUE(errorOf().starts_with("the widget extension answered nonsense: ")) << logged().back();
+    EXPECT_TRUE(errorOf().starts_with("the widget extension sent an invalid reply: ")) << logged().back();
 }
 
 TEST_F(Worker, ALineWithoutAnEndIsNonsense) {
     standIn("read line; exec cat /dev/zero");
-    EXPECT_EQ(errorOf(), "the widget extension answered without an end");
+    EXPECT_EQ(errorOf(), "the widget extension sent a reply longer than 32 MiB");
 }
 
 TEST_F(Worker, LastWordsGoToTheLog) {

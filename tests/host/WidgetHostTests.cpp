@@ -319,7 +319,7 @@ TEST_F(Hosted, AnExtensionThatDoesNotSayWhatItOffersIsAskedAgain) {
     // Also when nothing is placed that would ask for anything else.
     host->start();
     fail("it died");
-    EXPECT_EQ(log, Seen{"which widgets there are is not known: it died"});
+    EXPECT_EQ(log, Seen{"could not list the widgets: it died"});
     EXPECT_EQ(wakeAt, now + 2);
     EXPECT_TRUE(asked.empty());
     now = now + 2;

@@ -1,6 +1,8 @@
 // The front door and the extension, as processes.
 
 #include <algorithm>
+#include <regex>
+#include <set>
 
 #include <gtest/gtest.h>
 
@@ -378,7 +380,8 @@ TEST_F(ZeltoProcess, NonsenseFromAnExtensionGivesAClearMessage) {
     const auto result = zelto({"gallery", "--extension", program});
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(
-        result.errors, "zelto: the widget extension answered nonsense: line 1, column 1: invalid literal\n");
+        result.errors,
+        "zelto: the widget extension sent an invalid reply: line 1, column 1: invalid literal\n");
 }
 
 TEST_F(ZeltoProcess, PreviewReadsAloud) {
@@ -589,10 +592,22 @@ TEST_F(ZeltoProcess, TheExtensionSurvivesGarbageAndEndsWithItsInput) {
         EXPECT_NE(result.output.find(piece), std::string::npos) << piece;
 }
 
+TEST_F(ZeltoProcess, EveryProgramTellsTheSameVersion) {
+    std::set<std::string> versions;
+    for (const std::string program : {"zelto", "zelto-desktop", "zelto-widgets"}) {
+        const auto result = run({programFolder() / program, "--version"});
+        EXPECT_EQ(result.status, 0);
+        ASSERT_TRUE(result.output.starts_with(program + " ")) << result.output;
+        versions.insert(result.output.substr(program.size() + 1));
+    }
+    ASSERT_EQ(versions.size(), 1U);
+    EXPECT_TRUE(std::regex_match(*versions.begin(), std::regex("[0-9]+\\.[0-9]+\\.[0-9]+\n")));
+}
+
 TEST_F(ZeltoProcess, TheExtensionRefusesUnknownOptions) {
     const auto result = run({programFolder() / "zelto-widgets", "--fly"});
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.errors, "zelto-widgets: '--fly' makes no sense here; try --help\n");
+    EXPECT_EQ(result.errors, "zelto-widgets: invalid option '--fly' (try --help)\n");
 }
 
 TEST_F(ZeltoProcess, TheExtensionReadsTheMachineAndTheSnapshotThatItIsPointedTo) {
