@@ -23,14 +23,15 @@ struct Typography : testing::Test {
             {.size = {size.width, size.height}, .now = look.now},
             renderer.measuring());
     }
-    static const layout::PlacedText* find(const layout::Placement& placement, const std::string& text) {
+    static std::optional<layout::PlacedText> find(
+        const layout::Placement& placement, const std::string& text) {
         for (const auto& item : placement.items)
             if (const auto* placed = std::get_if<layout::PlacedText>(&item); placed && placed->text == text)
-                return placed;
-        return nullptr;
+                return *placed;
+        return std::nullopt;
     }
     /// Drawn on one line, and all of it.
-    static bool isWhole(const layout::PlacedText* text) { return text && !text->width; }
+    static bool isWhole(const std::optional<layout::PlacedText>& text) { return text && !text->width; }
     static Look sample() { return {.snapshot = WidgetSnapshot::sample(wednesday)}; }
 };
 
@@ -45,7 +46,7 @@ TEST_F(Typography, CareKeepsItsTitleAtEveryAge) {
             const auto placement = place("ZeltoCare", small, look);
             EXPECT_TRUE(isWhole(find(placement, "Cuidados"))) << locale << " " << age;
             const std::string when = Formatting(look.environment).relativeDate(wednesday - age, wednesday);
-            const auto* trailing = find(placement, when);
+            const auto trailing = find(placement, when);
             ASSERT_TRUE(isWhole(trailing)) << locale << " " << when;
             EXPECT_GE(trailing->scale, 0.6);
             EXPECT_LE(trailing->frame.height, 11) << when;
@@ -67,7 +68,7 @@ TEST_F(Typography, WorldClockKeepsItsTimesWholeInTwelveHourLocales) {
             for (const std::string zone :
                  {"America/Sao_Paulo", "Asia/Ho_Chi_Minh", "America/Argentina/Buenos_Aires"}) {
                 const std::string time = formatting.shortTime(look.date, zone);
-                const auto* placed = find(placement, time);
+                const auto placed = find(placement, time);
                 ASSERT_TRUE(isWhole(placed)) << locale << " " << time;
                 EXPECT_EQ(placed->scale, 1) << time;
                 EXPECT_EQ(placed->frame.height, 16) << time;
@@ -82,7 +83,7 @@ TEST_F(Typography, OverviewKeepsItsFreeSpaceWhole) {
         look.live.diskFree = free;
         const std::string text =
             Formatting(look.environment).byteCount(static_cast<std::int64_t>(free)) + " livres";
-        const auto* placed = find(place("ZeltoWidget", medium, look), text);
+        const auto placed = find(place("ZeltoWidget", medium, look), text);
         ASSERT_TRUE(isWhole(placed)) << text;
         EXPECT_GE(placed->scale, 0.75) << text;
     }
@@ -113,7 +114,7 @@ TEST_F(Typography, ADisksNameOfAnyLengthLeavesTheRingAlone) {
 TEST_F(Typography, CareOfManyFindingsKeepsItsHeader) {
     Look look = sample();
     look.snapshot->careItems.assign(30, {.title = "Memória", .level = "ok", .summary = {}});
-    const auto* title = find(place("ZeltoCare", medium, look), "Cuidados");
+    const auto title = find(place("ZeltoCare", medium, look), "Cuidados");
     ASSERT_TRUE(isWhole(title));
     EXPECT_GE(title->frame.y, 16);
     EXPECT_LE(title->frame.y, 18);
