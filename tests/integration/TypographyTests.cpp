@@ -1,6 +1,7 @@
 // Texts of whole widgets in the real font: titles and times stay whole, letters stand where they belong.
 
 #include <cmath>
+#include <optional>
 #include <set>
 
 #include <gtest/gtest.h>
