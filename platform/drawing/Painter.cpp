@@ -92,17 +92,19 @@ void drawOutlines(cairo_t* context, const TypesetText& text) {
     cairo_stroke(context);
 }
 
-/// A mask of a drawing that begins at the origin and is `size` points large at `scale`.
+/// A mask, at `scale`, of a drawing that covers `ink` points around its origin, which lies `shift` pixels to
+/// the right of a pixel's edge.
 template <class Draw>
-Mask drawnMask(layout::Size size, double scale, Draw draw) {
+Mask drawnMask(const layout::Rect& ink, double scale, double shift, Draw draw) {
     Mask mask;
-    mask.x = mask.y = -maskPadding;
+    mask.x = static_cast<int>(std::floor(ink.x * scale)) - maskPadding;
+    mask.y = static_cast<int>(std::floor(ink.y * scale)) - maskPadding;
     mask.surface.reset(cairo_image_surface_create(
         CAIRO_FORMAT_A8,
-        static_cast<int>(std::ceil(size.width * scale)) + 2 * maskPadding,
-        static_cast<int>(std::ceil(size.height * scale)) + 2 * maskPadding + 1));
+        static_cast<int>(std::ceil(ink.width * scale)) + 2 * maskPadding + 1,
+        static_cast<int>(std::ceil(ink.height * scale)) + 2 * maskPadding + 1));
     const Context context(cairo_create(mask.surface.get()));
-    cairo_translate(context.get(), maskPadding, maskPadding);
+    cairo_translate(context.get(), shift - mask.x, -mask.y);
     cairo_scale(context.get(), scale, scale);
     draw(context.get());
     return mask;
@@ -147,7 +149,7 @@ class ItemPainter {
             const std::string key =
                 placed.name + '\n' + std::to_string(placed.fontSize) + '\n' + std::to_string(space.scale);
             const Mask& mask = tools_.masks.get(key, [&] {
-                return drawnMask({placed.frame.width, side}, space.scale, draw);
+                return drawnMask({0, 0, placed.frame.width, side}, space.scale, 0, draw);
             });
             paintMask(mask, 0, 0);
             return;
@@ -273,17 +275,8 @@ class ItemPainter {
     static const Mask& textMask(const TypesetText& typeset, double scale, int quarter) {
         for (const auto& kept : typeset.masks)
             if (kept.scale == scale && kept.quarter == quarter) return kept.mask;
-        Mask mask;
-        mask.x = static_cast<int>(std::floor(typeset.ink.x * scale)) - maskPadding;
-        mask.y = static_cast<int>(std::floor(typeset.ink.y * scale)) - maskPadding;
-        mask.surface.reset(cairo_image_surface_create(
-            CAIRO_FORMAT_A8,
-            static_cast<int>(std::ceil(typeset.ink.width * scale)) + 2 * maskPadding + 1,
-            static_cast<int>(std::ceil(typeset.ink.height * scale)) + 2 * maskPadding + 1));
-        const Context context(cairo_create(mask.surface.get()));
-        cairo_translate(context.get(), quarter / 4.0 - mask.x, -mask.y);
-        cairo_scale(context.get(), scale, scale);
-        drawOutlines(context.get(), typeset);
+        Mask mask = drawnMask(
+            typeset.ink, scale, quarter / 4.0, [&](cairo_t* target) { drawOutlines(target, typeset); });
         *typeset.maskBytes += static_cast<std::size_t>(cairo_image_surface_get_stride(mask.surface.get())) *
                               static_cast<std::size_t>(cairo_image_surface_get_height(mask.surface.get()));
         typeset.masks.push_back({scale, quarter, std::move(mask)});
