@@ -6,6 +6,7 @@
 #include <utility>
 
 #include <sys/eventfd.h>
+#include <system_error>
 #include <unistd.h>
 
 namespace zelto::host {
@@ -139,10 +140,16 @@ void ExtensionWorker::exchange(const std::vector<Request>& requests, const Deliv
     // Nobody else waits for what may hang again.
     std::erase_if(apart_, [](const Apart& each) { return each.isOver->load(); });
     auto isOver = std::make_shared<std::atomic<bool>>(false);
-    apart_.push_back({isOver, std::jthread([this, death = std::move(death), deliver, isOver] {
-                          askAgain(death, deliver);
-                          *isOver = true;
-                      })});
+    const auto ask = [this, death = std::move(death), deliver, isOver] {
+        askAgain(death, deliver);
+        *isOver = true;
+    };
+    try {
+        apart_.push_back({isOver, std::jthread(ask)});
+    } catch (const std::system_error&) {
+        // There is no thread to be had: the others do wait.
+        ask();
+    }
 }
 
 void ExtensionWorker::askAgain(const Death& death, const Deliver& deliver) {
