@@ -27,6 +27,7 @@ void snapshotCheck(const std::string& file) {
     const std::string path = file.empty() ? WidgetSnapshot::url().string() : file;
     const std::string name = path == "-" ? "standard input" : path;
     const std::string bytes = readInput(path, WidgetSnapshot::largestDocument);
+    static_assert(WidgetSnapshot::largestDocument == std::size_t{16} << 20);
     if (bytes.size() > WidgetSnapshot::largestDocument)
         throw Failure(name + ": larger than 16 MiB, which no widget reads");
     DecodingError error;

@@ -48,6 +48,7 @@ class Notes {
                     walk(schema.element(), schema.at(value, i), place + "[" + std::to_string(i) + "]");
                 break;
             case Kind::string:
+                static_assert(ViewBudget().textBytes == 1024);
                 if (jsonLength(*static_cast<const std::string*>(value)) > ViewBudget().textBytes)
                     note(place, "longer than 1,024 bytes; the widgets show its beginning");
                 break;
@@ -68,7 +69,7 @@ std::vector<std::string> notesOn(const WidgetSnapshot& snapshot) {
     Notes notes;
     notes.walk(schemaOf<WidgetSnapshot>(), &snapshot, "");
 
-    const ViewBudget budget;
+    constexpr ViewBudget budget;
     const double width = sizeOf(WidgetFamily::systemMedium).width;
     if (const auto most = static_cast<std::size_t>(4 * std::ceil(width / budget.pointsPerStep));
         snapshot.cpuHistory.size() > most)
@@ -83,6 +84,7 @@ std::vector<std::string> notesOn(const WidgetSnapshot& snapshot) {
         if (count > mostItems) notes.note(name, "more than 1,000; the last ones may be left out");
     std::size_t titles = 0;
     for (const auto& item : snapshot.careItems) titles += std::min(jsonLength(item.title), budget.textBytes);
+    static_assert(ViewBudget().allTextBytes == std::size_t{48} << 10);
     if (titles > budget.allTextBytes)
         notes.note("careItems", "titles of more than 48 KiB together; the last ones are cut");
     if (!snapshot.fans.empty() && !(std::fabs(snapshot.fans[0].actual) < 0x1p63))

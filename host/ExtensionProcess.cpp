@@ -217,6 +217,7 @@ std::string ExtensionProcess::takeReplies(Exchange& exchange) {
             outcome.reply = std::move(reply);
     }
     received_.erase(0, begin);
+    static_assert(longestLine == std::size_t{32} << 20);
     return received_.size() > longestLine ? "the widget extension sent a reply longer than 32 MiB" : "";
 }
 

@@ -230,7 +230,7 @@ std::string identifierOf(const TimeZoneSetting& setting) {
     if (isPlainName(text) && isZoneFile(std::string(zoneFolder) + text))
         return identifierOfFile(std::string(zoneFolder) + text);
     const auto rule = TimeZoneRule::parse(text);
-    if (!rule || !TimeZone::find(text)) return "UTC";
+    if (!rule) return "UTC";
     const auto name = rule->nameOfWholeHours();
     return name && isKnownTimeZone(*name) ? *name : text;
 }
