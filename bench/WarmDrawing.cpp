@@ -23,10 +23,9 @@ int main(int argc, char** argv) {
     std::vector<layout::Placement> looks;
     for (auto& widget : ZeltoWidgetBundle{sources}.body())
         for (const WidgetFamily family : widget.info().families) {
-            const WidgetSize size = sizeOf(family);
+            const ui::Size size = sizeOf(family);
             const auto entry = widget.snapshot({family, false}, {family, formatting, [] { return date; }});
-            looks.push_back(layout::layOut(
-                entry.view, {.size = {size.width, size.height}, .now = date}, renderer.measuring()));
+            looks.push_back(layout::layOut(entry.view, {.size = size, .now = date}, renderer.measuring()));
         }
     std::uint32_t sum = 0;
     for (int round = 0; round <= rounds; ++round)

@@ -27,8 +27,8 @@ struct Subject {
         return widget.snapshot({family, false}, {family, formatting, [] { return date; }});
     }
     layout::LayoutOptions options() const {
-        const WidgetSize size = sizeOf(family);
-        return {.size = {size.width, size.height}, .now = date};
+        const ui::Size size = sizeOf(family);
+        return {.size = size, .now = date};
     }
 };
 
@@ -57,7 +57,7 @@ void readArchive(benchmark::State& state, const Subject& subject) {
     reply.id = 1;
     reply.entry = subject.entry();
     const std::string line = *encodeReply(reply);
-    for (auto _ : state) benchmark::DoNotOptimize(decodeReply(line, nullptr));
+    for (auto _ : state) benchmark::DoNotOptimize(decodeReply(line));
 }
 void layOut(benchmark::State& state, const Subject& subject) {
     drawing::Renderer renderer;
@@ -85,7 +85,7 @@ void drawWarm(benchmark::State& state, const Subject& subject) {
 }
 /// The same number of pixels, filled with one colour by Cairo.
 void fill(benchmark::State& state, const Subject& subject) {
-    const WidgetSize size = sizeOf(subject.family);
+    const ui::Size size = sizeOf(subject.family);
     cairo_surface_t* surface = cairo_image_surface_create(
         CAIRO_FORMAT_ARGB32, static_cast<int>(size.width * 2), static_cast<int>(size.height * 2));
     cairo_t* context = cairo_create(surface);

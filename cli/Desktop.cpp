@@ -22,14 +22,14 @@ void desktop(const std::vector<std::string>& arguments) {
 }
 
 void reload(const ReloadOptions& options) {
-    xpc::Connection running(
-        options.bus.empty() ? xpc::Bus::session() : xpc::Bus::at(options.bus), host::desktopInterface());
-    const auto outcome = running.call("reload", {options.kind}, std::chrono::seconds(10));
-    const auto* error = std::get_if<xpc::Error>(&outcome);
-    if (!error) return;
-    if (error->kind == xpc::ErrorKind::peerAbsent)
+    bus::Connection running(
+        options.bus.empty() ? bus::Address::session() : bus::Address::at(options.bus),
+        std::string(host::desktopService));
+    const auto reloaded = running.call<void>("reload", std::chrono::seconds(10), options.kind);
+    if (reloaded) return;
+    if (reloaded.fault().kind == bus::ErrorKind::peerAbsent)
         throw Failure("zelto-desktop is not running (start it with: zelto desktop)");
-    throw Failure(error->text);
+    throw Failure(reloaded.fault().text);
 }
 
 }  // namespace zelto::cli

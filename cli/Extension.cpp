@@ -23,9 +23,8 @@ host::ExtensionProgram programFor(const ExtensionOptions& options) {
 }
 
 host::ExtensionProcess startProcess(const host::ExtensionProgram& program) {
-    std::string why;
-    auto process = host::ExtensionProcess::start(program, why);
-    if (!process) throw Failure(why);
+    auto process = host::ExtensionProcess::start(program);
+    if (!process) throw Failure(process.fault().text());
     return *std::move(process);
 }
 
@@ -54,8 +53,8 @@ host::Outcomes Extension::ask(std::vector<Request> requests) {
     const auto take = [&all](host::Outcomes outcomes) { all.merge(outcomes); };
     process_.exchange(requests, [&](host::Outcomes outcomes) {
         for (const auto& [place, outcome] : outcomes)
-            if (outcome.isUnanswered) again[place] = requests[place];
-        std::erase_if(outcomes, [](const auto& each) { return each.second.isUnanswered; });
+            if (isUnanswered(outcome)) again[place] = requests[place];
+        std::erase_if(outcomes, [](const auto& each) { return isUnanswered(each.second); });
         take(std::move(outcomes));
     });
     host::askApart(program_, again, take);
@@ -64,8 +63,8 @@ host::Outcomes Extension::ask(std::vector<Request> requests) {
 
 Reply Extension::ask(Request request) {
     host::Outcome outcome = ask(std::vector{std::move(request)}).at(0);
-    if (!outcome.reply) throw Failure(outcome.error);
-    return *std::move(outcome.reply);
+    if (!outcome) throw Failure(outcome.fault().reason);
+    return std::move(outcome->reply);
 }
 
 std::vector<WidgetDescription> Extension::widgets() {

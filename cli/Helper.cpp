@@ -18,36 +18,36 @@ constexpr int badValue = 2;
 constexpr int declined = 3;
 
 struct Ending {
-    xpc::ErrorKind kind;
+    bus::ErrorKind kind;
     int status;
     const char* meaning;
 };
 constexpr std::array endings{
-    Ending{xpc::ErrorKind::refused, 1, "the helper refused for another reason"},
-    Ending{xpc::ErrorKind::noBus, 4, "the bus cannot be reached"},
-    Ending{xpc::ErrorKind::peerAbsent, 5, "no helper is there"},
-    Ending{xpc::ErrorKind::deadlinePassed, 6, "no answer in time"},
-    Ending{xpc::ErrorKind::peerDied, 7, "the helper ended in the middle of the call"},
-    Ending{xpc::ErrorKind::accessDenied, 8, "the helper does not serve this user"},
-    Ending{xpc::ErrorKind::badPayload, 9, "a payload that does not decode"},
-    Ending{xpc::ErrorKind::tooLarge, 10, "a payload of more than 1 MiB"},
+    Ending{bus::ErrorKind::refused, 1, "the helper refused for another reason"},
+    Ending{bus::ErrorKind::noBus, 4, "the bus cannot be reached"},
+    Ending{bus::ErrorKind::peerAbsent, 5, "no helper is there"},
+    Ending{bus::ErrorKind::deadlinePassed, 6, "no answer in time"},
+    Ending{bus::ErrorKind::peerDied, 7, "the helper ended in the middle of the call"},
+    Ending{bus::ErrorKind::accessDenied, 8, "the helper does not serve this user"},
+    Ending{bus::ErrorKind::badPayload, 9, "a payload that does not decode"},
+    Ending{bus::ErrorKind::tooLarge, 10, "a payload of more than 1 MiB"},
 };
 
-[[noreturn]] void fail(const xpc::Error& error) {
+[[noreturn]] void fail(const bus::Error& error) {
     const auto ending = std::ranges::find(endings, error.kind, &Ending::kind);
     if (ending == endings.end()) throw Failure("the helper: " + error.text);
     throw Failure(std::string(ending->meaning) + ": " + error.text, ending->status);
 }
 
 template <class T>
-T valueOf(xpc::Result<T> result) {
-    if (const auto* error = std::get_if<xpc::Error>(&result)) fail(*error);
-    return std::get<T>(std::move(result));
+T valueOf(bus::Result<T> result) {
+    if (!result) fail(result.fault());
+    return *std::move(result);
 }
 
 HelperConnection connectionFor(const HelperOptions& options) {
     return HelperConnection(
-        options.bus.empty() ? xpc::Bus::system() : xpc::Bus::at(options.bus),
+        options.bus.empty() ? bus::Address::system() : bus::Address::at(options.bus),
         std::chrono::milliseconds(std::llround(options.deadline * 1000)));
 }
 
@@ -55,9 +55,9 @@ std::string missingValue(const std::string& name) {
     return name + ": a value is missing (write " + name + "=…)";
 }
 
-/// Carries out "limit=80" on a record, strictly by its field table.
+/// A record after "limit=80", strictly by its field table.
 template <class Config>
-void change(Config& config, const std::string& text) {
+Config changed(Config config, const std::string& text) {
     const auto equals = std::min(text.find('='), text.size());
     const std::string name = text.substr(0, equals);
     std::string names;
@@ -73,11 +73,10 @@ void change(Config& config, const std::string& text) {
             appendJSONString(quoted, value);
             value = quoted;
         }
-        DecodingError error;
-        if (!decodeJSON(value, schema, field.address(&config), &error, 1))
+        if (!decodeJSON(value, schema, field.address(&config), 1))
             throw Failure(
                 name + ": '" + text.substr(equals + 1) + "' is not " + std::string(schema.name), badValue);
-        return;
+        return config;
     }
     throw Failure("there is no field '" + name + "'; there are " + names, badValue);
 }
@@ -104,13 +103,13 @@ void check(const FanConfig& config) {
 template <class Config>
 void set(
     const HelperOptions& options, Config HelperStatus::*inForce,
-    xpc::Result<std::string> (HelperConnection::*operation)(const Config&)) {
+    bus::Result<std::string> (HelperConnection::*operation)(const Config&)) {
     // What is wrong with the changes alone is said before anybody is asked.
     Config config;
-    for (const std::string& text : options.changes) change(config, text);
+    for (const std::string& text : options.changes) config = changed(std::move(config), text);
     HelperConnection helper = connectionFor(options);
     config = valueOf(helper.status()).*inForce;
-    for (const std::string& text : options.changes) change(config, text);
+    for (const std::string& text : options.changes) config = changed(std::move(config), text);
     check(config);
     if (const std::string why = valueOf((helper.*operation)(config)); !why.empty())
         throw Failure("the helper: " + why, declined);
@@ -187,7 +186,7 @@ void helperSetFan(const HelperOptions& options) {
 }
 
 void helperReset(const HelperOptions& options) {
-    if (const auto error = connectionFor(options).resetAll()) fail(*error);
+    if (const auto reset = connectionFor(options).resetAll(); !reset) fail(reset.fault());
 }
 
 }  // namespace zelto::cli

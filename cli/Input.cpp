@@ -19,11 +19,6 @@
 namespace zelto::cli {
 namespace {
 
-constexpr std::array<std::pair<std::string_view, WidgetFamily>, 3> families{
-    {{"small", WidgetFamily::systemSmall},
-     {"medium", WidgetFamily::systemMedium},
-     {"large", WidgetFamily::systemLarge}}};
-
 std::string readAll(int fd, const std::string& name, std::size_t mostBytes) {
     std::string out;
     // A file's size is known: a large one is then held once.
@@ -79,15 +74,12 @@ Date parseDate(const std::string& text, const std::string& option) {
 }
 
 WidgetFamily parseFamily(const std::string& text) {
-    for (const auto& [name, family] : families)
-        if (name == text) return family;
+    if (const auto family = familyCalled(text)) return *family;
     throw Failure("--family: '" + text + "' is not small, medium or large");
 }
 
 std::string familyName(WidgetFamily family) {
-    for (const auto& [name, value] : families)
-        if (value == family) return std::string(name);
-    return {};
+    return std::string(shortNameOf(family));
 }
 
 std::string familyNames(const std::vector<WidgetFamily>& offered) {

@@ -25,9 +25,8 @@ namespace {
 
 template <class T>
 T decodeInput(const std::string& path) {
-    DecodingError error;
-    auto value = decodeJSON<T>(readInput(path), &error);
-    if (!value) throw Failure((path == "-" ? "standard input" : path) + ": " + error.text());
+    auto value = decodeJSON<T>(readInput(path));
+    if (!value) throw Failure((path == "-" ? "standard input" : path) + ": " + value.fault().text());
     return *std::move(value);
 }
 
@@ -68,12 +67,12 @@ std::string formatFor(const PreviewOptions& options) {
 std::string drawn(
     ArchivedEntry entry, WidgetFamily family, Date now, const std::string& format,
     const PreviewOptions& options) {
-    const WidgetSize size = sizeOf(family);
+    const ui::Size size = sizeOf(family);
     keepToBudget(entry.view, size.width);
-    if (const auto fault = faultOf(entry.view)) throw Failure("the view cannot be drawn: " + *fault);
+    if (const auto checked = check(entry.view); !checked)
+        throw Failure("the view cannot be drawn: " + checked.fault().text());
     drawing::Renderer renderer;
-    const auto placement =
-        layout::layOut(entry.view, {.size = {size.width, size.height}, .now = now}, renderer.measuring());
+    const auto placement = layout::layOut(entry.view, {.size = size, .now = now}, renderer.measuring());
     const auto corners = options.corners ? drawing::Corners::rounded : drawing::Corners::square;
     auto bytes = format == "svg" ? renderer.svg(placement, corners)
                                  : drawing::encodePNG(renderer.draw(placement, options.scale, corners));

@@ -48,19 +48,19 @@ Looks askForLooks(const RenderOptions& options, drawing::Renderer& renderer) {
     for (const auto& [place, outcome] : extension.ask(requests)) {
         const std::string& kind = *requests[place].kind;
         const WidgetFamily family = *requests[place].family;
-        const auto& reply = outcome.reply;
-        if (!reply || (!reply->entry && !reply->timeline)) {
-            std::string& missing = out.faults[reply ? "an answer without an entry" : outcome.error];
+        if (!outcome || (!outcome->reply.entry && !outcome->reply.timeline)) {
+            std::string& missing =
+                out.faults[outcome ? "an answer without an entry" : outcome.fault().reason];
             missing += (missing.empty() ? "" : ", ") + kind + " (" + familyName(family) + ")";
             continue;
         }
-        const ArchivedEntry& entry = reply->entry ? *reply->entry : reply->timeline->entries.front();
-        const WidgetSize size = sizeOf(family);
+        const Reply& reply = outcome->reply;
+        const ArchivedEntry& entry = reply.entry ? *reply.entry : reply.timeline->entries.front();
+        const ui::Size size = sizeOf(family);
         out.looks.push_back(
             {kind,
              family,
-             layout::layOut(
-                 entry.view, {.size = {size.width, size.height}, .now = entry.date}, renderer.measuring())});
+             layout::layOut(entry.view, {.size = size, .now = entry.date}, renderer.measuring())});
     }
     return out;
 }

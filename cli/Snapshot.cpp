@@ -30,9 +30,8 @@ void snapshotCheck(const std::string& file) {
     static_assert(WidgetSnapshot::largestDocument == std::size_t{16} << 20);
     if (bytes.size() > WidgetSnapshot::largestDocument)
         throw Failure(name + ": larger than 16 MiB, which no widget reads");
-    DecodingError error;
-    const auto snapshot = decodeJSON<WidgetSnapshot>(bytes, &error);
-    if (!snapshot) throw Failure(name + ": " + error.text());
+    const auto snapshot = decodeJSON<WidgetSnapshot>(bytes);
+    if (!snapshot) throw Failure(name + ": " + snapshot.fault().text());
     std::cout << "ok: taken " << iso8601(snapshot->date) << ", "
               << (snapshot->battery ? "battery " + std::to_string(snapshot->battery->percent) + "%"
                                     : "no battery")

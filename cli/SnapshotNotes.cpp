@@ -52,9 +52,8 @@ class Notes {
                 if (jsonLength(*static_cast<const std::string*>(value)) > ViewBudget().textBytes)
                     note(place, "longer than 1,024 bytes; the widgets show its beginning");
                 break;
-            case Kind::real:
-                if (&schema == &schemaOf<Date>() &&
-                    static_cast<const Date*>(value)->held() != *static_cast<const Date*>(value))
+            case Kind::date:
+                if (static_cast<const Date*>(value)->held() != *static_cast<const Date*>(value))
                     note(place, "beyond the years 1 to 9999, at whose end it is held");
                 break;
             default: break;

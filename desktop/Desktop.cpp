@@ -1,7 +1,8 @@
 #include "desktop/Desktop.hpp"
 
+#include <set>
+
 #include "desktop/Words.hpp"
-#include "host/Arrangement.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -14,7 +15,7 @@ constexpr double upgradeSeconds = 2;
 Desktop::Desktop(DesktopOptions options)
     : options_(std::move(options)),
       surroundings_(options_.zoom),
-      links_(options_.linkCommand, options_.log),
+      links_(options_.linkCommand),
       worker_(std::make_unique<host::ExtensionWorker>(
           options_.extension, host::ExtensionWorker::Seams{
                                   .post =
@@ -24,36 +25,17 @@ Desktop::Desktop(DesktopOptions options)
                                           });
                                       },
                                   .log = options_.log})) {
-    host::PlacementStore placements(options_.folders.configuration, options_.log);
+    host::DesktopLayoutStore layouts(options_.folders.configuration);
     std::error_code error;
-    isFirstStart_ = !std::filesystem::exists(placements.file(), error);
+    isFirstStart_ = !std::filesystem::exists(layouts.file(), error);
     host_ = std::make_unique<host::WidgetHost>(
-        seams(), std::move(placements), host::EntryStore(options_.folders.cache / "widgets"), *this);
+        seams(), std::move(layouts), host::EntryStore(options_.folders.cache / "widgets"), *this);
 
-    timerSource_ = MainSource::whenReadable(timer_.fd(), [this] {
-        switch (timer_.take()) {
-            case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
-            case host::WallTimer::Event::expired: host_->wake(); break;
-            case host::WallTimer::Event::none: break;
-        }
-    });
-    zoneSource_ = MainSource::whenReadable(zone_.fd(), [this] {
-        const auto changes = zone_.take();
-        // What the extension has read of the zones stays with it: it is to start anew, also when the setting
-        // is a file of its own; after an upgrade, once all is in place.
-        if (changes.setting) {
-            worker_->restart();
-            host_->environmentChanged();
-        }
-        if (changes.data)
-            zoneDataSource_ = MainSource::after(upgradeSeconds, [this] {
-                worker_->restart();
-                host_->environmentChanged();
-            });
-    });
+    watchClock();
     if (const auto font = drawing::Renderer::substituteFont())
         options_.log("the font Inter is not installed; texts are drawn in " + *font);
     watchMonitors();
+    host_->setMonitors(surroundings_.monitors());
     host_->start();
     for (const auto& [kind, family] : options_.wishes) add(kind, family, std::nullopt);
     if (options_.showsGallery) showGallery();
@@ -75,64 +57,83 @@ host::HostSeams Desktop::seams() {
         .log = options_.log};
 }
 
+void Desktop::watchClock() {
+    timerSource_ = MainSource::whenReadable(timer_.fd(), [this] {
+        switch (timer_.take()) {
+            case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
+            case host::WallTimer::Event::expired: host_->wake(); break;
+            case host::WallTimer::Event::none: break;
+        }
+    });
+    zoneSource_ = MainSource::whenReadable(zone_.fd(), [this] {
+        const auto changes = zone_.take();
+        // What the extension has read of the zones stays with it: it is to start anew, also when the setting
+        // is a file of its own; after an upgrade, once all is in place.
+        if (changes.setting) {
+            worker_->restart();
+            host_->environmentChanged();
+        }
+        if (changes.data)
+            zoneDataSource_ = MainSource::after(upgradeSeconds, [this] {
+                worker_->restart();
+                host_->environmentChanged();
+            });
+    });
+}
+
 void Desktop::watchMonitors() {
-    const auto arrangeAll = [](gpointer self) { static_cast<Desktop*>(self)->arrange(); };
+    const auto changed = [](gpointer self) { static_cast<Desktop*>(self)->monitorsChanged(); };
     GdkDisplay* display = gdk_display_get_default();
     GdkScreen* screen = gdk_screen_get_default();
-    g_signal_connect_swapped(display, "monitor-added", G_CALLBACK(+arrangeAll), this);
-    g_signal_connect_swapped(display, "monitor-removed", G_CALLBACK(+arrangeAll), this);
-    g_signal_connect_swapped(screen, "monitors-changed", G_CALLBACK(+arrangeAll), this);
-    g_signal_connect_swapped(screen, "size-changed", G_CALLBACK(+arrangeAll), this);
+    g_signal_connect_swapped(display, "monitor-added", G_CALLBACK(+changed), this);
+    g_signal_connect_swapped(display, "monitor-removed", G_CALLBACK(+changed), this);
+    g_signal_connect_swapped(screen, "monitors-changed", G_CALLBACK(+changed), this);
+    g_signal_connect_swapped(screen, "size-changed", G_CALLBACK(+changed), this);
 }
 
-std::int64_t Desktop::columns() const {
-    const auto desks = surroundings_.desks();
-    return desks.empty() ? 1 : surroundings_.columns(desks.front());
+void Desktop::monitorsChanged() {
+    surroundings_.refresh();
+    host_->setMonitors(surroundings_.monitors());
 }
 
-void Desktop::arrange() {
-    const auto desks = surroundings_.desks();
-    if (!desks.empty()) host_->nameFirstMonitor(desks.front().name);
-    std::vector<host::DeskTiles> tiles;
-    for (const Desk& desk : desks)
-        tiles.push_back({desk.name, surroundings_.columns(desk), surroundings_.rows(desk)});
-    const auto standings = host::arrange(host_->widgets(), tiles);
-    for (const host::PlacedWidget& widget : host_->widgets()) {
-        const auto window = windows_.find(widget.id);
-        const auto standing = standings.find(widget.id);
-        if (window != windows_.end() && standing != standings.end())
-            window->second->stand(widget, desks[standing->second.desk], standing->second.cell);
+void Desktop::arranged(const std::vector<host::ArrangedWidget>& widgets) {
+    std::set<std::string> gone;
+    for (const auto& [id, window] : windows_) gone.insert(id);
+    for (const host::ArrangedWidget& each : widgets) {
+        windowOf(each.widget).arrange(each);
+        gone.erase(each.widget.id);
     }
+    for (const std::string& id : gone) close(id);
 }
 
-void Desktop::placed(const host::PlacedWidget& widget) {
+WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
     if (const auto found = windows_.find(widget.id);
         found != windows_.end() && found->second->kind() != widget.kind)
-        removed(widget.id);
-    if (auto& window = windows_[widget.id]; !window) {
-        const auto open = [this, id = widget.id](const std::string& url) { openLink(id, url); };
-        window = std::make_unique<WidgetWindow>(
-            WidgetWindow::Seams{
-                .host = *host_,
-                .surroundings = surroundings_,
-                .face =
-                    {.renderer = renderer_,
-                     .now = &Date::now,
-                     .open = open,
-                     // A window that is cut to the outline has no pixels behind it to be seen.
-                     .corners = surroundings_.isTranslucent() ? drawing::Corners::rounded
-                                                              : drawing::Corners::outlined},
-                .showGallery = [this] { showGallery(); },
-                .arrange = [this] { arrange(); }},
-            widget);
-        if (const auto* description = host_->describe(widget.kind)) window->describe(*description);
-    }
-    arrange();
+        close(widget.id);
+    auto& window = windows_[widget.id];
+    if (window) return *window;
+    const auto open = [this, id = widget.id](const std::string& url) { openLink(id, url); };
+    window = std::make_unique<WidgetWindow>(
+        WidgetWindow::Seams{
+            .host = *host_,
+            .surroundings = surroundings_,
+            .face =
+                {.renderer = renderer_,
+                 .now = &Date::now,
+                 .open = open,
+                 // A window that is cut to the outline has no pixels behind it to be seen.
+                 .corners =
+                     surroundings_.isTranslucent() ? drawing::Corners::rounded : drawing::Corners::outlined},
+            .showGallery = [this] { showGallery(); },
+            .closed = [this] { monitorsChanged(); }},
+        widget);
+    if (const auto* description = host_->offers().find(widget.kind)) window->describe(*description);
+    if (const auto* entry = host_->shown(widget.id)) window->face().present(*entry);
+    return *window;
 }
 
-void Desktop::removed(const std::string& id) {
+void Desktop::close(const std::string& id) {
     const auto found = windows_.find(id);
-    if (found == windows_.end()) return;
     // The wish may come from the window itself: it goes away when nothing of it runs any more.
     const std::shared_ptr<WidgetWindow> window = std::move(found->second);
     windows_.erase(found);
@@ -146,9 +147,8 @@ void Desktop::shows(const host::PlacedWidget& widget, const ArchivedEntry& entry
 }
 
 void Desktop::offers(const std::vector<WidgetDescription>& widgets) {
-    for (const host::PlacedWidget& widget : host_->widgets())
-        if (const auto* description = host_->describe(widget.kind))
-            windows_.at(widget.id)->describe(*description);
+    for (const auto& [id, window] : windows_)
+        if (const auto* description = host_->offers().find(window->kind())) window->describe(*description);
     if (gallery_) gallery_->offer(widgets);
     // Whoever starts this for the first time sees what there is.
     if (!isFirstStart_ || !host_->widgets().empty()) return;
@@ -158,27 +158,30 @@ void Desktop::offers(const std::vector<WidgetDescription>& widgets) {
 }
 
 void Desktop::add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell) {
-    std::string id;
-    const auto why = host_->add(kind, family, cell, columns(), id);
-    if (!why.empty()) options_.log(why);
+    if (const auto added = host_->add(kind, family, cell); !added) options_.log(added.fault().text());
 }
 
 void Desktop::openLink(const std::string& id, const std::string& url) {
-    if (links_.open(url)) return;
+    const auto opened = links_.open(url);
+    if (opened) return;
+    options_.log(opened.fault().text());
     if (const auto found = windows_.find(id); found != windows_.end())
         found->second->face().say(words::noHandler);
 }
 
 void Desktop::showGallery() {
     if (!gallery_) {
-        gallery_ = std::make_unique<Gallery>(Gallery::Seams{
-            .host = *host_,
-            .surroundings = surroundings_,
-            .renderer = renderer_,
-            .now = &Date::now,
-            .add = [this](const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell) {
-                add(kind, family, cell);
-            }});
+        gallery_ = std::make_unique<Gallery>(
+            Gallery::Seams{
+                .previews = host_->previews(),
+                .surroundings = surroundings_,
+                .renderer = renderer_,
+                .now = &Date::now,
+                .add =
+                    [this](const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell) {
+                        add(kind, family, cell);
+                    }},
+            host_->offers().widgets());
         gallery_->signal_delete_event().connect([this](GdkEventAny*) {
             // Not from within its own signal.
             const std::shared_ptr<Gallery> closed = std::move(gallery_);

@@ -37,19 +37,20 @@ class Desktop : public host::HostObserver {
     ~Desktop() override;
 
     host::WidgetHost& host() { return *host_; }
-    std::int64_t columns() const;
     void showGallery();
 
   private:
-    void placed(const host::PlacedWidget& widget) override;
-    void removed(const std::string& id) override;
+    void arranged(const std::vector<host::ArrangedWidget>& widgets) override;
     void shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) override;
     void offers(const std::vector<WidgetDescription>& widgets) override;
 
     host::HostSeams seams();
     void watchMonitors();
-    /// Has every widget stand where there is a place for it.
-    void arrange();
+    void monitorsChanged();
+    void watchClock();
+    /// The window of a widget, made if there is none.
+    WidgetWindow& windowOf(const host::PlacedWidget& widget);
+    void close(const std::string& id);
     void openLink(const std::string& id, const std::string& url);
     void add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell);
 

@@ -27,6 +27,8 @@ void log(const std::string& line) {
     std::fprintf(stderr, "zelto-desktop: %s\n", line.c_str());
 }
 
+using Wishes = std::vector<std::pair<std::string, WidgetFamily>>;
+
 struct Options {
     desktop::DesktopOptions desktop;
     std::string extension, home, machine, now;
@@ -67,21 +69,72 @@ void describe(CLI::App& app, Options& options) {
         ->type_name("N");
 }
 
+/// The widgets to be added; absent, with a line in the log, when one is not KIND:FAMILY.
+std::optional<Wishes> wishesOf(const Options& options) {
+    Wishes out;
+    for (const std::string& text : options.wishes) {
+        const auto wish = host::parseWish(text);
+        if (!wish) {
+            log("--add: '" + text + "' is not KIND:FAMILY, such as ZeltoBattery:small");
+            return std::nullopt;
+        }
+        out.push_back(*wish);
+    }
+    return out;
+}
+
 /// Hands the wishes to the host that runs already.
-int handOver(
-    const xpc::Bus& bus, const Options& options,
-    const std::vector<std::pair<std::string, std::string>>& wishes) {
-    xpc::Connection running(bus, host::desktopInterface());
-    const auto call = [&](const std::string& method, const xpc::Values& arguments) {
-        const auto outcome = running.call(method, arguments, std::chrono::seconds(10));
-        const auto* error = std::get_if<xpc::Error>(&outcome);
-        if (error) log(error->text);
-        return !error;
-    };
+int handOver(const bus::Address& address, bool wantsGallery, const Wishes& wishes) {
+    bus::Connection running(address, std::string(host::desktopService));
+    constexpr std::chrono::seconds deadline{10};
     bool isDone = true;
-    for (const auto& [kind, family] : wishes) isDone &= call("add", {kind, family});
-    if (options.gallery || wishes.empty()) isDone &= call("gallery", {});
+    const auto note = [&isDone](const auto& called) {
+        if (called) return;
+        log(called.fault().text);
+        isDone = false;
+    };
+    for (const auto& [kind, family] : wishes)
+        note(running.call<std::string>("add", deadline, kind, std::string(nameOf(family))));
+    if (wantsGallery || wishes.empty()) note(running.call<void>("gallery", deadline));
     return isDone ? 0 : 1;
+}
+
+/// False when there is no display.
+bool startToolkit() {
+    g_set_prgname("zelto-desktop");
+    // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
+    setenv("GDK_GL", "disable", 0);
+    gtk_disable_setlocale();
+    if (!gtk_init_check(nullptr, nullptr)) return false;
+    Gtk::Main::init_gtkmm_internals();
+    // The toolkit's wrapper has numbers written with the locale's commas and dots, in files too.
+    std::locale::global(std::locale::classic());
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        g_unix_signal_add(
+            signal,
+            [](gpointer) -> gboolean {
+                gtk_main_quit();
+                return G_SOURCE_CONTINUE;
+            },
+            nullptr);
+    return true;
+}
+
+desktop::DesktopOptions settingsOf(const Options& options, Wishes wishes) {
+    desktop::DesktopOptions out = options.desktop;
+    out.log = log;
+    out.folders = host::Folders::current();
+    out.wishes = std::move(wishes);
+    out.showsGallery = options.gallery;
+    if (options.scale > 0) out.zoom = options.scale;
+    auto& program = out.extension.program;
+    program.path =
+        options.extension.empty() ? host::installedExtension() : std::filesystem::path(options.extension);
+    out.extension.longestPause = out.extension.firstPause * 60;
+    for (const auto& [option, value] :
+         {std::pair{"--home", &options.home}, {"--machine", &options.machine}, {"--now", &options.now}})
+        if (!value->empty()) program.arguments.insert(program.arguments.end(), {option, *value});
+    return out;
 }
 
 int run(int argc, char** argv) {
@@ -97,81 +150,35 @@ int run(int argc, char** argv) {
         log(std::string(error.what()) + " (try --help)");
         return 2;
     }
-    std::vector<std::pair<std::string, std::string>> wishes;
-    for (const std::string& text : options.wishes) {
-        const auto wish = host::parseWish(text);
-        if (!wish) {
-            log("--add: '" + text + "' is not KIND:FAMILY, such as ZeltoBattery:small");
-            return 2;
-        }
-        wishes.push_back(*wish);
-    }
+    const auto wishes = wishesOf(options);
+    if (!wishes) return 2;
 
     // What was read and decoded on other threads would otherwise stay with arenas of their own.
     mallopt(M_ARENA_MAX, 1);
     std::signal(SIGPIPE, SIG_IGN);
-    const xpc::Bus bus = options.bus.empty() ? xpc::Bus::session() : xpc::Bus::at(options.bus);
+    const auto address = options.bus.empty() ? bus::Address::session() : bus::Address::at(options.bus);
+    // Whoever has the name is the one host. Calls wait for the main loop, which runs once the desktop is
+    // there.
     std::unique_ptr<desktop::Desktop> desktop;
-    const auto quit = [] { gtk_main_quit(); };
-    const auto handler = [&](const std::string& method, xpc::Values arguments, xpc::Answer answer) {
-        auto shared = std::make_shared<xpc::Answer>(std::move(answer));
-        desktop::postToMainThread([&, method, arguments = std::move(arguments), shared] {
-            if (!desktop) return;
-            (*shared)(host::perform(
-                {.host = desktop->host(),
-                 .columns = [&] { return desktop->columns(); },
-                 .showGallery = [&] { desktop->showGallery(); },
-                 .quit = quit},
-                method,
-                arguments));
-        });
-    };
-    auto listener = host::listenAsDesktop(bus, handler);
-    if (const auto* error = std::get_if<xpc::Error>(&listener)) {
-        if (error->kind == xpc::ErrorKind::nameTaken) return handOver(bus, options, wishes);
-        log("without a message bus, other programs cannot reach the widgets: " + error->text);
+    auto listener = host::listenAsDesktop(
+        address,
+        {.host = [&desktop]() -> host::WidgetHost& { return desktop->host(); },
+         .showGallery = [&desktop] { desktop->showGallery(); },
+         .quit = [] { gtk_main_quit(); }},
+        desktop::postToMainThread);
+    if (!listener) {
+        const bus::Error& error = listener.fault();
+        if (error.kind == bus::ErrorKind::nameTaken) return handOver(address, options.gallery, *wishes);
+        log("without a message bus, other programs cannot reach the widgets: " + error.text);
     }
-
-    g_set_prgname("zelto-desktop");
-    // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
-    setenv("GDK_GL", "disable", 0);
-    gtk_disable_setlocale();
-    if (!gtk_init_check(nullptr, nullptr)) {
+    if (!startToolkit()) {
         log("there is no display; `zelto render` draws pictures without one");
         return 1;
     }
-    Gtk::Main::init_gtkmm_internals();
-    // The toolkit's wrapper has numbers written with the locale's commas and dots, in files too.
-    std::locale::global(std::locale::classic());
-
-    auto& settings = options.desktop;
-    settings.log = log;
-    settings.folders = host::Folders::current();
-    settings.showsGallery = options.gallery;
-    if (options.scale > 0) settings.zoom = options.scale;
-    settings.extension.program.path =
-        options.extension.empty() ? host::installedExtension() : std::filesystem::path(options.extension);
-    settings.extension.longestPause = settings.extension.firstPause * 60;
-    for (const auto& [option, value] :
-         {std::pair{"--home", &options.home}, {"--machine", &options.machine}, {"--now", &options.now}})
-        if (!value->empty())
-            settings.extension.program.arguments.insert(
-                settings.extension.program.arguments.end(), {option, *value});
-    for (const auto& [kind, family] : wishes)
-        settings.wishes.emplace_back(kind, *named<WidgetFamily>(family));
-
-    desktop = std::make_unique<desktop::Desktop>(settings);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
-        g_unix_signal_add(
-            signal,
-            [](gpointer) -> gboolean {
-                gtk_main_quit();
-                return G_SOURCE_CONTINUE;
-            },
-            nullptr);
+    desktop = std::make_unique<desktop::Desktop>(settingsOf(options, *wishes));
     gtk_main();
-    // Whoever starts the widgets anew from here on finds the name free.
-    listener.emplace<xpc::Error>();
+    // Whoever starts the widgets again from here on finds the name free.
+    listener = bus::Error{};
     desktop.reset();
     return 0;
 }

@@ -133,8 +133,8 @@ void Face::name(const std::string& displayName) {
 }
 
 void Face::resize(WidgetFamily family) {
-    const WidgetSize size = sizeOf(family);
-    size_ = {size.width, size.height};
+    const ui::Size size = sizeOf(family);
+    size_ = size;
     set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
     whole_.set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
     if (entry_) layOutAgain();

@@ -45,7 +45,7 @@ class Gallery::Look : public Gtk::Button {
     Look(Gallery& gallery, const WidgetDescription& widget, WidgetFamily family)
         : seams_(gallery.seams_), kind_(widget.kind), family_(family) {
         auto* box = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 6));
-        const WidgetSize size = sizeOf(family);
+        const ui::Size size = sizeOf(family);
         const double zoom = seams_.surroundings.zoom();
         canvas_.set_size_request(
             static_cast<int>(std::lround(size.width * zoom)),
@@ -64,7 +64,7 @@ class Gallery::Look : public Gtk::Button {
         drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
         drag_->signal_drag_update().connect([this](double dx, double dy) { dragged(dx, dy); });
         drag_->signal_drag_end().connect([this](double, double) { dropped(); });
-        seams_.host.preview(
+        seams_.previews.ask(
             kind_, family, [this, isThere = std::weak_ptr(life_)](const std::optional<ArchivedEntry>& entry) {
                 if (!isThere.expired() && entry) show(*entry);
             });
@@ -72,11 +72,9 @@ class Gallery::Look : public Gtk::Button {
 
   private:
     void show(const ArchivedEntry& entry) {
-        const WidgetSize size = sizeOf(family_);
-        const auto placement = layout::layOut(
-            entry.view,
-            {.size = {size.width, size.height}, .now = seams_.now()},
-            seams_.renderer.measuring());
+        const ui::Size size = sizeOf(family_);
+        const auto placement =
+            layout::layOut(entry.view, {.size = size, .now = seams_.now()}, seams_.renderer.measuring());
         picture_ = seams_.renderer.draw(
             placement, seams_.surroundings.zoom() * get_scale_factor(), drawing::Corners::rounded);
         canvas_.queue_draw();
@@ -88,18 +86,17 @@ class Gallery::Look : public Gtk::Button {
     }
 
     /// The place under the pointer, where the display tells where that is.
-    std::optional<std::pair<Desk, host::Cell>> target() const {
+    std::optional<host::Slot> target() const {
         if (seams_.surroundings.placing() != Placing::hints) return std::nullopt;
         int x = 0, y = 0;
         GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
         gdk_device_get_position(pointer, nullptr, &x, &y);
-        const auto desks = seams_.surroundings.desks();
-        if (desks.empty()) return std::nullopt;
-        const Desk& desk = desks.front();
-        const WidgetSize size = sizeOf(family_);
+        if (seams_.surroundings.desks().empty()) return std::nullopt;
+        const Desk& desk = seams_.surroundings.desks().front();
+        const ui::Size size = sizeOf(family_);
         const double zoom = seams_.surroundings.zoom();
         const layout::Point corner{x - desk.x - size.width * zoom / 2, y - desk.y - size.height * zoom / 2};
-        return std::pair(desk, seams_.surroundings.cellAt(desk, corner, family_));
+        return seams_.surroundings.slotAt(0, corner, family_);
     }
 
     void dragged(double dx, double dy) {
@@ -111,14 +108,14 @@ class Gallery::Look : public Gtk::Button {
         const auto place = target();
         if (!place) return;
         if (!ghost_) ghost_ = std::make_unique<Ghost>(seams_.surroundings, family_, picture_);
-        ghost_->place(place->first, place->second);
+        ghost_->place(*place);
     }
 
     void dropped() {
         if (!std::exchange(isDragging_, false)) return;
         ghost_.reset();
         const auto place = target();
-        seams_.add(kind_, family_, place ? std::optional(place->second) : std::nullopt);
+        seams_.add(kind_, family_, place ? std::optional(place->cell) : std::nullopt);
     }
 
     Seams& seams_;
@@ -132,7 +129,7 @@ class Gallery::Look : public Gtk::Button {
     std::shared_ptr<int> life_ = std::make_shared<int>();
 };
 
-Gallery::Gallery(Seams seams) : seams_(std::move(seams)) {
+Gallery::Gallery(Seams seams, const std::vector<WidgetDescription>& offered) : seams_(std::move(seams)) {
     set_title(words::galleryTitle);
     addStyle(*this);
     set_default_size(800, 760);
@@ -140,7 +137,7 @@ Gallery::Gallery(Seams seams) : seams_(std::move(seams)) {
     scroller_.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
     scroller_.add(list_);
     add(scroller_);
-    offer(seams_.host.offered());
+    offer(offered);
     show_all();
     // Nothing is chosen until somebody chooses: the first key brings the focus.
     unset_focus();

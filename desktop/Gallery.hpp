@@ -13,7 +13,7 @@
 #include <vector>
 
 #include "desktop/Ghost.hpp"
-#include "host/WidgetHost.hpp"
+#include "host/Previews.hpp"
 #include "platform/drawing/Renderer.hpp"
 
 namespace zelto::desktop {
@@ -23,14 +23,14 @@ namespace zelto::desktop {
 class Gallery : public Gtk::Window {
   public:
     struct Seams {
-        host::WidgetHost& host;
+        const host::Previews& previews;
         const Surroundings& surroundings;
         drawing::Renderer& renderer;
         std::function<Date()> now;
         /// Adds a widget, at a place of the first monitor or where there is room.
         std::function<void(const std::string& kind, WidgetFamily family, std::optional<host::Cell>)> add;
     };
-    explicit Gallery(Seams seams);
+    Gallery(Seams seams, const std::vector<WidgetDescription>& offered);
     ~Gallery() override;
 
     void offer(const std::vector<WidgetDescription>& widgets);

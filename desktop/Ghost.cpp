@@ -12,7 +12,7 @@ Ghost::Ghost(const Surroundings& surroundings, WidgetFamily family, const drawin
       surroundings_(surroundings),
       picture_(picture) {
     surroundings.prepare(*this, "zelto-ghost", false);
-    const WidgetSize size = sizeOf(family);
+    const ui::Size size = sizeOf(family);
     set_size_request(
         static_cast<int>(std::lround(size.width * surroundings.zoom())),
         static_cast<int>(std::lround(size.height * surroundings.zoom())));
@@ -20,8 +20,8 @@ Ghost::Ghost(const Surroundings& surroundings, WidgetFamily family, const drawin
     input_shape_combine_region(Cairo::Region::create());
 }
 
-void Ghost::place(const Desk& desk, host::Cell cell) {
-    surroundings_.place(*this, desk, surroundings_.position(cell));
+void Ghost::place(host::Slot slot) {
+    surroundings_.place(*this, slot);
     show();
 }
 

@@ -12,7 +12,7 @@ class Ghost : public Gtk::Window {
   public:
     Ghost(const Surroundings& surroundings, WidgetFamily family, const drawing::Picture& picture);
 
-    void place(const Desk& desk, host::Cell cell);
+    void place(host::Slot slot);
 
   protected:
     void on_size_allocate(Gtk::Allocation& allocation) override;

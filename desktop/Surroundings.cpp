@@ -51,28 +51,35 @@ std::int64_t tilesIn(int length, double zoom) {
 }  // namespace
 
 Surroundings::Surroundings(std::optional<double> zoom)
-    : placing_(placingOf(gdk_display_get_default())),
-      zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {}
+    : placing_(placingOf(gdk_display_get_default())), zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {
+    refresh();
+}
 
 bool Surroundings::isTranslucent() const {
     return gdk_screen_is_composited(gdk_screen_get_default());
 }
 
-std::vector<Desk> Surroundings::desks() const {
+void Surroundings::refresh() {
     GdkDisplay* display = gdk_display_get_default();
     GdkMonitor* primary = gdk_display_get_primary_monitor(display);
-    std::vector<Desk> out;
+    if (gdk_display_get_n_monitors(display) > 0) desks_.clear();
     for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
         GdkMonitor* monitor = gdk_display_get_monitor(display, i);
-        out.insert(monitor == primary ? out.begin() : out.end(), deskOf(monitor));
+        desks_.insert(monitor == primary ? desks_.begin() : desks_.end(), deskOf(monitor));
     }
+}
+
+host::Monitors Surroundings::monitors() const {
+    host::Monitors out;
+    for (const Desk& desk : desks_) out.push_back({desk.name, columns(desk), rows(desk)});
     return out;
 }
 
-std::optional<Desk> Surroundings::deskAt(int x, int y) const {
-    GdkMonitor* monitor = gdk_display_get_monitor_at_point(gdk_display_get_default(), x, y);
-    if (!monitor) return std::nullopt;
-    return deskOf(monitor);
+std::optional<std::size_t> Surroundings::deskAt(int x, int y) const {
+    const GdkMonitor* monitor = gdk_display_get_monitor_at_point(gdk_display_get_default(), x, y);
+    const auto found = std::ranges::find(desks_, monitor, &Desk::monitor);
+    if (found == desks_.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - desks_.begin());
 }
 
 std::int64_t Surroundings::columns(const Desk& desk) const {
@@ -89,14 +96,15 @@ layout::Point Surroundings::position(host::Cell cell) const {
         zoom_ * (border + static_cast<double>(cell.row) * host::tilePitch)};
 }
 
-host::Cell Surroundings::cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const {
+host::Slot Surroundings::slotAt(std::size_t index, layout::Point point, WidgetFamily family) const {
+    const Desk& desk = desks_[index];
     const host::Span span = host::spanOf(family);
     const auto nearest = [this](double position, std::int64_t tiles, std::int64_t covered) {
         const auto tile =
             static_cast<std::int64_t>(std::lround((position / zoom_ - border) / host::tilePitch));
         return std::clamp<std::int64_t>(tile, 0, std::max<std::int64_t>(tiles - covered, 0));
     };
-    return {nearest(point.x, columns(desk), span.columns), nearest(point.y, rows(desk), span.rows)};
+    return {index, {nearest(point.x, columns(desk), span.columns), nearest(point.y, rows(desk), span.rows)}};
 }
 
 void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const {
@@ -130,7 +138,9 @@ void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool ta
     window.set_focus_on_map(false);
 }
 
-void Surroundings::place(Gtk::Window& window, const Desk& desk, layout::Point position) const {
+void Surroundings::place(Gtk::Window& window, host::Slot slot) const {
+    const Desk& desk = desks_[slot.monitor];
+    const layout::Point position = this->position(slot.cell);
     const int x = static_cast<int>(std::lround(position.x)), y = static_cast<int>(std::lround(position.y));
     if (placing_ == Placing::layerShell) {
         gtk_layer_set_monitor(window.gobj(), desk.monitor);

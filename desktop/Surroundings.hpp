@@ -6,7 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "host/PlacedWidget.hpp"
+#include "host/DesktopLayout.hpp"
+#include "platform/layout/Geometry.hpp"
 
 namespace zelto::desktop {
 
@@ -32,27 +33,32 @@ class Surroundings {
     /// Whether windows can be seen through.
     bool isTranslucent() const;
 
-    /// The monitors, the primary one first.
-    std::vector<Desk> desks() const;
-    /// The monitor that a point lies on.
-    std::optional<Desk> deskAt(int x, int y) const;
-    /// How many tiles fit beside, and below, each other; at least one.
-    std::int64_t columns(const Desk& desk) const;
-    std::int64_t rows(const Desk& desk) const;
+    /// Looks at the monitors again. While there is none, the last ones count: windows have to be somewhere.
+    void refresh();
+    /// The monitors, the primary one first: slots count them.
+    const std::vector<Desk>& desks() const { return desks_; }
+    /// How many tiles each has; at least one.
+    host::Monitors monitors() const;
+    /// The monitor that a point lies on, if it is one of those.
+    std::optional<std::size_t> deskAt(int x, int y) const;
 
     /// Where a tile begins on its monitor, in the display's units.
     layout::Point position(host::Cell cell) const;
     /// The tile whose beginning is nearest to a point on the monitor, and on which the widget fits.
-    host::Cell cellAt(const Desk& desk, layout::Point point, WidgetFamily family) const;
+    host::Slot slotAt(std::size_t desk, layout::Point point, WidgetFamily family) const;
 
     /// Makes a window that is not shown yet lie below all others; `name` is for compositors.
     void prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const;
     /// Puts it there.
-    void place(Gtk::Window& window, const Desk& desk, layout::Point position) const;
+    void place(Gtk::Window& window, host::Slot slot) const;
 
   private:
+    std::int64_t columns(const Desk& desk) const;
+    std::int64_t rows(const Desk& desk) const;
+
     Placing placing_;
     double zoom_;
+    std::vector<Desk> desks_;
 };
 
 }  // namespace zelto::desktop

@@ -35,14 +35,16 @@ WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
     face_.resize(widget.family);
 }
 
-void WidgetWindow::stand(const host::PlacedWidget& widget, const Desk& desk, host::Cell cell) {
+void WidgetWindow::arrange(const host::ArrangedWidget& arranged) {
+    const auto& [widget, slot] = arranged;
+    const Desk& desk = seams_.surroundings.desks()[slot.monitor];
     if (widget.family != widget_.family) face_.resize(widget.family);
-    const bool isThere = get_visible() && desk == desk_ && cell == cell_;
+    const bool isThere = get_visible() && desk == desk_ && slot == slot_;
     widget_ = widget;
     desk_ = desk;
-    cell_ = cell;
+    slot_ = slot;
     if (isThere) return;
-    seams_.surroundings.place(*this, desk, seams_.surroundings.position(cell));
+    seams_.surroundings.place(*this, slot);
     show();
 }
 
@@ -67,9 +69,9 @@ void WidgetWindow::makeMenu() {
             append(item, [this, family] { setFamily(family); });
         }
     menu_.append(*Gtk::manage(new Gtk::SeparatorMenuItem));
-    append(new Gtk::MenuItem(words::reload), [this] { seams_.host.reload(widget_.id); });
+    append(new Gtk::MenuItem(words::reload), [this] { reloadWidget(); });
     append(new Gtk::MenuItem(words::addWidgets), [this] { seams_.showGallery(); });
-    append(new Gtk::MenuItem(words::remove), [this] { seams_.host.remove(widget_.id); });
+    append(new Gtk::MenuItem(words::remove), [this] { removeWidget(); });
     menu_.show_all();
 }
 
@@ -97,8 +99,8 @@ bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
                 return true;
             }
             break;
-        case GDK_KEY_Delete: seams_.host.remove(widget_.id); return true;
-        case GDK_KEY_F5: seams_.host.reload(widget_.id); return true;
+        case GDK_KEY_Delete: removeWidget(); return true;
+        case GDK_KEY_F5: reloadWidget(); return true;
         case GDK_KEY_Insert: seams_.showGallery(); return true;
         case GDK_KEY_plus: stepFamily(+1); return true;
         case GDK_KEY_minus: stepFamily(-1); return true;
@@ -136,7 +138,7 @@ bool WidgetWindow::on_delete_event(GdkEventAny*) {
     postToMainThread([this, isThere = std::weak_ptr(life_)] {
         if (isThere.expired()) return;
         hide();
-        seams_.arrange();
+        seams_.closed();
     });
     return true;
 }
@@ -151,25 +153,25 @@ void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
     if (!seams_.surroundings.isTranslucent()) shapeToOutline(*this, seams_.surroundings.zoom());
 }
 
-std::pair<Desk, host::Cell> WidgetWindow::target(double dx, double dy) const {
+host::Slot WidgetWindow::target(double dx, double dy) const {
     const auto& surroundings = seams_.surroundings;
-    Desk desk = desk_;
-    layout::Point point = surroundings.position(cell_);
+    std::size_t monitor = slot_.monitor;
+    layout::Point point = surroundings.position(slot_.cell);
     point.x += dx;
     point.y += dy;
     if (surroundings.placing() == Placing::hints) {
         // The widget's middle says which monitor is meant.
-        const WidgetSize size = sizeOf(widget_.family);
-        const double x = desk.x + point.x, y = desk.y + point.y;
-        if (const auto other = surroundings.deskAt(
-                static_cast<int>(x + size.width * surroundings.zoom() / 2),
-                static_cast<int>(y + size.height * surroundings.zoom() / 2));
-            other && other->monitor != desk.monitor) {
-            desk = *other;
-            point = {x - desk.x, y - desk.y};
-        }
+        const ui::Size size = sizeOf(widget_.family);
+        const double x = desk_->x + point.x, y = desk_->y + point.y;
+        monitor = surroundings
+                      .deskAt(
+                          static_cast<int>(x + size.width * surroundings.zoom() / 2),
+                          static_cast<int>(y + size.height * surroundings.zoom() / 2))
+                      .value_or(monitor);
+        const Desk& desk = surroundings.desks()[monitor];
+        point = {x - desk.x, y - desk.y};
     }
-    return {desk, surroundings.cellAt(desk, point, widget_.family)};
+    return surroundings.slotAt(monitor, point, widget_.family);
 }
 
 void WidgetWindow::update(double dx, double dy) {
@@ -179,31 +181,24 @@ void WidgetWindow::update(double dx, double dy) {
         drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
         ghost_ = std::make_unique<Ghost>(seams_.surroundings, widget_.family, face_.picture());
     }
-    const auto [desk, cell] = target(dx, dy);
-    ghost_->place(desk, cell);
+    ghost_->place(target(dx, dy));
 }
 
 void WidgetWindow::end(double dx, double dy) {
     if (!ghost_) return;
     ghost_.reset();
-    const auto [desk, cell] = target(dx, dy);
-    moveTo(desk, cell);
+    moveTo(target(dx, dy));
 }
 
 void WidgetWindow::step(std::int64_t columns, std::int64_t rows) {
-    const host::Cell wanted{cell_.column + columns, cell_.row + rows};
+    const host::Cell wanted{slot_.cell.column + columns, slot_.cell.row + rows};
     // As far as the monitor goes.
-    moveTo(desk_, seams_.surroundings.cellAt(desk_, seams_.surroundings.position(wanted), widget_.family));
+    const auto& surroundings = seams_.surroundings;
+    moveTo(surroundings.slotAt(slot_.monitor, surroundings.position(wanted), widget_.family));
 }
 
-void WidgetWindow::moveTo(const Desk& desk, host::Cell cell) {
-    if (desk.monitor == desk_.monitor && cell == cell_) return;
-    // The first monitor goes without a name, so that a widget on it follows when it is replaced.
-    const auto desks = seams_.surroundings.desks();
-    std::optional<std::string> monitor = desk.name;
-    if (!desks.empty() && desks.front().monitor == desk.monitor && widget_.monitor != desk.name)
-        monitor.reset();
-    refuse(seams_.host.move(widget_.id, monitor, cell));
+void WidgetWindow::moveTo(host::Slot slot) {
+    if (slot != slot_) tell(seams_.host.move(widget_.id, slot));
 }
 
 void WidgetWindow::stepFamily(int direction) {
@@ -216,11 +211,20 @@ void WidgetWindow::stepFamily(int direction) {
 }
 
 void WidgetWindow::setFamily(WidgetFamily family) {
-    refuse(seams_.host.setFamily(widget_.id, family, seams_.surroundings.columns(desk_)));
+    tell(seams_.host.setFamily(widget_.id, family));
 }
 
-void WidgetWindow::refuse(const std::string& why) {
-    if (!why.empty()) face_.say(words::noRoom);
+void WidgetWindow::reloadWidget() {
+    // A widget that is gone by now wants nothing.
+    static_cast<void>(seams_.host.reload(widget_.id));
+}
+
+void WidgetWindow::removeWidget() {
+    static_cast<void>(seams_.host.remove(widget_.id));
+}
+
+void WidgetWindow::tell(const Result<void>& done) {
+    if (!done) face_.say(words::noRoom);
 }
 
 }  // namespace zelto::desktop

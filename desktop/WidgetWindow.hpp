@@ -5,6 +5,7 @@
 #include <gtkmm/menu.h>
 #include <gtkmm/window.h>
 #include <memory>
+#include <optional>
 
 #include "desktop/Face.hpp"
 #include "desktop/Ghost.hpp"
@@ -21,13 +22,13 @@ class WidgetWindow : public Gtk::Window {
         const Surroundings& surroundings;
         Face::Seams face;
         std::function<void()> showGallery;
-        /// Finds every widget its place anew.
-        std::function<void()> arrange;
+        /// The compositor closed the window, which is hidden now.
+        std::function<void()> closed;
     };
     WidgetWindow(Seams seams, const host::PlacedWidget& widget);
 
-    /// Shows itself as placed, perhaps in another size, where there is a place for it now.
-    void stand(const host::PlacedWidget& widget, const Desk& desk, host::Cell cell);
+    /// Shows itself as it is arranged now, perhaps in another size.
+    void arrange(const host::ArrangedWidget& arranged);
     /// What the extension calls it, and which families it offers.
     void describe(const WidgetDescription& description);
     Face& face() { return face_; }
@@ -45,18 +46,21 @@ class WidgetWindow : public Gtk::Window {
     void showMenu();
     void update(double dx, double dy);
     void end(double dx, double dy);
-    /// Where it would come to stand if it were let go.
-    std::pair<Desk, host::Cell> target(double dx, double dy) const;
+    /// Where it would land if it were let go.
+    host::Slot target(double dx, double dy) const;
     void step(std::int64_t columns, std::int64_t rows);
-    void moveTo(const Desk& desk, host::Cell cell);
+    void moveTo(host::Slot slot);
     void stepFamily(int direction);
     void setFamily(WidgetFamily family);
-    void refuse(const std::string& why);
+    void reloadWidget();
+    void removeWidget();
+    void tell(const Result<void>& done);
 
     Seams seams_;
     host::PlacedWidget widget_;
-    Desk desk_{};
-    host::Cell cell_;
+    host::Slot slot_;
+    /// Where its monitor was when it was placed.
+    std::optional<Desk> desk_;
     std::optional<WidgetDescription> description_;
     Face face_;
     Glib::RefPtr<Gtk::GestureDrag> drag_;

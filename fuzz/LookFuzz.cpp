@@ -127,19 +127,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (!(std::fabs(fan.actual) < 0x1p62)) fan.actual = 0;
     const auto document = encodeJSON(filled);
     if (!document) fail("a sound snapshot cannot be written");
-    snapshot = decodeJSON<WidgetSnapshot>(*document);
-    if (!snapshot) fail("a written snapshot cannot be read");
+    auto read = decodeJSON<WidgetSnapshot>(*document);
+    if (!read) fail("a written snapshot cannot be read: " + read.fault().text());
+    snapshot = *std::move(read);
 
     const Request request{.id = 1, .request = RequestKind::timeline, .kind = widget.kind, .family = family};
-    std::string why;
-    const auto reply = decodeReply(service.answer(*encodeJSON(request)), &why);
-    if (!reply) fail(why);
+    const auto reply = decodeReply(service.answer(*encodeJSON(request)));
+    if (!reply) fail(reply.fault().text());
     if (!reply->timeline) fail(reply->error.value_or("no timeline"));
-    const WidgetSize room = sizeOf(family);
+    const ui::Size room = sizeOf(family);
     const auto placement = layout::layOut(
-        reply->timeline->entries.front().view,
-        {.size = {room.width, room.height}, .now = now},
-        renderer.measuring());
+        reply->timeline->entries.front().view, {.size = room, .now = now}, renderer.measuring());
     for (const auto& link : placement.links)
         if (jsonLength(link.name) > ViewBudget().linkNameBytes || link.url.size() > ViewBudget().linkBytes)
             fail("a link beyond the budget");

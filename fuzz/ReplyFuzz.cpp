@@ -11,7 +11,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zelto;
     static drawing::Renderer renderer;
-    const auto reply = decodeReply({reinterpret_cast<const char*>(data), size}, nullptr);
+    const auto reply = decodeReply({reinterpret_cast<const char*>(data), size});
     if (!reply) return 0;
     const auto show = [](const ui::View& view) {
         const auto placement =

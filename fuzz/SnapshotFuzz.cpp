@@ -10,10 +10,9 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zelto;
     const std::string_view document(reinterpret_cast<const char*>(data), size);
-    DecodingError error;
-    const auto snapshot = decodeJSON<WidgetSnapshot>(document, &error);
+    const auto snapshot = decodeJSON<WidgetSnapshot>(document);
     if (!snapshot) {
-        if (error.reason.empty() || error.place.empty()) std::abort();
+        if (snapshot.fault().reason.empty() || snapshot.fault().path.empty()) std::abort();
         return 0;
     }
     const auto text = encodeJSON(*snapshot);

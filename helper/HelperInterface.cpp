@@ -6,9 +6,7 @@
 namespace zelto {
 namespace {
 
-using xpc::ErrorKind;
-using xpc::ValueKind;
-using xpc::Values;
+using bus::ErrorKind;
 
 // A selector's first part is the method's name.
 constexpr const char* statusMethod = "statusWithReply";
@@ -16,92 +14,90 @@ constexpr const char* chargeMethod = "setChargeConfig";
 constexpr const char* fanMethod = "setFanConfig";
 constexpr const char* resetMethod = "resetAllWithReply";
 
-template <class Config>
-std::optional<xpc::Error> faultOf(const std::string& data) {
-    DecodingError error;
-    if (decodeJSON<Config>(data, &error)) return std::nullopt;
-    return xpc::Error{ErrorKind::badPayload, error.text()};
-}
+const std::string service(HelperConstants::machService);
 
-/// An answer whose results are the operation's own.
-template <class... Texts>
-ReplyBlock<Texts...> replyThrough(xpc::Answer answer) {
-    const auto shared = std::make_shared<xpc::Answer>(std::move(answer));
-    return ReplyBlock<Texts...>([shared](Texts... texts) { (*shared)(Values{std::move(texts)...}); }, {});
+using Setter = void (ZeltoHelperProtocol::*)(std::string, ReplyBlock<std::string>);
+
+/// A row for an operation that takes a configuration.
+template <class Config>
+bus::Method setting(const char* name, ZeltoHelperProtocol& helper, Setter set) {
+    return bus::method(
+        name,
+        {"config"},
+        {"refusal"},
+        [&helper, set](ReplyBlock<bus::Result<std::string>> reply, const Bytes& config) {
+            std::string data = config.content();
+            if (const auto decoded = decodeJSON<Config>(data); !decoded) {
+                reply(bus::Error{ErrorKind::badPayload, decoded.fault().text()});
+                return;
+            }
+            const auto shared = std::make_shared<ReplyBlock<bus::Result<std::string>>>(std::move(reply));
+            (helper.*set)(std::move(data), {[shared](std::string text) { (*shared)(std::move(text)); }, {}});
+        });
 }
 
 }  // namespace
 
-const xpc::Interface& helperInterface() {
-    static const xpc::Interface interface {
-        .service = std::string(HelperConstants::machService), .methods = {
-            {statusMethod, {}, {ValueKind::data}},
-            {chargeMethod, {ValueKind::data}, {ValueKind::text}},
-            {fanMethod, {ValueKind::data}, {ValueKind::text}},
-            {resetMethod, {}, {}}
-        }
-    };
-    return interface;
+bus::Interface helperInterface(ZeltoHelperProtocol& helper) {
+    using Status = ReplyBlock<bus::Result<Bytes>>;
+    using Reset = ReplyBlock<bus::Result<void>>;
+    return {
+        .service = service,
+        .methods = {
+            bus::method(
+                statusMethod,
+                {},
+                {"status"},
+                [&helper](Status reply) {
+                    const auto shared = std::make_shared<Status>(std::move(reply));
+                    helper.statusWithReply(
+                        {[shared](const std::string& data) { (*shared)(Bytes::of(data)); }, {}});
+                }),
+            setting<ChargeConfig>(chargeMethod, helper, &ZeltoHelperProtocol::setChargeConfig),
+            setting<FanConfig>(fanMethod, helper, &ZeltoHelperProtocol::setFanConfig),
+            bus::method(resetMethod, {}, {}, [&helper](Reset reply) {
+                const auto shared = std::make_shared<Reset>(std::move(reply));
+                helper.resetAllWithReply({[shared] { (*shared)({}); }, {}});
+            })}};
 }
 
-HelperConnection::HelperConnection(xpc::Bus bus, std::chrono::milliseconds deadline)
-    : connection_(std::move(bus), helperInterface()), deadline_(deadline) {}
+HelperConnection::HelperConnection(bus::Address address, std::chrono::milliseconds deadline)
+    : connection_(std::move(address), service), deadline_(deadline) {}
 
-xpc::Result<HelperStatus> HelperConnection::status() {
-    auto outcome = connection_.call(statusMethod, {}, deadline_);
-    if (auto* error = std::get_if<xpc::Error>(&outcome)) return std::move(*error);
-    DecodingError error;
-    auto status = decodeJSON<HelperStatus>(std::get<Values>(outcome).front(), &error);
+bus::Result<HelperStatus> HelperConnection::status() {
+    const auto data = connection_.call<Bytes>(statusMethod, deadline_);
+    if (!data) return data.fault();
+    auto status = decodeJSON<HelperStatus>(data->content());
     if (!status)
-        return xpc::Error{ErrorKind::badPayload, "the helper's status does not decode: " + error.text()};
+        return bus::Error{
+            ErrorKind::badPayload, "the helper's status does not decode: " + status.fault().text()};
     return *std::move(status);
 }
 
-xpc::Result<std::string> HelperConnection::set(
-    const std::string& method, const std::optional<std::string>& data) {
-    if (!data) return xpc::Error{ErrorKind::badPayload, "a number that is not finite"};
-    auto outcome = connection_.call(method, {*data}, deadline_);
-    if (auto* error = std::get_if<xpc::Error>(&outcome)) return std::move(*error);
-    return std::move(std::get<Values>(outcome).front());
+template <class Config>
+bus::Result<std::string> HelperConnection::set(const char* method, const Config& config) {
+    const auto data = encodeJSON(config);
+    if (!data) return bus::Error{ErrorKind::badPayload, "a number that is not finite"};
+    return connection_.call<std::string>(method, deadline_, Bytes::of(*data));
 }
 
-xpc::Result<std::string> HelperConnection::setChargeConfig(const ChargeConfig& config) {
-    return set(chargeMethod, encodeJSON(config));
+bus::Result<std::string> HelperConnection::setChargeConfig(const ChargeConfig& config) {
+    return set(chargeMethod, config);
 }
 
-xpc::Result<std::string> HelperConnection::setFanConfig(const FanConfig& config) {
-    return set(fanMethod, encodeJSON(config));
+bus::Result<std::string> HelperConnection::setFanConfig(const FanConfig& config) {
+    return set(fanMethod, config);
 }
 
-std::optional<xpc::Error> HelperConnection::resetAll() {
-    auto outcome = connection_.call(resetMethod, {}, deadline_);
-    if (auto* error = std::get_if<xpc::Error>(&outcome)) return std::move(*error);
-    return std::nullopt;
+bus::Result<void> HelperConnection::resetAll() {
+    return connection_.call<void>(resetMethod, deadline_);
 }
 
-xpc::Result<xpc::Listener> listenAsHelper(ZeltoHelperProtocol& helper, HelperListenerOptions options) {
-    const auto handler = [&helper](const std::string& method, Values arguments, xpc::Answer answer) {
-        if (method == statusMethod) {
-            helper.statusWithReply(replyThrough<std::string>(std::move(answer)));
-        } else if (method == resetMethod) {
-            helper.resetAllWithReply(replyThrough<>(std::move(answer)));
-        } else {
-            const bool isCharge = method == chargeMethod;
-            std::string& data = arguments.front();
-            if (auto fault = isCharge ? faultOf<ChargeConfig>(data) : faultOf<FanConfig>(data)) {
-                answer(*std::move(fault));
-                return;
-            }
-            const auto set =
-                isCharge ? &ZeltoHelperProtocol::setChargeConfig : &ZeltoHelperProtocol::setFanConfig;
-            (helper.*set)(std::move(data), replyThrough<std::string>(std::move(answer)));
-        }
-    };
-    return xpc::Listener::start(
-        {.bus = std::move(options.bus),
-         .interface = helperInterface(),
+bus::Result<bus::Listener> listenAsHelper(ZeltoHelperProtocol& helper, HelperListenerOptions options) {
+    return bus::Listener::start(
+        {.address = std::move(options.address),
+         .interface = helperInterface(helper),
          .trusted = std::move(options.trusted),
-         .handler = handler,
          .deadline = options.deadline});
 }
 

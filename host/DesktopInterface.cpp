@@ -1,7 +1,5 @@
 #include "host/DesktopInterface.hpp"
 
-#include <charconv>
-
 #include <unistd.h>
 
 #include "platform/foundation/JSONEncoder.hpp"
@@ -9,93 +7,112 @@
 namespace zelto::host {
 namespace {
 
-using xpc::ErrorKind;
-using xpc::ValueKind;
-using xpc::Values;
+using bus::method;
 
-xpc::Error refusal(const std::string& why) {
-    return {ErrorKind::badPayload, why};
+bus::Error refusal(const Fault& fault) {
+    return {bus::ErrorKind::badPayload, fault.text()};
 }
 
-std::int64_t integer(const std::string& digits) {
-    std::int64_t value = 0;
-    std::from_chars(digits.data(), digits.data() + digits.size(), value);
-    return value;
+template <class T>
+bus::Result<T> onBus(Result<T> result) {
+    if (!result) return refusal(result.fault());
+    if constexpr (std::is_void_v<T>)
+        return {};
+    else
+        return *std::move(result);
 }
 
-xpc::Result<Values> answerTo(const WidgetHost::Refusal& why, Values results = {}) {
-    if (!why.empty()) return refusal(why);
-    return results;
+Result<WidgetFamily> familyNamed(const std::string& name) {
+    if (const auto family = named<WidgetFamily>(name)) return *family;
+    return Fault{.reason = "'" + name + "' is not systemSmall, systemMedium or systemLarge"};
 }
 
 }  // namespace
 
-const xpc::Interface& desktopInterface() {
-    static const xpc::Interface interface {
-        .service = "com.kavra.zelto.desktop", .methods = {
-            {"reload", {ValueKind::text}, {}},
-            {"list", {}, {ValueKind::text}},
-            {"add", {ValueKind::text, ValueKind::text}, {ValueKind::text}},
-            {"remove", {ValueKind::text}, {}},
-            {"move", {ValueKind::text, ValueKind::text, ValueKind::integer, ValueKind::integer}, {}},
-            {"resize", {ValueKind::text, ValueKind::text}, {}},
-            {"gallery", {}, {}},
-            {"quit", {}, {}}
-        }
-    };
-    return interface;
+bus::Interface desktopInterface(const DesktopActions& actions) {
+    using Done = bus::Result<void>;
+    using Text = bus::Result<std::string>;
+    const auto& host = actions.host;
+    return {
+        .service = std::string(desktopService),
+        .methods = {
+            method(
+                "reload",
+                {"kind"},
+                {},
+                [host](const std::string& kind) -> Done {
+                    if (!kind.empty()) return onBus(host().reloadKind(kind));
+                    host().reloadAll();
+                    return {};
+                }),
+            method(
+                "list",
+                {},
+                {"widgets"},
+                [host]() -> Text { return encodeJSON(host().widgets()).value_or("[]"); }),
+            method(
+                "add",
+                {"kind", "family"},
+                {"id"},
+                [host](const std::string& kind, const std::string& family) -> Text {
+                    const auto wanted = familyNamed(family);
+                    return wanted ? onBus(host().add(kind, *wanted)) : refusal(wanted.fault());
+                }),
+            method(
+                "remove",
+                {"id"},
+                {},
+                [host](const std::string& id) -> Done { return onBus(host().remove(id)); }),
+            method(
+                "move",
+                {"id", "monitor", "column", "row"},
+                {},
+                [host](
+                    const std::string& id, const std::string& monitor, std::int64_t column, std::int64_t row)
+                    -> Done {
+                    std::optional<std::string> name;
+                    if (!monitor.empty()) name = monitor;
+                    return onBus(host().move(id, name, {column, row}));
+                }),
+            method(
+                "resize",
+                {"id", "family"},
+                {},
+                [host](const std::string& id, const std::string& family) -> Done {
+                    const auto wanted = familyNamed(family);
+                    return wanted ? onBus(host().setFamily(id, *wanted)) : refusal(wanted.fault());
+                }),
+            method(
+                "gallery",
+                {},
+                {},
+                [show = actions.showGallery]() -> Done {
+                    show();
+                    return {};
+                }),
+            method("quit", {}, {}, [quit = actions.quit]() -> Done {
+                quit();
+                return {};
+            })}};
 }
 
-xpc::Result<Values> perform(
-    const DesktopActions& actions, const std::string& method, const Values& arguments) {
-    WidgetHost& host = actions.host;
-    if (method == "reload") {
-        if (!arguments[0].empty()) return answerTo(host.reloadKind(arguments[0]));
-        host.reloadAll();
-        return Values{};
-    }
-    if (method == "list") return Values{encodeJSON(host.widgets()).value_or("[]")};
-    if (method == "remove") return answerTo(host.remove(arguments[0]));
-    if (method == "move") {
-        std::optional<std::string> monitor;
-        if (!arguments[1].empty()) monitor = arguments[1];
-        return answerTo(host.move(arguments[0], monitor, {integer(arguments[2]), integer(arguments[3])}));
-    }
-    if (method == "gallery") {
-        actions.showGallery();
-        return Values{};
-    }
-    if (method == "quit") {
-        actions.quit();
-        return Values{};
-    }
-    const auto family = named<WidgetFamily>(arguments[1]);
-    if (!family) return refusal("'" + arguments[1] + "' is not systemSmall, systemMedium or systemLarge");
-    if (method == "resize") return answerTo(host.setFamily(arguments[0], *family, actions.columns()));
-    std::string id;
-    const auto why = host.add(arguments[0], *family, std::nullopt, actions.columns(), id);
-    return answerTo(why, {id});
-}
-
-xpc::Result<xpc::Listener> listenAsDesktop(
-    xpc::Bus bus,
-    std::function<void(const std::string& method, Values arguments, xpc::Answer answer)> handler) {
-    return xpc::Listener::start(
-        {.bus = std::move(bus),
-         .interface = desktopInterface(),
+bus::Result<bus::Listener> listenAsDesktop(
+    bus::Address address, const DesktopActions& actions,
+    std::function<void(std::function<void()>)> dispatch) {
+    return bus::Listener::start(
+        {.address = std::move(address),
+         .interface = desktopInterface(actions),
          .trusted = {getuid()},
-         .handler = std::move(handler)});
+         .dispatch = std::move(dispatch)});
 }
 
-std::optional<std::pair<std::string, std::string>> parseWish(const std::string& text) {
+std::optional<std::pair<std::string, WidgetFamily>> parseWish(const std::string& text) {
     const auto colon = text.rfind(':');
     if (colon == std::string::npos || colon == 0) return std::nullopt;
-    std::string family = text.substr(colon + 1);
-    if (family == "small") family = "systemSmall";
-    if (family == "medium") family = "systemMedium";
-    if (family == "large") family = "systemLarge";
-    if (!named<WidgetFamily>(family)) return std::nullopt;
-    return std::pair(text.substr(0, colon), family);
+    const std::string name = text.substr(colon + 1);
+    const auto family = familyCalled(name) ? familyCalled(name) : named<WidgetFamily>(name);
+    if (!family) return std::nullopt;
+    return std::pair(text.substr(0, colon), *family);
 }
 
 }  // namespace zelto::host

@@ -1,40 +1,37 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
-#include <vector>
+#include <string_view>
+#include <utility>
 
 #include "host/WidgetHost.hpp"
-#include "platform/xpc/Connection.hpp"
-#include "platform/xpc/Listener.hpp"
+#include "platform/bus/Connection.hpp"
+#include "platform/bus/Listener.hpp"
 
 // The running host as other programs see it on the session bus (docs/widgets-for-apps.md).
 
 namespace zelto::host {
 
-/// reload(kind), list, add(kind, family), remove(id), move(id, monitor, column, row), resize(id, family),
-/// gallery and quit.
-const xpc::Interface& desktopInterface();
+inline constexpr std::string_view desktopService = "com.kavra.zelto.desktop";
 
 /// What the host does for a caller. All run on the host's thread.
 struct DesktopActions {
-    WidgetHost& host;
-    std::function<std::int64_t()> columns;
+    std::function<WidgetHost&()> host;
     std::function<void()> showGallery;
     std::function<void()> quit;
 };
 
-/// Carries out one call; what makes no sense comes back as an error.
-xpc::Result<xpc::Values> perform(
-    const DesktopActions& actions, const std::string& method, const xpc::Values& arguments);
+/// reload(kind), list, add(kind, family), remove(id), move(id, monitor, column, row), resize(id, family),
+/// gallery and quit. What cannot be done comes back as an error.
+bus::Interface desktopInterface(const DesktopActions& actions);
 
-/// Offers the host on a bus, to this user only. `perform` gets each call with its answer, on the listener's
-/// thread.
-xpc::Result<xpc::Listener> listenAsDesktop(
-    xpc::Bus bus,
-    std::function<void(const std::string& method, xpc::Values arguments, xpc::Answer answer)> handler);
+/// Offers the host on a bus, to this user only; `dispatch` carries calls over to the host's thread.
+bus::Result<bus::Listener> listenAsDesktop(
+    bus::Address address, const DesktopActions& actions, std::function<void(std::function<void()>)> dispatch);
 
 /// "KIND:FAMILY", families as small, medium or large or by their whole names. Absent when it is not that.
-std::optional<std::pair<std::string, std::string>> parseWish(const std::string& text);
+std::optional<std::pair<std::string, WidgetFamily>> parseWish(const std::string& text);
 
 }  // namespace zelto::host

@@ -57,6 +57,11 @@ std::string describe(int status) {
     return "the widget extension ended by itself (status " + std::to_string(WEXITSTATUS(status)) + ")";
 }
 
+Outcome outcomeOf(Reply reply, std::string line) {
+    if (reply.error) return NoReply{reply.error->empty() ? "an error without a reason" : *reply.error};
+    return CheckedReply{std::move(reply), std::move(line)};
+}
+
 }  // namespace
 
 /// The requests of one exchange and what became of them.
@@ -67,12 +72,10 @@ struct ExtensionProcess::Exchange {
     Clock::time_point deadline;
 };
 
-std::optional<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program, std::string& why) {
+Result<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program) {
     auto toChild = Pipe::make(), fromChild = Pipe::make(), errors = Pipe::make();
-    if (!toChild || !fromChild || !errors) {
-        why = std::string("no pipe for the widget extension: ") + std::strerror(errno);
-        return std::nullopt;
-    }
+    if (!toChild || !fromChild || !errors)
+        return Fault{.reason = std::string("no pipe for the widget extension: ") + std::strerror(errno)};
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, toChild->read.get(), STDIN_FILENO);
@@ -87,10 +90,10 @@ std::optional<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& 
     pid_t pid = -1;
     const int error = posix_spawn(&pid, program.path.c_str(), &actions, nullptr, argv.data(), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (error != 0) {
-        why = "cannot start the widget extension " + program.path.string() + ": " + std::strerror(error);
-        return std::nullopt;
-    }
+    if (error != 0)
+        return Fault{
+            .reason =
+                "cannot start the widget extension " + program.path.string() + ": " + std::strerror(error)};
     makeNonBlocking(toChild->write.get());
     makeNonBlocking(fromChild->read.get());
     makeNonBlocking(errors->read.get());
@@ -203,18 +206,14 @@ bool ExtensionProcess::receiveSome() {
 std::string ExtensionProcess::takeReplies(Exchange& exchange) {
     std::size_t begin = 0;
     for (auto end = received_.find('\n'); end != std::string::npos; end = received_.find('\n', begin)) {
-        std::string why;
-        auto reply = decodeReply(std::string_view(received_).substr(begin, end - begin), &why);
+        std::string line = received_.substr(begin, end - begin);
+        auto reply = decodeReply(line);
         begin = end + 1;
-        if (!reply) return "the widget extension sent an invalid reply: " + why;
+        if (!reply) return "the widget extension sent an invalid reply: " + reply.fault().text();
         const auto waiting = reply->id ? exchange.open.find(*reply->id) : exchange.open.end();
         if (waiting == exchange.open.end()) return "the widget extension answered an unknown request";
-        Outcome& outcome = exchange.answered[waiting->second];
+        exchange.answered.emplace(waiting->second, outcomeOf(*std::move(reply), std::move(line)));
         exchange.open.erase(waiting);
-        if (reply->error)
-            outcome.error = reply->error->empty() ? "an error without a reason" : *reply->error;
-        else
-            outcome.reply = std::move(reply);
     }
     received_.erase(0, begin);
     static_assert(longestLine == std::size_t{32} << 20);
@@ -270,7 +269,7 @@ void ExtensionProcess::exchange(
             exchange.pending += *line + '\n';
             exchange.open[requests[place].id] = place;
         } else {
-            exchange.answered[place].error = "a request that is not UTF-8";
+            exchange.answered.emplace(place, NoReply{"a request that is not UTF-8"});
         }
     }
     std::string failure = pid_ < 0 ? "the widget extension has ended" : "";
@@ -280,8 +279,7 @@ void ExtensionProcess::exchange(
     }
     if (!failure.empty() && pid_ > 0) end();
     failure_ = failure;
-    for (const auto& [id, place] : exchange.open)
-        exchange.answered[place] = {.error = failure, .isUnanswered = true};
+    for (const auto& [id, place] : exchange.open) exchange.answered.emplace(place, NoReply{failure, true});
     if (!exchange.answered.empty()) deliver(std::move(exchange.answered));
 }
 
@@ -293,7 +291,9 @@ void askApart(
     auto next = requests.begin();
     const auto hand = [&](std::size_t place, Outcome outcome) {
         const std::lock_guard lock(mutex);
-        deliver({{place, std::move(outcome)}});
+        Outcomes one;
+        one.emplace(place, std::move(outcome));
+        deliver(std::move(one));
     };
     const auto workOff = [&] {
         while (true) {
@@ -301,15 +301,14 @@ void askApart(
             if (next == requests.end() || isReadable(cancel)) return;
             const auto& [place, request] = *next++;
             lock.unlock();
-            std::string why;
-            auto process = ExtensionProcess::start(program, why);
+            auto process = ExtensionProcess::start(program);
             if (process)
                 process->exchange(
                     {request},
                     [&hand, at = place](Outcomes outcomes) { hand(at, std::move(outcomes.begin()->second)); },
                     cancel);
             else
-                hand(place, {.error = why, .isUnanswered = true});
+                hand(place, NoReply{process.fault().text(), true});
         }
     };
     std::vector<std::jthread> others;

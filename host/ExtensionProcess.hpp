@@ -11,17 +11,27 @@
 #include <sys/types.h>
 
 #include "platform/foundation/FileDescriptor.hpp"
+#include "platform/foundation/Result.hpp"
 #include "platform/widgetkit/Messages.hpp"
 
 namespace zelto::host {
 
-/// What became of one request: a reply that was checked, or why there is none.
-struct Outcome {
-    std::optional<Reply> reply = {};
-    std::string error = {};
+/// A reply that was checked, and the line in which it came.
+struct CheckedReply {
+    Reply reply;
+    std::string line;
+};
+/// Why there is none.
+struct NoReply {
+    std::string reason;
     /// The process ended or hung before it answered, for which another request may be to blame.
     bool isUnanswered = false;
 };
+/// What became of one request.
+using Outcome = Result<CheckedReply, NoReply>;
+inline bool isUnanswered(const Outcome& outcome) {
+    return !outcome && outcome.fault().isUnanswered;
+}
 /// By the requests' places in the list that was asked.
 using Outcomes = std::map<std::size_t, Outcome>;
 
@@ -36,8 +46,7 @@ struct ExtensionProgram {
 /// end. Ends, if it must by force, with this object.
 class ExtensionProcess {
   public:
-    /// Absent, with the reason, when the program cannot be started.
-    static std::optional<ExtensionProcess> start(const ExtensionProgram& program, std::string& why);
+    static Result<ExtensionProcess> start(const ExtensionProgram& program);
 
     ExtensionProcess(ExtensionProcess&& other) noexcept;
     ExtensionProcess& operator=(ExtensionProcess&&) = delete;

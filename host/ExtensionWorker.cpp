@@ -106,9 +106,9 @@ void ExtensionWorker::exchange(const std::vector<Request>& requests, const Deliv
         }
     }
     if (!together.empty()) {
-        if (const std::string why = startProcess(); !why.empty()) {
+        if (const auto started = startProcess(); !started) {
             Outcomes none;
-            for (const std::size_t place : places) none[place] = {.error = why, .isUnanswered = true};
+            for (const std::size_t place : places) none.emplace(place, NoReply{started.fault().text(), true});
             deliver(std::move(none));
             together.clear();
         }
@@ -119,7 +119,7 @@ void ExtensionWorker::exchange(const std::vector<Request>& requests, const Deliv
             [&](Outcomes&& outcomes) {
                 Outcomes answered;
                 for (auto& [i, outcome] : outcomes) {
-                    if (outcome.isUnanswered)
+                    if (isUnanswered(outcome))
                         death.unanswered[places[i]] = requests[places[i]];
                     else
                         answered.emplace(places[i], std::move(outcome));
@@ -166,8 +166,8 @@ void ExtensionWorker::askAgain(const Death& death, const Deliver& deliver) {
                 const std::lock_guard lock(mutex_);
                 for (const auto& [place, outcome] : outcomes) {
                     const Subject subject = subjectOf(death.unanswered.at(place));
-                    isOfUse = isOfUse || !outcome.isUnanswered;
-                    if (outcome.isUnanswered) {
+                    isOfUse = isOfUse || !isUnanswered(outcome);
+                    if (isUnanswered(outcome)) {
                         dead.insert(subject);
                         deadly_.insert(subject);
                     } else {
@@ -196,7 +196,7 @@ void ExtensionWorker::askAgain(const Death& death, const Deliver& deliver) {
     if (!last.empty()) deliver(std::move(last));
 }
 
-std::string ExtensionWorker::startProcess() {
+Result<void> ExtensionWorker::startProcess() {
     if (isOutdated()) process_.reset();
     if (process_)
         if (const auto ending = process_->ending()) {
@@ -204,13 +204,14 @@ std::string ExtensionWorker::startProcess() {
             backOff(*ending);
         }
     if (process_) return {};
-    if (!pauses()) return "the host ends";
-    std::string why;
-    if (auto started = ExtensionProcess::start(options_.program, why))
-        process_.emplace(*std::move(started));
-    else
-        backOff(why);
-    return why;
+    if (!pauses()) return Fault{.reason = "the host ends"};
+    auto started = ExtensionProcess::start(options_.program);
+    if (!started) {
+        backOff(started.fault().text());
+        return std::move(started).fault();
+    }
+    process_.emplace(*std::move(started));
+    return {};
 }
 
 void ExtensionWorker::backOff(const std::string& how) {

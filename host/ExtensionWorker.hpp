@@ -84,8 +84,8 @@ class ExtensionWorker {
     void work(std::deque<Work> works);
     void exchange(const std::vector<Request>& requests, const Deliver& deliver);
     void askAgain(const Death& death, const Deliver& deliver);
-    /// Why there is no process to ask, or nothing.
-    std::string startProcess();
+    /// Sees to it that there is a process to ask.
+    Result<void> startProcess();
     void backOff(const std::string& how);
     void log(const std::string& line);
     bool pauses();

@@ -1,7 +1,9 @@
 #pragma once
 
-#include <functional>
 #include <string>
+#include <utility>
+
+#include "platform/foundation/Result.hpp"
 
 namespace zelto::host {
 
@@ -10,17 +12,16 @@ namespace zelto::host {
 class LinkOpener {
   public:
     /// `command` is run with the link as its last argument; empty for the desktop's handler of the scheme.
-    LinkOpener(std::string command, std::function<void(const std::string&)> log);
+    explicit LinkOpener(std::string command) : command_(std::move(command)) {}
 
-    /// False, with a line in the log, when nothing opens it.
-    bool open(const std::string& url) const;
+    /// The fault says why nothing opens it.
+    Result<void> open(const std::string& url) const;
 
   private:
-    bool openWithCommand(const std::string& url) const;
-    bool openWithHandler(const std::string& url) const;
+    Result<void> openWithCommand(const std::string& url) const;
+    static Result<void> openWithHandler(const std::string& url);
 
     std::string command_;
-    std::function<void(const std::string&)> log_;
 };
 
 }  // namespace zelto::host

@@ -2,7 +2,6 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "host/TileGrid.hpp"
 
@@ -22,16 +21,9 @@ struct PlacedWidget {
     bool operator==(const PlacedWidget&) const = default;
 };
 
-/// The document that keeps them.
-struct PlacedWidgets {
-    std::vector<PlacedWidget> widgets;
-    bool operator==(const PlacedWidgets&) const = default;
-};
-
-/// Places beyond this are nonsense.
+/// Tiles farther out, or down, are refused.
 inline constexpr std::int64_t farthestTile = 1000;
 
 }  // namespace zelto::host
 
 ZELTO_RECORD(zelto::host::PlacedWidget, id, kind, family, monitor, column, row);
-ZELTO_RECORD(zelto::host::PlacedWidgets, widgets);

@@ -1,6 +1,7 @@
 #include "host/Schedule.hpp"
 
 #include <algorithm>
+#include <iterator>
 #include <limits>
 
 namespace zelto::host {
@@ -11,23 +12,17 @@ constexpr double steering = 1;
 
 constexpr Date longAgo{-std::numeric_limits<double>::infinity()};
 
-/// The last entry whose date has come; before all of them, the first to come. Entries need not be in order.
+/// The last entry whose date has come; before all of them, the first.
 const ArchivedEntry& entryAt(const ArchivedTimeline& timeline, Date now) {
-    const ArchivedEntry* best = &timeline.entries.front();
-    for (const ArchivedEntry& entry : timeline.entries) {
-        const bool isCurrent = entry.date <= now, bestIsCurrent = best->date <= now;
-        if (isCurrent != bestIsCurrent ? isCurrent
-                                       : (isCurrent ? entry.date >= best->date : entry.date < best->date))
-            best = &entry;
-    }
-    return *best;
+    const auto next = std::ranges::upper_bound(timeline.entries, now, {}, &ArchivedEntry::date);
+    return next == timeline.entries.begin() ? *next : *std::prev(next);
 }
 
 }  // namespace
 
 void Schedule::add(const std::string& id, std::optional<ArchivedTimeline> stored) {
     Widget& widget = widgets_[id] = Widget{};
-    if (stored && !stored->entries.empty()) widget.timeline = std::move(stored);
+    widget.timeline = std::move(stored);
 }
 
 void Schedule::remove(const std::string& id) {
@@ -82,10 +77,6 @@ Schedule::Due Schedule::at(Date now) {
 void Schedule::received(const std::string& id, ArchivedTimeline timeline, Date now) {
     const auto found = widgets_.find(id);
     if (found == widgets_.end()) return;
-    if (timeline.entries.empty()) {
-        failed(id, now);
-        return;
-    }
     Widget& widget = found->second;
     widget.isAsked = false;
     widget.backoff.succeeded();

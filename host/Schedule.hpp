@@ -10,7 +10,8 @@
 
 namespace zelto::host {
 
-/// What placed widgets show, and when the extension is asked for more. A pure function of what it is told:
+/// What placed widgets show, and when the extension is asked for more. Timelines are what decodeReply lets
+/// pass: some entries, in order. A pure function of what it is told:
 /// it has no clock, and whoever drives it calls `at` no later than the instant that `nextInstant` names, and
 /// whenever the clock was set.
 class Schedule {

@@ -21,7 +21,9 @@ std::filesystem::path WidgetSnapshot::url(const HomeLookup& lookup) {
 std::optional<WidgetSnapshot> WidgetSnapshot::read(const HomeLookup& lookup) {
     const auto bytes = readFile(url(lookup), largestDocument);
     if (!bytes) return std::nullopt;
-    return decodeJSON<WidgetSnapshot>(*bytes);
+    auto snapshot = decodeJSON<WidgetSnapshot>(*bytes);
+    if (!snapshot) return std::nullopt;
+    return *std::move(snapshot);
 }
 
 std::optional<WidgetSnapshot> WidgetSnapshot::load(const HomeLookup& lookup) {

@@ -33,10 +33,8 @@ std::string reasonOf(std::string_view message) {
 /// somebody asked for; everything under an unknown key is only counted.
 class Sink {
   public:
-    Sink(
-        std::string_view document, const Schema& schema, void* root, DecodingError* error,
-        std::size_t maximumDepth)
-        : document_(document), root_{&schema, root}, error_(error), maximumDepth_(maximumDepth) {
+    Sink(std::string_view document, const Schema& schema, void* root, std::size_t maximumDepth)
+        : document_(document), root_{&schema, root}, maximumDepth_(maximumDepth) {
         frames_.reserve(16);
     }
 
@@ -56,8 +54,7 @@ class Sink {
         if (skips()) return true;
         const Target target = unwrap(next());
         // The parser calls this only for a token with a minus sign, so a zero was written as "-0".
-        if (target.schema->kind == Kind::real)
-            return assign(target, value == 0 ? -0.0 : static_cast<double>(value));
+        if (isNumber(target)) return assign(target, value == 0 ? -0.0 : static_cast<double>(value));
         if (target.schema->kind == Kind::integer) {
             *static_cast<std::int64_t*>(target.value) = value;
             return true;
@@ -71,14 +68,14 @@ class Sink {
     bool number_unsigned(std::uint64_t value) {
         if (skips()) return true;
         const Target target = unwrap(next());
-        if (target.schema->kind == Kind::real) return assign(target, static_cast<double>(value));
+        if (isNumber(target)) return assign(target, static_cast<double>(value));
         if (integer(target, {.negative = false, .magnitude = value})) return true;
         return mismatch(target, std::to_string(value));
     }
     bool number_float(double value, const std::string& token) {
         if (skips()) return true;
         const Target target = unwrap(next());
-        if (target.schema->kind == Kind::real) {
+        if (isNumber(target)) {
             if (value == 0 && !isZeroToken(token)) return mismatch(target, token + ", which is too small");
             return assign(target, value);
         }
@@ -92,7 +89,8 @@ class Sink {
             *static_cast<std::string*>(target.value) = value;
             return true;
         }
-        if (target.schema->kind != Kind::token) return mismatch(target, "a string");
+        if (target.schema->kind != Kind::token && target.schema->kind != Kind::bytes)
+            return mismatch(target, "a string");
         return target.schema->parse(target.value, value) || fail("not " + std::string(target.schema->name));
     }
     bool binary(const nlohmann::json::binary_t&) { return false; }  // not a thing of JSON texts
@@ -156,15 +154,17 @@ class Sink {
     }
 
     bool failAt(std::size_t offset, std::string reason) {
-        if (!error_) return false;
         const std::string_view before = document_.substr(0, offset);
         const auto line = std::ranges::count(before, '\n') + 1;
         const auto start = before.rfind('\n') == std::string_view::npos ? 0 : before.rfind('\n') + 1;
         const auto column =
             std::ranges::count_if(before.substr(start), [](char c) { return (c & 0xC0) != 0x80; }) + 1;
-        *error_ = {"line " + std::to_string(line) + ", column " + std::to_string(column), std::move(reason)};
+        fault_ = {"line " + std::to_string(line) + ", column " + std::to_string(column), std::move(reason)};
         return false;
     }
+
+    /// The reason why a document was rejected.
+    Fault takeFault() { return std::move(fault_); }
 
   private:
     struct Target {
@@ -235,8 +235,14 @@ class Sink {
         return true;
     }
 
+    static bool isNumber(Target target) {
+        return target.schema->kind == Kind::real || target.schema->kind == Kind::date;
+    }
     static bool assign(Target target, double value) {
-        *static_cast<double*>(target.value) = value;
+        if (target.schema->kind == Kind::date)
+            static_cast<Date*>(target.value)->sinceReference = value;
+        else
+            *static_cast<double*>(target.value) = value;
         return true;
     }
     static bool integer(Target target, ExactInteger exact) {
@@ -258,12 +264,12 @@ class Sink {
         return fail("expected " + std::string(expected) + ", found " + found);
     }
     bool fail(std::string reason) {
-        if (error_) *error_ = {path(frames_.size()), std::move(reason)};
+        fault_ = {path(frames_.size()), std::move(reason)};
         return false;
     }
     /// A fault of the innermost open object itself, not of a value in it.
     bool failHere(std::string reason) {
-        if (error_) *error_ = {path(frames_.size() - 1), std::move(reason)};
+        fault_ = {path(frames_.size() - 1), std::move(reason)};
         return false;
     }
     std::string path(std::size_t frames) const {
@@ -283,7 +289,7 @@ class Sink {
 
     std::string_view document_;
     Target root_;
-    DecodingError* error_;
+    Fault fault_;
     std::size_t maximumDepth_;
     std::vector<Frame> frames_;
     std::size_t skipDepth_ = 0;
@@ -292,19 +298,19 @@ class Sink {
 
 }  // namespace
 
-bool decodeJSON(
-    std::string_view document, const Schema& schema, void* out, DecodingError* error,
-    std::size_t maximumDepth) {
-    Sink sink(document, schema, out, error, maximumDepth);
-    if (document.find_first_not_of(" \t\r\n") == std::string_view::npos)
-        return sink.failAt(0, "the document is empty");
-
+Result<void> decodeJSON(
+    std::string_view document, const Schema& schema, void* value, std::size_t maximumDepth) {
+    Sink sink(document, schema, value, maximumDepth);
     // The parser takes a NUL for the end of its input, and no JSON text holds one: what stands before it is
     // parsed for a fault that comes earlier.
     const auto nul = document.find('\0');
     const std::string_view text = document.substr(0, nul);
-    if (!nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &sink)) return false;
-    return nul == std::string_view::npos || sink.failAt(nul, "a NUL byte");
+    const bool isDecoded = document.find_first_not_of(" \t\r\n") == std::string_view::npos
+                               ? sink.failAt(0, "the document is empty")
+                               : nlohmann::json::sax_parse(text.data(), text.data() + text.size(), &sink) &&
+                                     (nul == std::string_view::npos || sink.failAt(nul, "a NUL byte"));
+    if (isDecoded) return {};
+    return sink.takeFault();
 }
 
 }  // namespace zelto

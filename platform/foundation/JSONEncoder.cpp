@@ -67,6 +67,16 @@ class Writer {
         std::memcpy(at_, text.data(), text.size());
         at_ += text.size();
     }
+    /// `,"name":`, or with another mark before it. Names are letters and digits.
+    void putKey(char before, std::string_view name) {
+        reserve(name.size() + 4);
+        *at_++ = before;
+        *at_++ = '"';
+        std::memcpy(at_, name.data(), name.size());
+        at_ += name.size();
+        *at_++ = '"';
+        *at_++ = ':';
+    }
     template <class Integer>
     void putInteger(Integer value) {
         reserve(longestNumber);
@@ -144,7 +154,7 @@ bool Writer::putRecord(const Schema& schema, const void* value) {
             member = inner->at(member, 0);
             inner = &inner->element();
         }
-        put(field.encodedKey);
+        putKey(',', field.name);
         if (!putValue(*inner, member)) return false;
     }
     if (length() == start)
@@ -181,8 +191,10 @@ bool Writer::putValue(const Schema& schema, const void* value) {
         case Kind::integer: putInteger(*static_cast<const std::int64_t*>(value)); return true;
         case Kind::unsignedInteger: putInteger(*static_cast<const std::uint64_t*>(value)); return true;
         case Kind::real: return putNumber(*static_cast<const double*>(value));
+        case Kind::date: return putNumber(static_cast<const Date*>(value)->sinceReference);
         case Kind::string: return putString(*static_cast<const std::string*>(value));
-        case Kind::token: return putToken(schema, value);
+        case Kind::token:
+        case Kind::bytes: return putToken(schema, value);
         case Kind::optional:
             // Only a record can leave an absent value out.
             return schema.count(value) == 1 && putValue(schema.element(), schema.at(value, 0));
@@ -190,7 +202,7 @@ bool Writer::putValue(const Schema& schema, const void* value) {
         case Kind::record: return putRecord(schema, value);
         case Kind::choice: {
             const auto& chosen = schema.cases[schema.count(value)];
-            put(chosen.encodedKey);
+            putKey('{', chosen.name);
             if (!putValue(chosen.schema(), schema.at(value, 0))) return false;
             put('}');
             return true;

@@ -9,6 +9,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/foundation/Bytes.hpp"
 #include "platform/foundation/Date.hpp"
 #include "platform/foundation/Schema.hpp"
 #include "platform/foundation/URL.hpp"
@@ -35,6 +36,11 @@ template <>
 struct TokenName<URL> {
     static constexpr std::string_view name = "a URL";
 };
+
+/// How outlines show a record in short, such as a colour by its digits; specialised beside the type, with
+/// `static void print(const T&, std::string& out)`.
+template <class T>
+struct ShortText;
 
 /// A value for a decoder to fill. Types whose no-argument initialiser reads the clock or draws random numbers
 /// specialise it.
@@ -84,13 +90,8 @@ void* memberAddress(void* record) {
 }
 
 template <class Class, class Member, Member Class::*member>
-constexpr Schema::Field field(std::string_view name, std::string_view encodedKey) {
-    return {
-        name,
-        encodedKey,
-        &schemaOf<Member>,
-        &memberAddress<Class, Member, member>,
-        IsOptional<Member>::value};
+constexpr Schema::Field field(std::string_view name) {
+    return {name, &schemaOf<Member>, &memberAddress<Class, Member, member>, IsOptional<Member>::value};
 }
 
 /// The trailing 0 closes the comma-separated list, which may be empty.
@@ -156,19 +157,6 @@ constexpr std::string_view unqualified(std::string_view name) {
     return colon == std::string_view::npos ? name : name.substr(colon + 1);
 }
 
-/// `{"name":` for a name that is only known as a view.
-template <std::size_t size>
-constexpr std::array<char, size + 4> quotedKey(std::string_view name) {
-    std::array<char, size + 4> out{};
-    std::size_t end = 0;
-    out[end++] = '{';
-    out[end++] = '"';
-    for (const char c : name) out[end++] = c;
-    out[end++] = '"';
-    out[end++] = ':';
-    return out;
-}
-
 template <class T>
 struct MakeSchema;
 
@@ -191,24 +179,42 @@ struct MakeSchema<double> {
 template <>
 struct MakeSchema<Date> {
     static_assert(sizeof(Date) == sizeof(double) && std::is_standard_layout_v<Date>);
-    static constexpr Schema schema{.kind = Schema::Kind::real, .name = "a date"};
+    static constexpr Schema schema{.kind = Schema::Kind::date, .name = "a date"};
 };
 template <>
 struct MakeSchema<std::string> {
     static constexpr Schema schema{.kind = Schema::Kind::string, .name = "a string"};
 };
 
+/// Text grammars of types that have `parse` and `appendText`.
+template <class T>
+bool parseText(void* value, std::string_view text) {
+    auto parsed = T::parse(text);
+    if (!parsed) return false;
+    *static_cast<T*>(value) = *std::move(parsed);
+    return true;
+}
+template <class T>
+void printText(const void* value, std::string& out) {
+    static_cast<const T*>(value)->appendText(out);
+}
+
+template <>
+struct MakeSchema<Bytes> {
+    static constexpr Schema schema{
+        .kind = Schema::Kind::bytes,
+        .name = "base64 text",
+        .parse = &parseText<Bytes>,
+        .print = &printText<Bytes>};
+};
+
 template <TokenText T>
 struct MakeSchema<T> {
-    static bool parse(void* value, std::string_view text) {
-        auto parsed = T::parse(text);
-        if (!parsed) return false;
-        *static_cast<T*>(value) = *std::move(parsed);
-        return true;
-    }
-    static void print(const void* value, std::string& out) { static_cast<const T*>(value)->appendText(out); }
     static constexpr Schema schema{
-        .kind = Schema::Kind::token, .name = TokenName<T>::name, .parse = &parse, .print = &print};
+        .kind = Schema::Kind::token,
+        .name = TokenName<T>::name,
+        .parse = &parseText<T>,
+        .print = &printText<T>};
 };
 
 template <Enumeration E>
@@ -271,7 +277,7 @@ struct MakeSchema<std::variant<Ts...>> {
             *static_cast<const Container*>(c));
     }
     static constexpr std::array<Schema::Case, sizeof...(Ts)> cases{
-        Schema::Case{Record<Ts>::name, Record<Ts>::encodedKey, &schemaOf<Ts>, &select<Ts>}...};
+        Schema::Case{Record<Ts>::name, &schemaOf<Ts>, &select<Ts>}...};
     static constexpr Schema schema{
         .kind = Schema::Kind::choice,
         .name = "an object with one key",
@@ -288,8 +294,16 @@ struct MakeSchema<T> {
     static_assert(
         Record<T>::fields.size() == memberCount<T>(), "a member is missing in the record's field table");
     static_assert(Record<T>::fields.size() <= 64, "the decoder marks the fields that it has seen in 64 bits");
+    static void print(const void* value, std::string& out) {
+        if constexpr (requires { ShortText<T>::print; })
+            ShortText<T>::print(*static_cast<const T*>(value), out);
+    }
+    static constexpr bool isShort = requires { ShortText<T>::print; };
     static constexpr Schema schema{
-        .kind = Schema::Kind::record, .name = Record<T>::name, .fields = Record<T>::fields};
+        .kind = Schema::Kind::record,
+        .name = Record<T>::name,
+        .print = isShort ? &print : nullptr,
+        .fields = Record<T>::fields};
 };
 
 }  // namespace detail
@@ -312,8 +326,7 @@ const Schema& schemaOf() {
     macro(first) __VA_OPT__(ZELTO_FOR_EACH_AGAIN ZELTO_PARENTHESES(macro, __VA_ARGS__))
 #define ZELTO_FOR_EACH_AGAIN() ZELTO_FOR_EACH_STEP
 
-#define ZELTO_FIELD(member) \
-    ::zelto::detail::field<Type, decltype(Type::member), &Type::member>(#member, ",\"" #member "\":"),
+#define ZELTO_FIELD(member) ::zelto::detail::field<Type, decltype(Type::member), &Type::member>(#member),
 #define ZELTO_CASE(name) {Type::name, #name},
 
 /// The field table of a record: its type and its members, in the order in which they are written.
@@ -322,8 +335,6 @@ const Schema& schemaOf() {
     struct zelto::Record<T> {                                                                    \
         using Type = T;                                                                          \
         static constexpr std::string_view name = ::zelto::detail::unqualified(#T);               \
-        static constexpr auto keyText = ::zelto::detail::quotedKey<name.size()>(name);           \
-        static constexpr std::string_view encodedKey{keyText.data(), keyText.size()};            \
         static constexpr auto fields =                                                           \
             ::zelto::detail::fieldTable(__VA_OPT__(ZELTO_FOR_EACH(ZELTO_FIELD, __VA_ARGS__)) 0); \
     }

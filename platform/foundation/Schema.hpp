@@ -18,9 +18,11 @@ struct Schema {
         boolean,          // bool
         integer,          // std::int64_t
         unsignedInteger,  // std::uint64_t
-        real,             // double, or a record whose only member is one
+        real,             // double
+        date,             // Date, written as its seconds since the reference date
         string,           // std::string, UTF-8
         token,            // written as a string with a grammar of its own: UUID, URL, an enumeration
+        bytes,            // Bytes, written as base64 text
         optional,         // std::optional; `count` is 0 or 1
         list,             // std::vector
         record,           // named fields
@@ -32,14 +34,12 @@ struct Schema {
 
     struct Field {
         std::string_view name;
-        std::string_view encodedKey;  // ,"name":
         Reference schema;
         void* (*address)(void* record);
         bool isOptional;
     };
     struct Case {
         std::string_view name;
-        std::string_view encodedKey;  // {"name":
         Reference schema;
         void* (*select)(void* choice);
     };
@@ -48,7 +48,7 @@ struct Schema {
     /// In messages "a UUID", "an integer"; for records and cases the type's own name.
     std::string_view name;
 
-    // token
+    // token, bytes; a record that outlines show in short may have `print` alone
     bool (*parse)(void* value, std::string_view text) = nullptr;
     void (*print)(const void* value, std::string& out) = nullptr;
     // optional, list, choice

@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "platform/ui/Size.hpp"
+
 namespace zelto::layout {
 
 /// Points; x grows to the right, y downward.
@@ -9,10 +11,7 @@ struct Point {
     double x = 0, y = 0;
     constexpr bool operator==(const Point&) const = default;
 };
-struct Size {
-    double width = 0, height = 0;
-    constexpr bool operator==(const Size&) const = default;
-};
+using ui::Size;
 struct Rect {
     double x = 0, y = 0, width = 0, height = 0;
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/ui/Bitmap.hpp"
+#include "platform/foundation/Bytes.hpp"
 #include "platform/ui/Shapes.hpp"
 #include "platform/ui/Values.hpp"
 

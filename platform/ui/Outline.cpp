@@ -1,6 +1,6 @@
 #include "platform/ui/Outline.hpp"
 
-#include <cmath>
+#include <cctype>
 
 #include "platform/foundation/NumberText.hpp"
 #include "platform/ui/ViewFields.hpp"
@@ -9,13 +9,6 @@ namespace zelto::ui {
 namespace {
 
 using Kind = Schema::Kind;
-
-void appendHexByte(std::string& out, double component) {
-    static constexpr char digits[] = "0123456789ABCDEF";
-    const auto byte = static_cast<unsigned>(std::ceil(std::min(std::max(component, 0.0), 1.0) * 255 - 0.5));
-    out += digits[byte >> 4];
-    out += digits[byte & 0x0F];
-}
 
 std::string quoted(const std::string& text) {
     std::string out = "\"";
@@ -38,6 +31,12 @@ std::string lowerFirst(std::string_view name) {
 
 std::string valueText(const Schema& schema, const void* value);
 
+std::string printed(const Schema& schema, const void* value) {
+    std::string out;
+    schema.print(value, out);
+    return out;
+}
+
 /// The fields of a record as "name=value", a lone field without its name; absent optionals and children left
 /// out.
 std::string fieldsText(const Schema& schema, const void* record) {
@@ -59,20 +58,15 @@ std::string valueText(const Schema& schema, const void* value) {
         case Kind::boolean: return *static_cast<const bool*>(value) ? "true" : "false";
         case Kind::integer: return std::to_string(*static_cast<const std::int64_t*>(value));
         case Kind::unsignedInteger: return std::to_string(*static_cast<const std::uint64_t*>(value));
-        case Kind::real: {
-            if (&schema != &schemaOf<Date>()) return briefNumber(*static_cast<const double*>(value));
+        case Kind::real: return briefNumber(*static_cast<const double*>(value));
+        case Kind::date: {
             std::string out;
-            appendNumber(out, *static_cast<const double*>(value));
+            appendNumber(out, static_cast<const Date*>(value)->sinceReference);
             return out;
         }
         case Kind::string: return quoted(*static_cast<const std::string*>(value));
-        case Kind::token: {
-            if (&schema == &schemaOf<Bytes>())
-                return std::to_string(static_cast<const Bytes*>(value)->bytes.size()) + " bytes";
-            std::string out;
-            schema.print(value, out);
-            return out;
-        }
+        case Kind::token: return printed(schema, value);
+        case Kind::bytes: return std::to_string(static_cast<const Bytes*>(value)->bytes.size()) + " bytes";
         case Kind::optional: return valueText(schema.element(), schema.at(value, 0));
         case Kind::list: {
             std::string out = "[";
@@ -81,11 +75,7 @@ std::string valueText(const Schema& schema, const void* value) {
             return out + "]";
         }
         case Kind::record: {
-            if (&schema == &schemaOf<Color>()) return hexText(*static_cast<const Color*>(value));
-            if (&schema == &schemaOf<LinearGradient>()) {
-                const auto& gradient = *static_cast<const LinearGradient*>(value);
-                return hexText(gradient.top) + ".." + hexText(gradient.bottom);
-            }
+            if (schema.print) return printed(schema, value);
             const std::string fields = fieldsText(schema, value);
             return lowerFirst(schema.name) + (fields.empty() ? "" : "(" + fields + ")");
         }
@@ -104,9 +94,7 @@ void appendView(std::string& out, const View& view, std::size_t depth) {
     for (const Modifier& modifier : view.modifiers) {
         const Schema& modifiers = schemaOf<Modifier>();
         const Schema& applied = modifiers.cases[modifier.index()].schema();
-        out += " ." +
-               (&applied == &schemaOf<modifier::WidgetURL>() ? "widgetURL" : lowerFirst(applied.name)) + '(' +
-               fieldsText(applied, modifiers.at(&modifier, 0)) + ')';
+        out += " ." + lowerFirst(applied.name) + '(' + fieldsText(applied, modifiers.at(&modifier, 0)) + ')';
     }
     out += '\n';
     if (const Views* children = childrenOf(view.node))
@@ -114,13 +102,6 @@ void appendView(std::string& out, const View& view, std::size_t depth) {
 }
 
 }  // namespace
-
-std::string hexText(const Color& color) {
-    std::string out = "#";
-    for (const double component : {color.red, color.green, color.blue}) appendHexByte(out, component);
-    if (color.opacity != 1) appendHexByte(out, color.opacity);
-    return out;
-}
 
 std::string outline(const View& view) {
     std::string out;

@@ -10,8 +10,4 @@ namespace zelto::ui {
 /// it applies. Colours as #RRGGBB or #RRGGBBAA, texts in double quotes, numbers with at most six digits.
 std::string outline(const View& view);
 
-/// "#40D9B2", or "#FFFFFF1F" when it is not opaque. A component halfway between two steps takes the lower
-/// one.
-std::string hexText(const Color& color);
-
 }  // namespace zelto::ui

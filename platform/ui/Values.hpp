@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <string>
 #include <variant>
 
 #include "platform/foundation/Record.hpp"
@@ -18,6 +19,10 @@ struct Color {
     constexpr Color withOpacity(double o) const { return {red, green, blue, o}; }
     constexpr bool operator==(const Color&) const = default;
 };
+
+/// "#40D9B2", or "#FFFFFF1F" when it is not opaque. A component halfway between two steps takes the lower
+/// one.
+std::string hexText(const Color& color);
 
 /// The hierarchical secondary foreground: the inherited foreground at reduced emphasis.
 struct Secondary {
@@ -42,6 +47,17 @@ enum class LineCap : std::uint8_t { butt, round };
 enum class LineJoin : std::uint8_t { miter, round };
 
 }  // namespace zelto::ui
+
+template <>
+struct zelto::ShortText<zelto::ui::Color> {
+    static void print(const ui::Color& color, std::string& out) { out += hexText(color); }
+};
+template <>
+struct zelto::ShortText<zelto::ui::LinearGradient> {
+    static void print(const ui::LinearGradient& gradient, std::string& out) {
+        out += hexText(gradient.top) + ".." + hexText(gradient.bottom);
+    }
+};
 
 ZELTO_RECORD(zelto::ui::Color, red, green, blue, opacity);
 ZELTO_RECORD(zelto::ui::Secondary);

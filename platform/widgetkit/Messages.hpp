@@ -78,10 +78,9 @@ struct Reply {
 /// UTF-8.
 std::optional<std::string> encodeReply(const Reply& reply);
 
-/// Reads a reply and checks it as a stranger's. One whose syntax or fields are wrong is none: absent, with
-/// the reason. One whose contents are out of bounds (ViewBounds.hpp) becomes an error reply to the same
-/// request.
-std::optional<Reply> decodeReply(std::string_view line, std::string* why);
+/// Reads a reply and checks it as untrusted input. One whose syntax or fields are wrong is none. One whose
+/// contents are out of bounds (ViewBounds.hpp) becomes an error reply to the same request.
+Result<Reply> decodeReply(std::string_view line);
 
 }  // namespace zelto
 

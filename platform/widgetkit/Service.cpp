@@ -34,9 +34,8 @@ void finish(ArchivedEntry& entry, WidgetFamily family) {
 /// The id of a request that is faulty elsewhere, also when it breaks off behind its id.
 std::optional<std::int64_t> idOf(std::string_view line) {
     RequestHead head;
-    DecodingError error;
-    decodeJSON(line, schemaOf<RequestHead>(), &head, &error, 1);
-    return error.place == "id" ? std::nullopt : head.id;
+    const auto decoded = decodeJSON(line, schemaOf<RequestHead>(), &head, 1);
+    return !decoded && decoded.fault().path == "id" ? std::nullopt : head.id;
 }
 
 }  // namespace
@@ -47,11 +46,8 @@ Service::Service(std::vector<WidgetConfiguration> widgets, Environment environme
 std::string Service::answer(std::string_view line) const {
     if (line.size() > longestLine)
         return errorLine({}, "a request line holds at most " + std::to_string(longestLine) + " bytes");
-    DecodingError error;
-    const auto request = decodeJSON<Request>(line, &error);
-    if (!request) {
-        return errorLine(idOf(line), error.text());
-    }
+    const auto request = decodeJSON<Request>(line);
+    if (!request) return errorLine(idOf(line), request.fault().text());
     // What runs out while one request is worked on costs that request.
     try {
         Reply out = reply(*request);

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <optional>
-#include <string>
 
+#include "platform/foundation/Result.hpp"
 #include "platform/ui/View.hpp"
 
 namespace zelto {
@@ -20,8 +20,8 @@ struct ViewBounds {
     std::int64_t imageSide = 512;  // pixels
 };
 
-/// What is wrong with a view, or nothing.
-std::optional<std::string> faultOf(const ui::View& view, const ViewBounds& bounds = {});
+/// Refuses a view that is out of bounds, with what is wrong with it.
+Result<void> check(const ui::View& view, const ViewBounds& bounds = {});
 
 /// What an extension puts into one view tree, whatever it was given to show: less than a host takes, and more
 /// than a person sees. Bytes are counted as they are written in JSON.

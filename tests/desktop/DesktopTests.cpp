@@ -179,7 +179,7 @@ TEST_P(DesktopOn, TheFirstStartPlacesEveryWidgetOnce) {
     desktop.start();
     ASSERT_TRUE(eventually([&] { return desktop.widgets().size() == 11; })) << desktop.log();
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
-    for (const PlacedWidget& each : desktop.widgets()) desktop.call("remove", {each.id});
+    for (const PlacedWidget& each : desktop.widgets()) EXPECT_TRUE(desktop.call("remove", {each.id}));
     EXPECT_TRUE(desktop.widgets().empty());
     EXPECT_TRUE(desktop.stop());
     // Who has removed them all wants none.

@@ -10,8 +10,8 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
-#include "host/PlacementStore.hpp"
 #include "platform/foundation/Files.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
@@ -53,7 +53,7 @@ TEST_F(Deaths, OfTheExtensionFiveHundredTimesLeaveEveryWidgetItsPicture) {
     std::set<pid_t> dead;
     for (int deaths = 0, rounds = 0; deaths < 500; ++rounds) {
         ASSERT_LT(rounds, 20'000) << "it is not started again: " << desktop.log();
-        ASSERT_TRUE(std::holds_alternative<xpc::Values>(desktop.call("reload", {""})));
+        ASSERT_TRUE(desktop.call("reload", {""}));
         moment(20);
         const auto running = extensions();
         if (running.empty()) continue;
@@ -68,7 +68,7 @@ TEST_F(Deaths, OfTheExtensionFiveHundredTimesLeaveEveryWidgetItsPicture) {
 
     // Left in peace, it brings new timelines again.
     const Date before = Date::now();
-    desktop.call("reload", {""});
+    EXPECT_TRUE(desktop.call("reload", {""}));
     EXPECT_TRUE(eventually([&] { return desktop.entry(eleven()[2])->date > before; })) << desktop.log();
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
     EXPECT_EQ(desktop.widgets(), eleven());
@@ -89,21 +89,20 @@ TEST_F(Deaths, OfTheHostTwoHundredTimesLoseNothingThatWasKept) {
         desktop.launch();
         moment(120);
         // Whether the host is up yet to hear this is part of the chance.
-        const std::string row = i % 2 == 0 ? "3" : "0";
-        for (int calls = 0; calls < i % 4; ++calls) desktop.call("move", {fans.id, "", "6", row});
+        const std::int64_t row = i % 2 == 0 ? 3 : 0;
+        for (int calls = 0; calls < i % 4; ++calls)
+            static_cast<void>(desktop.call("move", {fans.id, "", 6, row}));
         moment(60);
         desktop.process().kill(SIGKILL);
         desktop.process().wait();
 
-        std::string complaint;
-        auto places = host::PlacementStore(desktop.folder() / "config/zelto", [&](const std::string& line) {
-                          complaint = line;
-                      }).load();
-        ASSERT_TRUE(places) << complaint;
-        ASSERT_EQ(places->size(), 11U);
-        EXPECT_TRUE((*places)[4].row == 0 || (*places)[4].row == 3);
-        (*places)[4].row = fans.row;
-        ASSERT_EQ(*places, eleven());
+        auto layout = host::DesktopLayoutStore(desktop.folder() / "config/zelto").load();
+        ASSERT_TRUE(layout) << layout.fault().text();
+        ASSERT_EQ(layout->widgets.size(), 11U);
+        auto& moved = layout->widgets[4];
+        EXPECT_TRUE(moved.row == 0 || moved.row == 3);
+        moved.row = fans.row;
+        ASSERT_EQ(layout->widgets, eleven());
         for (const auto& each : eleven())
             ASSERT_TRUE(host::EntryStore(desktop.folder() / "cache/zelto/widgets").load(each)) << each.kind;
     }

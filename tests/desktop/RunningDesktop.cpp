@@ -4,8 +4,8 @@
 
 #include <poll.h>
 
+#include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
-#include "host/PlacementStore.hpp"
 #include "host/Schedule.hpp"
 #include "platform/foundation/Files.hpp"
 #include "platform/foundation/JSONDecoder.hpp"
@@ -41,7 +41,7 @@ RunningDesktop::RunningDesktop(Display& display, bool isAccessible)
           R"(<type>session</type><servicedir>/usr/share/dbus-1/services</servicedir><policy context="default"><allow user="*"/>)"
           R"(<allow own="*"/><allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/></policy>)"),
       opened_(readerOf(folder_.path() / "opened")),
-      connection_(xpc::Bus::at(bus_.address()), host::desktopInterface()) {
+      connection_(bus::Address::at(bus_.address()), std::string(host::desktopService)) {
     const auto sample = run({programFolder() / "zelto", "snapshot", "sample"});
     folder_.write(snapshotFile, sample.output);
     const auto handler =
@@ -77,7 +77,8 @@ std::vector<std::string> RunningDesktop::environment() const {
 }
 
 void RunningDesktop::place(const std::vector<host::PlacedWidget>& widgets) const {
-    host::PlacementStore(folder() / "config/zelto", [](const std::string&) {}).save(widgets);
+    if (const auto saved = host::DesktopLayoutStore(folder() / "config/zelto").save({widgets}); !saved)
+        throw std::runtime_error(saved.fault().text());
 }
 
 void RunningDesktop::launch(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
@@ -89,7 +90,7 @@ void RunningDesktop::launch(std::vector<std::string> arguments, const std::vecto
 
 void RunningDesktop::start(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
     launch(std::move(arguments), variables);
-    if (!eventually([this] { return std::holds_alternative<xpc::Values>(call("list")); }))
+    if (!eventually([this] { return call("list").has_value(); }))
         throw std::runtime_error("the desktop did not start: " + log());
 }
 
@@ -104,7 +105,7 @@ std::string RunningDesktop::log() const {
     return readFile(folder() / "log").value_or("");
 }
 
-xpc::Result<xpc::Values> RunningDesktop::call(const std::string& method, const xpc::Values& arguments) {
+bus::Result<bus::Values> RunningDesktop::call(const std::string& method, const bus::Values& arguments) {
     return connection_.call(method, arguments, std::chrono::seconds(10));
 }
 
@@ -118,8 +119,8 @@ Finished RunningDesktop::zelto(std::vector<std::string> words) const {
 
 std::vector<host::PlacedWidget> RunningDesktop::widgets() {
     const auto outcome = call("list");
-    if (const auto* error = std::get_if<xpc::Error>(&outcome)) throw std::runtime_error(error->text);
-    return decodeJSON<std::vector<host::PlacedWidget>>(std::get<xpc::Values>(outcome).front()).value();
+    if (!outcome) throw std::runtime_error(outcome.fault().text);
+    return decodeJSON<std::vector<host::PlacedWidget>>(std::get<std::string>(outcome->front())).value();
 }
 
 std::optional<ArchivedEntry> RunningDesktop::entry(const host::PlacedWidget& widget) const {
@@ -134,9 +135,8 @@ std::optional<ArchivedEntry> RunningDesktop::entry(const host::PlacedWidget& wid
 layout::Placement RunningDesktop::placement(const host::PlacedWidget& widget) {
     const auto shown = entry(widget);
     if (!shown) throw std::runtime_error("no timeline for " + widget.kind);
-    const WidgetSize size = sizeOf(widget.family);
-    return layout::layOut(
-        shown->view, {.size = {size.width, size.height}, .now = Date::now()}, renderer_.measuring());
+    const ui::Size size = sizeOf(widget.family);
+    return layout::layOut(shown->view, {.size = size, .now = Date::now()}, renderer_.measuring());
 }
 
 bool RunningDesktop::isSeen(

@@ -36,7 +36,7 @@ class RunningDesktop {
     std::string log() const;
 
     std::vector<host::PlacedWidget> widgets();
-    xpc::Result<xpc::Values> call(const std::string& method, const xpc::Values& arguments = {});
+    bus::Result<bus::Values> call(const std::string& method, const bus::Values& arguments = {});
     Finished zelto(std::vector<std::string> words) const;
 
     /// What a widget's stored timeline shows now; absent while there is none.
@@ -67,7 +67,7 @@ class RunningDesktop {
     TemporaryFolder folder_;
     PrivateBus bus_;
     Child opened_;
-    xpc::Connection connection_;
+    bus::Connection connection_;
     drawing::Renderer renderer_;
     std::optional<Child> process_;
 };

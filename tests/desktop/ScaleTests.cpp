@@ -75,8 +75,7 @@ TEST(Monitors, AWidgetComesBackWhenItsMonitorIsUnplugged) {
     // A new monitor may have another name; a widget can be sent there.
     display->plugIn();
     ASSERT_TRUE(eventually([&] {
-        const auto moved = desktop.call("move", {fans.id, display->second(), "0", "1"});
-        return std::holds_alternative<xpc::Values>(moved);
+        return desktop.call("move", {fans.id, display->second(), 0, 1}).has_value();
     }));
     fans.column = 0;
     EXPECT_TRUE(isOn(half)) << desktop.log();

@@ -82,7 +82,7 @@ struct Worker : testing::Test {
     }
     std::string errorOf(std::vector<Request> requests = {{.request = RequestKind::bundle}}) {
         const auto outcomes = ask(std::move(requests));
-        return outcomes.at(0).reply ? "" : outcomes.at(0).error;
+        return outcomes.at(0) ? "" : outcomes.at(0).fault().reason;
     }
     std::vector<std::string> logged() {
         const std::lock_guard lock(mutex);
@@ -102,10 +102,10 @@ TEST_F(Worker, AsksTheRealExtensionSideBySide) {
     make();
     const auto outcomes = ask({bundle, placeholder("ZeltoFans"), placeholder("ZeltoNothing")});
     ASSERT_EQ(outcomes.size(), 3U);
-    EXPECT_EQ(outcomes.at(0).reply->widgets->size(), 11U);
-    EXPECT_TRUE(outcomes.at(1).reply->entry);
-    EXPECT_FALSE(outcomes.at(2).reply);
-    EXPECT_NE(outcomes.at(2).error, "");
+    EXPECT_EQ(outcomes.at(0)->reply.widgets->size(), 11U);
+    EXPECT_TRUE(outcomes.at(1)->reply.entry);
+    EXPECT_FALSE(outcomes.at(2));
+    EXPECT_NE(outcomes.at(2).fault().reason, "");
     EXPECT_TRUE(logged().empty());
 }
 
@@ -242,8 +242,8 @@ TEST_F(Worker, ADeathCostsTheRequestThatCausesIt) {
     const std::vector<Request> all{
         placeholder("A"), placeholder("Deadly"), placeholder("B"), placeholder("C")};
     const auto outcomes = ask(all);
-    for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(outcomes.at(place).reply) << place;
-    EXPECT_EQ(outcomes.at(1).error, "the widget extension died (signal 9, Killed)");
+    for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(outcomes.at(place)) << place;
+    EXPECT_EQ(outcomes.at(1).fault().reason, "the widget extension died (signal 9, Killed)");
     // Its own outcome tells all there is to tell.
     EXPECT_TRUE(logged().empty()) << logged()[0];
     // Once for all, and once for each that was left.
@@ -252,8 +252,8 @@ TEST_F(Worker, ADeathCostsTheRequestThatCausesIt) {
     // From then on it is asked apart: the others have a process that stays.
     for (int round = 0; round < 3; ++round) {
         const auto again = ask(all);
-        EXPECT_FALSE(again.at(1).reply);
-        for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(again.at(place).reply) << place;
+        EXPECT_FALSE(again.at(1));
+        for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(again.at(place)) << place;
     }
     EXPECT_EQ(linesIn(starts), 4U + 1U + 3U);
     EXPECT_TRUE(logged().empty());
@@ -263,9 +263,9 @@ TEST_F(Worker, AHangCostsTheRequestThatCausesIt) {
     options.program.deadline = 300ms;
     standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
     const auto outcomes = ask({placeholder("A"), placeholder("Deadly"), placeholder("B")});
-    EXPECT_TRUE(outcomes.at(0).reply);
-    EXPECT_EQ(outcomes.at(1).error, "the widget extension did not answer in time");
-    EXPECT_TRUE(outcomes.at(2).reply);
+    EXPECT_TRUE(outcomes.at(0));
+    EXPECT_EQ(outcomes.at(1).fault().reason, "the widget extension did not answer in time");
+    EXPECT_TRUE(outcomes.at(2));
 }
 
 TEST_F(Worker, WhatIsAnsweredDoesNotWaitForAHang) {
@@ -282,8 +282,8 @@ TEST_F(Worker, ADeadlyRequestAloneKeepsNobodyWaiting) {
     options.firstPause = options.longestPause = 60;
     const auto starts = folder.path() / "starts";
     standIn(exceptDeadly("kill -9 $$", starts));
-    for (int i = 0; i < 4; ++i) EXPECT_FALSE(ask({placeholder("Deadly")}).at(0).reply);
-    EXPECT_TRUE(ask({placeholder("A")}).at(0).reply);
+    for (int i = 0; i < 4; ++i) EXPECT_FALSE(ask({placeholder("Deadly")}).at(0));
+    EXPECT_TRUE(ask({placeholder("A")}).at(0));
     EXPECT_TRUE(logged().empty()) << logged()[0];
     // Once together and once apart, then apart alone, and a process for the other.
     EXPECT_EQ(linesIn(starts), 2U + 3U + 1U);
@@ -292,7 +292,7 @@ TEST_F(Worker, ADeadlyRequestAloneKeepsNobodyWaiting) {
 TEST_F(Worker, AHangThatIsAskedAgainKeepsNobodyWaiting) {
     options.program.deadline = 300ms;
     standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
-    EXPECT_FALSE(ask({placeholder("Deadly")}).at(0).reply);
+    EXPECT_FALSE(ask({placeholder("Deadly")}).at(0));
     // It hangs again, for long enough that the other's answer cannot have waited for it.
     std::vector<std::string> order;
     worker->ask({placeholder("Deadly")}, [&](const Outcomes&) { order.emplace_back("deadly"); });
@@ -318,9 +318,9 @@ TEST_F(Worker, AReplyOutOfBoundsCostsItsRequestAlone) {
         starts));
     for (int round = 0; round < 2; ++round) {
         const auto outcomes = ask({placeholder("A"), placeholder("Deadly"), placeholder("B")});
-        EXPECT_TRUE(outcomes.at(0).reply);
-        EXPECT_EQ(outcomes.at(1).error, "out of bounds: a text that is too long");
-        EXPECT_TRUE(outcomes.at(2).reply);
+        EXPECT_TRUE(outcomes.at(0));
+        EXPECT_EQ(outcomes.at(1).fault().reason, "out of bounds: a text that is too long");
+        EXPECT_TRUE(outcomes.at(2));
     }
     EXPECT_EQ(linesIn(starts), 1U);
     EXPECT_TRUE(logged().empty());

@@ -71,21 +71,6 @@ TEST(Schedule, ShowsEachEntryAtItsDate) {
     EXPECT_EQ(schedule.at(start + 30 * minute).requests, Ids{"clock"});
 }
 
-TEST(Schedule, EntriesNeedNotBeInOrder) {
-    Schedule schedule;
-    schedule.add(
-        "a",
-        ArchivedTimeline{
-            {entry(start + 20, "third"), entry(start + 10, "second"), entry(start, "first")}, start + hour});
-    // Before all of them, the first to come is as good as any.
-    schedule.at(start - 5);
-    EXPECT_EQ(textOf(schedule, "a"), "first");
-    schedule.at(start + 15);
-    EXPECT_EQ(textOf(schedule, "a"), "second");
-    schedule.at(start + 25);
-    EXPECT_EQ(textOf(schedule, "a"), "third");
-}
-
 TEST(Schedule, AnEntryThatLooksTheSameIsNotShownAgain) {
     Schedule schedule;
     schedule.add("a", std::nullopt);
@@ -211,16 +196,6 @@ TEST(Schedule, ATimelineThatWantsToBeReplacedAtOnceLivesAWhile) {
     schedule.received("a", {{entry(start, "a")}, start - hour}, start);
     EXPECT_EQ(schedule.at(start).requests, Ids{});
     EXPECT_EQ(schedule.nextInstant(), start + Schedule::shortestLife);
-}
-
-TEST(Schedule, ATimelineWithoutEntriesIsAFailure) {
-    Schedule schedule;
-    schedule.add("a", fiveMinutes(start, "kept"));
-    schedule.at(start);
-    schedule.received("a", {{}, start + hour}, start);
-    schedule.at(start);
-    EXPECT_EQ(textOf(schedule, "a"), "kept");
-    EXPECT_EQ(schedule.nextInstant(), start + Schedule::firstPause);
 }
 
 TEST(Schedule, ForgetsWidgetsThatWereRemoved) {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
 #include "host/Folders.hpp"
-#include "host/PlacementStore.hpp"
 #include "platform/foundation/Files.hpp"
 #include "platform/ui/Building.hpp"
 #include "tests/support/Ages.hpp"
@@ -15,19 +15,16 @@ namespace {
 
 using test::TemporaryFolder;
 
-struct Placements : testing::Test {
+struct Layouts : testing::Test {
     TemporaryFolder folder;
-    std::vector<std::string> log;
 
-    PlacementStore store() {
-        return PlacementStore(folder.path(), [this](const std::string& line) { log.push_back(line); });
-    }
+    DesktopLayoutStore store() { return DesktopLayoutStore(folder.path()); }
     std::string loaded(const std::string& document) {
         folder.write("desktop.json", document);
-        log.clear();
-        const auto widgets = store().load();
-        if (widgets) return std::to_string(widgets->size());
-        return log.empty() ? "silence" : log.front().substr(log.front().find("json: ") + 6);
+        const auto layout = store().load();
+        if (layout) return std::to_string(layout->widgets.size());
+        EXPECT_EQ(layout.fault().path, store().file());
+        return layout.fault().reason;
     }
 };
 
@@ -36,10 +33,10 @@ const PlacedWidget battery{
 const PlacedWidget clock_{
     .id = "c", .kind = "ZeltoWorldClock", .family = WidgetFamily::systemMedium, .monitor = "DP-1"};
 
-TEST_F(Placements, ComeBackAsTheyWereSavedInAFileForPeople) {
+TEST_F(Layouts, ComeBackAsTheyWereSavedInAFileForPeople) {
     auto store = this->store();
-    EXPECT_TRUE(store.load()->empty());
-    EXPECT_TRUE(store.save({battery, clock_}));
+    EXPECT_TRUE(store.load()->widgets.empty());
+    EXPECT_TRUE(store.save({{battery, clock_}}));
     EXPECT_EQ(
         readFile(store.file()),
         "{\"widgets\": [\n"
@@ -48,11 +45,10 @@ TEST_F(Placements, ComeBackAsTheyWereSavedInAFileForPeople) {
         "{\"id\":\"c\",\"kind\":\"ZeltoWorldClock\",\"family\":\"systemMedium\",\"monitor\":\"DP-1\","
         "\"column\":0,"
         "\"row\":0}\n]}\n");
-    EXPECT_EQ(this->store().load(), (std::vector{battery, clock_}));
-    EXPECT_TRUE(log.empty());
+    EXPECT_EQ(*this->store().load(), (DesktopLayout{{battery, clock_}}));
 }
 
-TEST_F(Placements, AFileThatMakesNoSenseIsReportedAndKeptAside) {
+TEST_F(Layouts, AFileThatMakesNoSenseIsReportedAndKeptAside) {
     const std::string one = R"({"id":"a","kind":"K","family":"systemSmall","column":0,"row":0})";
     EXPECT_EQ(loaded("{\"widgets\":[" + one + "]}"), "1");
     EXPECT_EQ(
@@ -72,58 +68,64 @@ TEST_F(Placements, AFileThatMakesNoSenseIsReportedAndKeptAside) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "desktop.json"));
 }
 
-TEST_F(Placements, OfMoreThanAMegabyteCannotBeRead) {
+TEST_F(Layouts, OfMoreThanAMegabyteCannotBeRead) {
     auto store = this->store();
-    EXPECT_TRUE(store.save({battery}));
+    EXPECT_TRUE(store.save({{battery}}));
     std::filesystem::resize_file(store.file(), std::uintmax_t{20} << 30);
-    EXPECT_EQ(store.load(), std::nullopt);
+    EXPECT_FALSE(store.load());
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "desktop.broken-1.json"));
 }
 
-TEST_F(Placements, AFolderInTheFilesPlaceIsKeptAsideToo) {
+TEST_F(Layouts, AFolderInTheFilesPlaceIsKeptAsideToo) {
     std::filesystem::create_directories(folder.path() / "desktop.json");
     auto store = this->store();
-    EXPECT_EQ(store.load(), std::nullopt);
-    EXPECT_TRUE(store.save({battery}));
-    EXPECT_EQ(this->store().load(), std::vector{battery});
+    EXPECT_FALSE(store.load());
+    EXPECT_TRUE(store.save({{battery}}));
+    EXPECT_EQ(*this->store().load(), DesktopLayout{{battery}});
 }
 
-TEST_F(Placements, EditsAreNoticed) {
+TEST_F(Layouts, EditsAreNoticed) {
     auto store = this->store();
-    store.save({battery});
+    EXPECT_TRUE(store.save({{battery}}));
     EXPECT_FALSE(store.wasEdited());
-    this->store().save({clock_});
+    EXPECT_TRUE(this->store().save({{clock_}}));
     EXPECT_TRUE(store.wasEdited());
-    store.load();
+    EXPECT_TRUE(store.load());
     EXPECT_FALSE(store.wasEdited());
 }
 
-TEST_F(Placements, WhatADeathInTheMiddleOfAWriteLeftIsCleared) {
+TEST_F(Layouts, WhatADeathInTheMiddleOfAWriteLeftIsCleared) {
     test::aged(folder.write(".desktop.json.5E5A7C1E-0000-4000-8000-000000000000", "half"));
     folder.write(".desktop.json.mine", "kept");
-    store().load();
+    EXPECT_TRUE(store().load());
     EXPECT_FALSE(
         std::filesystem::exists(folder.path() / ".desktop.json.5E5A7C1E-0000-4000-8000-000000000000"));
     EXPECT_TRUE(std::filesystem::exists(folder.path() / ".desktop.json.mine"));
 }
 
-TEST_F(Placements, AFileThatCannotBeWrittenIsReported) {
+TEST_F(Layouts, AFileThatCannotBeWrittenIsReported) {
     const auto blocker = folder.write("file", "");
-    PlacementStore store(blocker / "below", [this](const std::string& line) { log.push_back(line); });
-    EXPECT_FALSE(store.save({battery}));
-    ASSERT_EQ(log.size(), 1U);
-    EXPECT_TRUE(log[0].ends_with("desktop.json: cannot be written"));
+    DesktopLayoutStore store(blocker / "below");
+    const auto saved = store.save({{battery}});
+    EXPECT_EQ(saved.fault(), (Fault{.path = store.file(), .reason = "cannot be written"}));
 }
 
 struct Entries : testing::Test {
     TemporaryFolder folder;
     EntryStore store{folder.path() / "cache/zelto"};
-    ArchivedTimeline timeline{{{Date{5}, ui::Text("olá")}}, Date{300}};
+    const ArchivedTimeline timeline{{{Date{5}, ui::Text("olá")}}, Date{300}};
+    const std::string line = lineOf(timeline);
+
+    static std::string lineOf(const ArchivedTimeline& timeline) {
+        Reply reply{.id = 7};
+        reply.timeline = timeline;
+        return encodeReply(reply).value();
+    }
 };
 
 TEST_F(Entries, ComeBackAsTheyWereSaved) {
     EXPECT_EQ(store.load(battery), std::nullopt);
-    EXPECT_TRUE(store.save(battery, timeline));
+    EXPECT_TRUE(store.save(battery, line));
     EXPECT_EQ(store.load(battery), timeline);
     EXPECT_EQ(
         std::filesystem::status(folder.path() / "cache/zelto").permissions(),
@@ -131,7 +133,7 @@ TEST_F(Entries, ComeBackAsTheyWereSaved) {
 }
 
 TEST_F(Entries, AreOfAKindAndAFamily) {
-    store.save(battery, timeline);
+    EXPECT_TRUE(store.save(battery, line));
     auto other = battery;
     other.family = WidgetFamily::systemMedium;
     EXPECT_EQ(store.load(other), std::nullopt);
@@ -143,37 +145,43 @@ TEST_F(Entries, AreOfAKindAndAFamily) {
 TEST_F(Entries, NamesOfWidgetsStayInTheFolder) {
     auto odd = battery;
     odd.id = "../../Ü";
-    EXPECT_TRUE(store.save(odd, timeline));
-    EXPECT_TRUE(std::filesystem::exists(folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.json"));
+    EXPECT_TRUE(store.save(odd, line));
+    EXPECT_TRUE(std::filesystem::exists(
+        folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.ZeltoBattery.systemSmall.json"));
     EXPECT_EQ(store.load(odd), timeline);
 }
 
 TEST_F(Entries, AreReadAsAStrangers) {
-    store.save(battery, timeline);
-    const auto file = folder.path() / "cache/zelto/b.json";
+    EXPECT_TRUE(store.save(battery, line));
+    const auto file = folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.json";
     const auto good = readFile(file).value();
     for (const std::string& bad :
          {std::string(), good.substr(0, good.size() / 2), std::string("{}"), std::string("\xFF")}) {
         std::ofstream(file) << bad;
         EXPECT_EQ(store.load(battery), std::nullopt);
     }
-    timeline.entries[0].view = ui::Text(std::string(20'000, 'x'));
-    store.save(battery, timeline);
-    EXPECT_EQ(store.load(battery), std::nullopt);
+    // Out of bounds, without entries, out of order.
+    for (const ArchivedTimeline& bad :
+         {ArchivedTimeline{{{Date{5}, ui::Text(std::string(20'000, 'x'))}}, Date{300}},
+          ArchivedTimeline{{}, Date{300}},
+          ArchivedTimeline{{{Date{5}, ui::Text("")}, {Date{4}, ui::Text("")}}, Date{300}}}) {
+        EXPECT_TRUE(store.save(battery, lineOf(bad)));
+        EXPECT_EQ(store.load(battery), std::nullopt);
+    }
 }
 
 TEST_F(Entries, OfMoreThanTwoMegabytesAreNone) {
-    store.save(battery, timeline);
-    std::filesystem::resize_file(folder.path() / "cache/zelto/b.json", std::uintmax_t{20} << 30);
+    EXPECT_TRUE(store.save(battery, line));
+    std::filesystem::resize_file(
+        folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.json", std::uintmax_t{20} << 30);
     EXPECT_EQ(store.load(battery), std::nullopt);
     // Nor are they written.
-    timeline.entries.assign(200, {timeline.entries[0].date, ui::Text(std::string(16'000, 'x'))});
-    EXPECT_FALSE(store.save(battery, timeline));
+    EXPECT_FALSE(store.save(battery, std::string((std::size_t{2} << 20) + 1, ' ')));
 }
 
 TEST_F(Entries, OfWidgetsThatAreGoneAreDeleted) {
-    store.save(battery, timeline);
-    store.save(clock_, timeline);
+    EXPECT_TRUE(store.save(battery, line));
+    EXPECT_TRUE(store.save(clock_, line));
     folder.write("cache/zelto/.b.json.5E5A7C1E-0000-4000-8000-000000000000", "half");
     store.keepOnly({clock_});
     EXPECT_EQ(store.load(battery), std::nullopt);

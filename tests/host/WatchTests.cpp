@@ -74,30 +74,21 @@ TEST(ZoneWatch, NoticesAnUpgradeOfTheData) {
     EXPECT_FALSE(watch.take().data);
 }
 
-struct Opener : testing::Test {
-    test::TemporaryFolder folder;
-    std::vector<std::string> log;
-
-    LinkOpener opener(const std::string& command) {
-        return LinkOpener(command, [this](const std::string& line) { log.push_back(line); });
-    }
-};
-
-TEST_F(Opener, RunsACommandWithTheLinkAsItIs) {
+TEST(LinkOpener, RunsACommandWithTheLinkAsItIs) {
+    const test::TemporaryFolder folder;
     const auto fifo = folder.path() / "fifo";
     test::run({"/usr/bin/mkfifo", fifo});
     test::Child reader({"/bin/cat", fifo});
     const std::string link = "zelto://join?url=$(echo no)'\"; `x` &";
-    EXPECT_TRUE(opener("exec > '" + fifo.string() + "'; printf '%s-%s\\n' first").open(link));
+    EXPECT_TRUE(LinkOpener("exec > '" + fifo.string() + "'; printf '%s-%s\\n' first").open(link));
     EXPECT_EQ(reader.line(), "first-" + link);
-    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Opener, OpensTheAppsLinksOnly) {
+TEST(LinkOpener, OpensTheAppsLinksOnly) {
     for (const char* link : {"file:///etc/passwd", "https://example.org", "zelto:x", ""})
-        EXPECT_FALSE(opener("false").open(link));
-    EXPECT_EQ(log.size(), 4U);
-    EXPECT_EQ(log[0], "a link that is not the app's is not opened: file:///etc/passwd");
+        EXPECT_EQ(
+            LinkOpener("false").open(link).fault().text(),
+            std::string("a link that is not the app's is not opened: ") + link);
 }
 
 }  // namespace

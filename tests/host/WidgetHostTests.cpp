@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <deque>
+#include <map>
 
 #include <gtest/gtest.h>
 
@@ -26,10 +27,12 @@ struct Hosted : testing::Test, HostObserver {
     std::deque<Asked> asked;
     std::optional<Date> wakeAt;
     std::vector<std::string> log, seen;
+    std::map<std::string, ArrangedWidget> standing;
     std::unique_ptr<WidgetHost> host;
 
     void SetUp() override { make(); }
     void make() {
+        standing.clear();
         const auto note = [this](const std::string& line) { log.push_back(line); };
         host = std::make_unique<WidgetHost>(
             HostSeams{
@@ -41,15 +44,25 @@ struct Hosted : testing::Test, HostObserver {
                     },
                 .wakeAt = [this](std::optional<Date> instant) { wakeAt = instant; },
                 .log = note},
-            PlacementStore(folder.path() / "config", note),
+            DesktopLayoutStore(folder.path() / "config"),
             EntryStore(folder.path() / "cache"),
             *this);
+        host->setMonitors({{"DP-1", 4, 8}});
     }
 
-    void placed(const PlacedWidget& widget) override {
-        see("placed " + widget.kind + " " + std::to_string(widget.column) + "," + std::to_string(widget.row));
+    /// Sees what has changed since the last time.
+    void arranged(const std::vector<ArrangedWidget>& widgets) override {
+        std::map<std::string, ArrangedWidget> latest;
+        for (const ArrangedWidget& each : widgets) {
+            latest.emplace(each.widget.id, each);
+            const auto before = standing.find(each.widget.id);
+            if (before == standing.end() || before->second != each)
+                see("placed " + each.widget.kind + " " + std::to_string(each.slot.cell.column) + "," +
+                    std::to_string(each.slot.cell.row));
+        }
+        for (const auto& [id, before] : std::exchange(standing, latest))
+            if (!latest.contains(id)) see("removed");
     }
-    void removed(const std::string&) override { see("removed"); }
     void shows(const PlacedWidget& widget, const ArchivedEntry& entry) override {
         see(widget.kind + " shows " + std::get<ui::node::Text>(entry.view.node).text);
     }
@@ -59,6 +72,12 @@ struct Hosted : testing::Test, HostObserver {
     void see(const std::string& what) { seen.push_back(what); }
     std::vector<std::string> takeSeen() { return std::exchange(seen, {}); }
 
+    static CheckedReply checked(const Reply& reply) { return {reply, encodeReply(reply).value()}; }
+    static Outcomes only(std::size_t place, const Reply& reply) {
+        Outcomes outcomes;
+        outcomes.emplace(place, checked(reply));
+        return outcomes;
+    }
     /// Answers the oldest open question with timelines that show `text`, or with the widgets on offer.
     void answer(const std::string& text) {
         Asked open = std::move(asked.front());
@@ -72,7 +91,7 @@ struct Hosted : testing::Test, HostObserver {
                 reply.entry = ArchivedEntry{now, ui::Text(text)};
             else
                 reply.timeline = ArchivedTimeline{{{now, ui::Text(text)}}, now + 300};
-            outcomes[outcomes.size()] = {.reply = reply};
+            outcomes.emplace(outcomes.size(), checked(reply));
         }
         open.completion(std::move(outcomes));
     }
@@ -80,7 +99,7 @@ struct Hosted : testing::Test, HostObserver {
         Asked open = std::move(asked.front());
         asked.pop_front();
         Outcomes outcomes;
-        for (std::size_t i = 0; i < open.requests.size(); ++i) outcomes[i] = {.error = error};
+        for (std::size_t i = 0; i < open.requests.size(); ++i) outcomes.emplace(i, NoReply{error});
         open.completion(std::move(outcomes));
     }
     static std::vector<WidgetDescription> offered() {
@@ -96,13 +115,17 @@ struct Hosted : testing::Test, HostObserver {
         seen.clear();
     }
     std::string add(const std::string& kind, WidgetFamily family, std::optional<Cell> cell = {}) {
-        std::string id;
-        EXPECT_EQ(host->add(kind, family, cell, 4, id), "");
-        return id;
+        return host->add(kind, family, cell).value();
     }
 };
 
 using Seen = std::vector<std::string>;
+
+/// Why something was not done; empty when it was.
+template <class T>
+std::string refusal(const Result<T>& done) {
+    return done ? "" : done.fault().text();
+}
 
 TEST_F(Hosted, AnAddedWidgetIsPlacedAskedForAndShown) {
     start();
@@ -186,7 +209,7 @@ TEST_F(Hosted, AnswersThatComeFirstAreShownFirst) {
     ASSERT_EQ(open.requests.size(), 2U);
     for (const std::size_t place : {1U, 0U}) {
         Reply reply{.timeline = ArchivedTimeline{{{now, ui::Text("14:05")}}, now + 300}};
-        open.completion({{place, {.reply = std::move(reply)}}});
+        open.completion(only(place, reply));
         EXPECT_EQ(takeSeen(), Seen{*open.requests[place].kind + " shows 14:05"});
     }
 }
@@ -198,7 +221,7 @@ TEST_F(Hosted, AnAnswerOfTheWrongKindIsAFailure) {
     asked.pop_front();
     Reply reply{};
     reply.entry = ArchivedEntry{now, ui::Text("x")};
-    open.completion({{0, {.reply = reply}}});
+    open.completion(only(0, reply));
     EXPECT_EQ(log, Seen{"Battery, systemSmall: an answer without a timeline"});
 }
 
@@ -218,14 +241,14 @@ TEST_F(Hosted, AChangeOfZoneAsksForEverythingInTheNewOne) {
 TEST_F(Hosted, AnAnswerForAnotherFamilyOrARemovedWidgetIsDropped) {
     start();
     const auto id = add("Battery", WidgetFamily::systemSmall);
-    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemMedium, 4), "");
+    EXPECT_EQ(refusal(host->setFamily(id, WidgetFamily::systemMedium)), "");
     takeSeen();
     answer("small");
     EXPECT_EQ(takeSeen(), Seen{});
     answer("medium");
     EXPECT_EQ(takeSeen(), Seen{"Battery shows medium"});
-    host->reload(id);
-    EXPECT_EQ(host->remove(id), "");
+    EXPECT_TRUE(host->reload(id));
+    EXPECT_EQ(refusal(host->remove(id)), "");
     takeSeen();
     answer("late");
     EXPECT_EQ(takeSeen(), Seen{});
@@ -242,11 +265,11 @@ TEST_F(Hosted, WidgetsStandBesideEachOther) {
     std::vector<Cell> cells;
     for (const PlacedWidget& widget : host->widgets()) cells.push_back(widget.cell());
     EXPECT_EQ(cells, (std::vector<Cell>{{0, 0}, {1, 0}, {3, 0}, {0, 2}}));
-    EXPECT_EQ(host->move(wide, std::nullopt, {2, 0}), "another widget stands there");
-    EXPECT_EQ(host->move(wide, std::nullopt, {2, 5}), "");
+    EXPECT_EQ(refusal(host->move(wide, std::nullopt, {2, 0})), "another widget stands there");
+    EXPECT_EQ(refusal(host->move(wide, std::nullopt, {2, 5})), "");
     // On another monitor there is room everywhere.
-    EXPECT_EQ(host->move(wide, "DP-1", {2, 0}), "");
-    EXPECT_EQ(host->widgets()[3].monitor, "DP-1");
+    EXPECT_EQ(refusal(host->move(wide, "DP-2", {2, 0})), "");
+    EXPECT_EQ(host->widgets()[3].monitor, "DP-2");
     // A wish for a taken place is met where there is room.
     add("Battery", WidgetFamily::systemSmall, Cell{0, 0});
     EXPECT_EQ(host->widgets()[4].cell(), (Cell{0, 1}));
@@ -256,23 +279,23 @@ TEST_F(Hosted, AWidgetThatGrowsIntoAnotherMovesAway) {
     start();
     const auto id = add("Battery", WidgetFamily::systemSmall);
     add("Battery", WidgetFamily::systemSmall);
-    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemMedium, 4), "");
+    EXPECT_EQ(refusal(host->setFamily(id, WidgetFamily::systemMedium)), "");
     EXPECT_EQ(host->widgets()[0].cell(), (Cell{2, 0}));
-    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemLarge, 4), "Battery is not offered as systemLarge");
+    EXPECT_EQ(
+        refusal(host->setFamily(id, WidgetFamily::systemLarge)), "Battery is not offered as systemLarge");
 }
 
 TEST_F(Hosted, WishesThatMakeNoSenseAreRefused) {
     start();
-    std::string id;
-    EXPECT_EQ(host->add("Nothing", WidgetFamily::systemSmall, {}, 4, id), "no widget 'Nothing'");
+    EXPECT_EQ(refusal(host->add("Nothing", WidgetFamily::systemSmall)), "no widget 'Nothing'");
     EXPECT_EQ(
-        host->add("Battery", WidgetFamily::systemLarge, {}, 4, id), "Battery is not offered as systemLarge");
-    EXPECT_EQ(host->remove("x"), "no placed widget 'x'");
-    EXPECT_EQ(host->move("x", {}, {}), "no placed widget 'x'");
-    EXPECT_EQ(host->setFamily("x", WidgetFamily::systemSmall, 4), "no placed widget 'x'");
-    EXPECT_EQ(host->reload("x"), "no placed widget 'x'");
-    EXPECT_EQ(host->reloadKind("Nothing"), "no widget 'Nothing'");
-    EXPECT_EQ(host->reloadKind("Battery"), "");
+        refusal(host->add("Battery", WidgetFamily::systemLarge)), "Battery is not offered as systemLarge");
+    EXPECT_EQ(refusal(host->remove("x")), "no placed widget 'x'");
+    EXPECT_EQ(refusal(host->move("x", {}, {})), "no placed widget 'x'");
+    EXPECT_EQ(refusal(host->setFamily("x", WidgetFamily::systemSmall)), "no placed widget 'x'");
+    EXPECT_EQ(refusal(host->reload("x")), "no placed widget 'x'");
+    EXPECT_EQ(refusal(host->reloadKind("Nothing")), "no widget 'Nothing'");
+    EXPECT_EQ(refusal(host->reloadKind("Battery")), "");
 }
 
 TEST_F(Hosted, ReloadsOneKindOrAll) {
@@ -281,7 +304,7 @@ TEST_F(Hosted, ReloadsOneKindOrAll) {
     answer("80 %");
     add("Clock", WidgetFamily::systemSmall);
     answer("14:05");
-    EXPECT_EQ(host->reloadKind("Clock"), "");
+    EXPECT_EQ(refusal(host->reloadKind("Clock")), "");
     ASSERT_EQ(asked.size(), 1U);
     EXPECT_EQ(asked[0].requests.size(), 1U);
     answer("14:06");
@@ -297,7 +320,7 @@ TEST_F(Hosted, WhatAPersonWroteInTheFileIsTakenOver) {
     auto edited = host->widgets();
     edited[0].column = 3;
     edited.push_back({.id = "mine", .kind = "Clock", .family = WidgetFamily::systemSmall, .row = 1});
-    PlacementStore(folder.path() / "config", [](const std::string&) {}).save(edited);
+    EXPECT_TRUE(DesktopLayoutStore(folder.path() / "config").save({edited}));
     takeSeen();
     add("Battery", WidgetFamily::systemSmall);
     EXPECT_EQ(takeSeen(), (Seen{"placed Battery 3,0", "placed Clock 0,1", "placed Battery 0,0"}));
@@ -312,7 +335,7 @@ TEST_F(Hosted, ABrokenEditIsKeptAsideAndTheWidgetsStay) {
     EXPECT_EQ(host->widgets().size(), 2U);
     ASSERT_EQ(log.size(), 1U);
     EXPECT_TRUE(log[0].ends_with("it is kept as desktop.broken-1.json"));
-    EXPECT_EQ(PlacementStore(folder.path() / "config", [](const std::string&) {}).load()->size(), 2U);
+    EXPECT_EQ(DesktopLayoutStore(folder.path() / "config").load()->widgets.size(), 2U);
 }
 
 TEST_F(Hosted, AnExtensionThatDoesNotSayWhatItOffersIsAskedAgain) {
@@ -331,7 +354,7 @@ TEST_F(Hosted, AnExtensionThatDoesNotSayWhatItOffersIsAskedAgain) {
     host->reloadAll();
     ASSERT_EQ(asked.size(), 1U);
     answer("");
-    EXPECT_EQ(host->offered().size(), 2U);
+    EXPECT_EQ(host->offers().widgets().size(), 2U);
 }
 
 TEST_F(Hosted, ABrokenEditAndARefusedWishLoseNothing) {
@@ -339,8 +362,8 @@ TEST_F(Hosted, ABrokenEditAndARefusedWishLoseNothing) {
     add("Battery", WidgetFamily::systemSmall);
     answer("80 %");
     folder.write("config/desktop.json", "{");
-    EXPECT_NE(host->remove("x"), "");
-    EXPECT_EQ(PlacementStore(folder.path() / "config", [](const std::string&) {}).load()->size(), 1U);
+    EXPECT_FALSE(host->remove("x"));
+    EXPECT_EQ(DesktopLayoutStore(folder.path() / "config").load()->widgets.size(), 1U);
 }
 
 TEST_F(Hosted, ABrokenFileAtTheStartCostsNoStoredTimelines) {
@@ -357,39 +380,37 @@ TEST_F(Hosted, ABrokenFileAtTheStartCostsNoStoredTimelines) {
 
 TEST_F(Hosted, AKindThatIsNotUTF8IsRefused) {
     host->start();
-    std::string id;
-    EXPECT_EQ(host->add("\xFF", WidgetFamily::systemSmall, {}, 4, id), "a kind that is not UTF-8");
+    EXPECT_EQ(refusal(host->add("\xFF", WidgetFamily::systemSmall)), "a kind that is not UTF-8");
     EXPECT_TRUE(host->widgets().empty());
 }
 
 TEST_F(Hosted, TheFirstMonitorIsOneWithAndWithoutItsName) {
     start();
-    host->nameFirstMonitor("DP-1");
     const auto first = add("Battery", WidgetFamily::systemSmall);
     const auto second = add("Battery", WidgetFamily::systemSmall);
-    EXPECT_EQ(host->move(first, "DP-1", {1, 0}), "another widget stands there");
-    EXPECT_EQ(host->move(first, "DP-1", {2, 0}), "");
-    EXPECT_EQ(host->move(second, std::nullopt, {2, 0}), "another widget stands there");
+    EXPECT_EQ(refusal(host->move(first, "DP-1", {1, 0})), "another widget stands there");
+    EXPECT_EQ(refusal(host->move(first, "DP-1", {2, 0})), "");
+    EXPECT_EQ(refusal(host->move(second, std::nullopt, {2, 0})), "another widget stands there");
 }
 
 TEST_F(Hosted, AWidgetThatGrowsOverTheEdgeMovesAway) {
     start();
     const auto id = add("Battery", WidgetFamily::systemSmall, Cell{3, 0});
-    EXPECT_EQ(host->setFamily(id, WidgetFamily::systemMedium, 4), "");
+    EXPECT_EQ(refusal(host->setFamily(id, WidgetFamily::systemMedium)), "");
     EXPECT_EQ(host->widgets()[0].cell(), (Cell{0, 0}));
 }
 
 TEST_F(Hosted, PreviewsAreTheGallerys) {
     start();
     std::string shown;
-    host->preview("Battery", WidgetFamily::systemSmall, [&](const auto& entry) {
+    host->previews().ask("Battery", WidgetFamily::systemSmall, [&](const auto& entry) {
         shown = entry ? std::get<ui::node::Text>(entry->view.node).text : "nothing";
     });
     EXPECT_EQ(asked[0].requests[0].preview, true);
     EXPECT_EQ(asked[0].requests[0].request, RequestKind::snapshot);
     answer("look");
     EXPECT_EQ(shown, "look");
-    host->preview("Battery", WidgetFamily::systemSmall, [&](const auto& entry) {
+    host->previews().ask("Battery", WidgetFamily::systemSmall, [&](const auto& entry) {
         shown = entry ? "something" : "nothing";
     });
     fail("it died");
@@ -399,21 +420,26 @@ TEST_F(Hosted, PreviewsAreTheGallerys) {
 struct OnTheBus : Hosted {
     int galleries = 0, ends = 0;
 
-    /// The results of a call with commas, or why there are none.
-    std::string call(const std::string& method, const xpc::Values& arguments = {}) {
-        const auto outcome = perform(
-            {.host = *host,
-             .columns = [] { return 4; },
+    /// The result of a call, or why there is none.
+    std::string call(const std::string& name, bus::Values arguments = {}) {
+        const auto interface = desktopInterface(
+            {.host = [this]() -> WidgetHost& { return *host; },
              .showGallery = [this] { ++galleries; },
-             .quit = [this] { ++ends; }},
-            method,
-            arguments);
-        if (const auto* error = std::get_if<xpc::Error>(&outcome)) {
-            EXPECT_EQ(error->kind, xpc::ErrorKind::badPayload);
-            return error->text;
-        }
+             .quit = [this] { ++ends; }});
         std::string out;
-        for (const auto& value : std::get<xpc::Values>(outcome)) out += (out.empty() ? "" : ",") + value;
+        const auto row = std::ranges::find(interface.methods, name, &bus::Method::name);
+        row->handler(
+            std::move(arguments),
+            bus::Answer(
+                [&out](const bus::Result<bus::Values>& result) {
+                    if (!result) {
+                        EXPECT_EQ(result.fault().kind, bus::ErrorKind::badPayload);
+                        out = result.fault().text;
+                    } else if (!result->empty()) {
+                        out = std::get<std::string>(result->front());
+                    }
+                },
+                {}));
         return out;
     }
 };
@@ -425,9 +451,9 @@ TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
     EXPECT_EQ(
         call("list"),
         R"([{"id":")" + id + R"(","kind":"Battery","family":"systemSmall","column":0,"row":0}])");
-    EXPECT_EQ(call("move", {id, "", "3", "2"}), "");
+    EXPECT_EQ(call("move", {id, "", 3, 2}), "");
     EXPECT_EQ(call("resize", {id, "systemMedium"}), "");
-    EXPECT_EQ(call("move", {id, "DP-1", "0", "1"}), "");
+    EXPECT_EQ(call("move", {id, "DP-1", 0, 1}), "");
     EXPECT_EQ(
         call("list"),
         R"([{"id":")" + id +
@@ -443,12 +469,24 @@ TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
     EXPECT_EQ(ends, 1);
 }
 
+TEST_F(OnTheBus, ArgumentsAndResultsHaveNames) {
+    const auto described = desktopInterface({.host = {}, .showGallery = {}, .quit = {}}).introspection();
+    EXPECT_NE(
+        described.find(R"(<method name="move"><arg name="id" type="s" direction="in"/>)"
+                       R"(<arg name="monitor" type="s" direction="in"/>)"
+                       R"(<arg name="column" type="x" direction="in"/>)"
+                       R"(<arg name="row" type="x" direction="in"/></method>)"),
+        std::string::npos)
+        << described;
+    EXPECT_NE(described.find(R"(<arg name="id" type="s" direction="out"/>)"), std::string::npos);
+}
+
 TEST_F(OnTheBus, WhatMakesNoSenseIsAnsweredWithWhy) {
     start();
     EXPECT_EQ(call("add", {"Battery", "small"}), "'small' is not systemSmall, systemMedium or systemLarge");
     EXPECT_EQ(call("add", {"Nothing", "systemSmall"}), "no widget 'Nothing'");
     EXPECT_EQ(call("resize", {"x", "systemSmall"}), "no placed widget 'x'");
-    EXPECT_EQ(call("move", {"x", "", "0", "0"}), "no placed widget 'x'");
+    EXPECT_EQ(call("move", {"x", "", 0, 0}), "no placed widget 'x'");
     EXPECT_EQ(call("remove", {"x"}), "no placed widget 'x'");
     EXPECT_EQ(call("reload", {"Nothing"}), "no widget 'Nothing'");
 }
@@ -456,7 +494,7 @@ TEST_F(OnTheBus, WhatMakesNoSenseIsAnsweredWithWhy) {
 TEST(Wishes, AreAKindAndAFamily) {
     const auto parse = [](const std::string& text) {
         const auto wish = parseWish(text);
-        return wish ? wish->first + " " + wish->second : "nothing";
+        return wish ? wish->first + " " + std::string(nameOf(wish->second)) : "nothing";
     };
     EXPECT_EQ(parse("ZeltoBattery:small"), "ZeltoBattery systemSmall");
     EXPECT_EQ(parse("ZeltoBattery:systemLarge"), "ZeltoBattery systemLarge");

@@ -232,7 +232,7 @@ TEST_F(HelperProcess, TheExitStatusTellsWhatHappened) {
 }
 
 TEST_F(HelperProcess, TwoHundredDeathsInTheMiddleOfACallAreTwoHundredClearErrors) {
-    HelperConnection client(xpc::Bus::at(bus.address()), 30s);
+    HelperConnection client(bus::Address::at(bus.address()), 30s);
     for (int i = 0; i < 200; ++i) {
         Child stalling = standIn({"stall"});
         std::thread killer([&] {
@@ -241,13 +241,13 @@ TEST_F(HelperProcess, TwoHundredDeathsInTheMiddleOfACallAreTwoHundredClearErrors
         });
         const auto outcome = client.status();
         killer.join();
-        ASSERT_TRUE(std::holds_alternative<xpc::Error>(outcome));
-        ASSERT_EQ(std::get<xpc::Error>(outcome).kind, xpc::ErrorKind::peerDied);
-        ASSERT_NE(std::get<xpc::Error>(outcome).text, "");
+        ASSERT_FALSE(outcome);
+        ASSERT_EQ(outcome.fault().kind, bus::ErrorKind::peerDied);
+        ASSERT_NE(outcome.fault().text, "");
         stalling.wait();
         const Child restarted = standIn();
         const auto next = client.status();
-        ASSERT_TRUE(std::holds_alternative<HelperStatus>(next)) << std::get<xpc::Error>(next).text;
+        ASSERT_TRUE(next) << next.fault().text;
     }
 }
 

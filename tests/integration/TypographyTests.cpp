@@ -18,11 +18,9 @@ struct Typography : testing::Test {
     drawing::Renderer renderer;
 
     layout::Placement place(const std::string& kind, WidgetFamily family, const Look& look) {
-        const WidgetSize size = sizeOf(family);
+        const ui::Size size = sizeOf(family);
         return layout::layOut(
-            view(kind, family, look),
-            {.size = {size.width, size.height}, .now = look.now},
-            renderer.measuring());
+            view(kind, family, look), {.size = size, .now = look.now}, renderer.measuring());
     }
     static std::optional<layout::PlacedText> find(
         const layout::Placement& placement, const std::string& text) {

@@ -17,8 +17,8 @@ const std::string leastStatus =
 
 template <class T>
 std::string faultOf(const std::string& json) {
-    DecodingError error;
-    return decodeJSON<T>(json, &error) ? "" : error.text();
+    const auto decoded = decodeJSON<T>(json);
+    return decoded ? "" : decoded.fault().text();
 }
 
 TEST(ChargeConfig, EveryKeyIsRequiredAlthoughEachFieldHasADefault) {

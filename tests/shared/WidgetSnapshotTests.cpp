@@ -17,12 +17,12 @@
 namespace zelto::test {
 namespace {
 
-std::optional<WidgetSnapshot> decode(const std::string& document) {
+Result<WidgetSnapshot> decode(const std::string& document) {
     return decodeJSON<WidgetSnapshot>(document);
 }
 std::string fault(const std::string& document) {
-    DecodingError error;
-    return decodeJSON<WidgetSnapshot>(document, &error) ? "" : error.text();
+    const auto decoded = decodeJSON<WidgetSnapshot>(document);
+    return decoded ? "" : decoded.fault().text();
 }
 
 constexpr const char* battery =

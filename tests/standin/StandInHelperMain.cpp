@@ -84,9 +84,10 @@ int main(int argc, char** argv) {
         if (word == "stall") helper.stalls = true;
         if (word == "decline") helper.declines = true;
     }
-    const auto listener = listenAsHelper(helper, {.bus = xpc::Bus::at(words.at(0)), .trusted = {trusted}});
-    if (const auto* error = std::get_if<xpc::Error>(&listener)) {
-        std::fprintf(stderr, "stand-in-helper: %s\n", error->text.c_str());
+    const auto listener =
+        listenAsHelper(helper, {.address = bus::Address::at(words.at(0)), .trusted = {trusted}});
+    if (!listener) {
+        std::fprintf(stderr, "stand-in-helper: %s\n", listener.fault().text.c_str());
         return 1;
     }
     say("ready");

@@ -70,7 +70,7 @@ void isShown(const WidgetSnapshot& snapshot, const std::string& what) {
     const ProviderSources sources{
         .now = [] { return wednesday; },
         .live = [] { return placeholderLiveData(); },
-        .snapshot = [&] { return read; }};
+        .snapshot = [&]() -> std::optional<WidgetSnapshot> { return *read; }};
     const Service service(
         ZeltoWidgetBundle{sources}.body(), {"pt_BR", "America/Sao_Paulo"}, [] { return wednesday; });
     for (const auto& widget : ZeltoWidgetBundle{sources}.body())
@@ -78,9 +78,8 @@ void isShown(const WidgetSnapshot& snapshot, const std::string& what) {
             const Request request{
                 .id = 1, .request = RequestKind::timeline, .kind = widget.info().kind, .family = family};
             const std::string line = service.answer(*encodeJSON(request));
-            std::string why;
-            const auto reply = decodeReply(line, &why);
-            ASSERT_TRUE(reply) << what << " " << widget.info().kind << ": " << why;
+            const auto reply = decodeReply(line);
+            ASSERT_TRUE(reply) << what << " " << widget.info().kind << ": " << reply.fault().text();
             EXPECT_TRUE(reply->timeline) << what << " " << widget.info().kind << ": " << *reply->error;
             EXPECT_LT(line.size(), std::size_t{2} << 20) << what << " " << widget.info().kind;
         }
@@ -142,13 +141,21 @@ TEST(Extremes, OfEveryListAreShown) {
 
 TEST(Extremes, OfEveryNumberAndDateAreShown) {
     WidgetSnapshot snapshot = wholeSnapshot();
-    for (const Place& place : placesOf(snapshot, Kind::real)) {
+    std::vector<std::pair<std::string, double*>> numbers;
+    for (const Place& place : placesOf(snapshot, Kind::real))
+        numbers.emplace_back(place.name, static_cast<double*>(place.value));
+    const std::size_t reals = numbers.size();
+    for (const Place& place : placesOf(snapshot, Kind::date))
+        numbers.emplace_back(place.name, &static_cast<Date*>(place.value)->sinceReference);
+    EXPECT_GT(reals, 10U);
+    EXPECT_GT(numbers.size() - reals, 5U);
+    for (const auto& [name, number] : numbers) {
         // A fan's speed beyond 64 bits ends the process, which is the fans widget's rule.
-        if (place.name == ".fans[0].actual") continue;
-        auto& own = *static_cast<double*>(place.value);
+        if (name == ".fans[0].actual") continue;
+        double& own = *number;
         for (const double end : {DBL_MAX, -DBL_MAX, 1e13, DBL_TRUE_MIN, -0.0}) {
             const double before = std::exchange(own, end);
-            isShown(snapshot, place.name + " " + std::to_string(end));
+            isShown(snapshot, name + " " + std::to_string(end));
             own = before;
         }
     }

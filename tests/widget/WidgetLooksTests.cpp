@@ -55,9 +55,10 @@ TEST(WidgetLooks, AreThoseOfTheOutlines) {
 TEST(WidgetLooks, KeepToWhatAHostAccepts) {
     for (const auto& [state, look] : states())
         for (const auto& widget : ZeltoWidgetBundle{}.body())
-            for (const WidgetFamily family : widget.info().families)
-                EXPECT_EQ(faultOf(view(widget.info().kind, family, look)), std::nullopt)
-                    << widget.info().kind << state;
+            for (const WidgetFamily family : widget.info().families) {
+                const auto checked = check(view(widget.info().kind, family, look));
+                EXPECT_TRUE(checked) << widget.info().kind << state << ": " << checked.fault().text();
+            }
 }
 
 }  // namespace

@@ -52,8 +52,8 @@ bool isStricterHere(const std::string& document) {
 }
 
 std::string fault(const std::string& document) {
-    DecodingError error;
-    return decodeJSON<Sheet>(document, &error) ? "" : error.text();
+    const auto decoded = decodeJSON<Sheet>(document);
+    return decoded ? "" : decoded.fault().text();
 }
 
 TEST(JSONDecoder, AgreesWithThePlatformOnWholeDocuments) {
@@ -120,9 +120,9 @@ TEST(JSONDecoder, NamesThePlaceAndReasonOfTheFirstFault) {
     EXPECT_EQ(fault(std::string("{\"a\":1}\0", 8)), "line 1, column 8: a NUL byte");
     EXPECT_TRUE(fault("{\"s\":\"é\",\n \"a\":").starts_with("line 2, column 6: unexpected end of input"))
         << fault("{\"s\":\"é\",\n \"a\":");
-    DecodingError error;
-    EXPECT_FALSE(decodeJSON<SheetList>(R"({"value":[{"a":1},{"a":1,"i":"?"}]})", &error));
-    EXPECT_EQ(error.text(), "value[1].i: not a UUID");
+    EXPECT_EQ(
+        decodeJSON<SheetList>(R"({"value":[{"a":1},{"a":1,"i":"?"}]})").fault(),
+        (Fault{.path = "value[1].i", .reason = "not a UUID"}));
 }
 
 TEST(JSONDecoder, TakesAnyDepthUnderUnknownKeys) {
@@ -136,10 +136,9 @@ TEST(JSONDecoder, TakesAnyDepthUnderUnknownKeys) {
 }
 
 TEST(JSONDecoder, BoundsTheDepthOfWhatItKeeps) {
-    DecodingError error;
-    EXPECT_FALSE(decodeJSON<SheetList>(R"({"value":[{"a":1}]})", &error, 2));
-    EXPECT_EQ(error.text(), "value[0]: nested too deeply");
-    EXPECT_TRUE(decodeJSON<SheetList>(R"({"value":[{"a":1}]})", nullptr, 3));
+    EXPECT_EQ(
+        decodeJSON<SheetList>(R"({"value":[{"a":1}]})", 2).fault().text(), "value[0]: nested too deeply");
+    EXPECT_TRUE(decodeJSON<SheetList>(R"({"value":[{"a":1}]})", 3));
 }
 
 TEST(JSONDecoder, KeepsTheFirstOfDuplicateKeys) {

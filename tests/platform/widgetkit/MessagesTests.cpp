@@ -61,8 +61,7 @@ TEST(Archive, ReadsBackEqualToWhatWasWritten) {
     const auto line = encodeReply(written);
     ASSERT_TRUE(line);
     EXPECT_EQ(line->find('\n'), std::string::npos);
-    std::string why;
-    EXPECT_EQ(decodeReply(*line, &why), written) << why;
+    EXPECT_EQ(decodeReply(*line).value(), written);
 }
 
 TEST(Archive, RefusesToWriteWhatIsNotFinite) {
@@ -73,9 +72,8 @@ TEST(Archive, RefusesToWriteWhatIsNotFinite) {
 /// What a host finds wrong with a reply: with its form, of which nothing is left, or with what it holds,
 /// which is left as an error to the same request.
 std::string fault(const Reply& reply) {
-    std::string why;
-    const auto read = decodeReply(encodeReply(reply).value_or(""), &why);
-    if (!read) return why;
+    const auto read = decodeReply(encodeReply(reply).value_or(""));
+    if (!read) return read.fault().text();
     if (!read->error) return "";
     EXPECT_EQ(read->id, reply.id);
     EXPECT_FALSE(read->widgets || read->entry || read->timeline);
@@ -114,18 +112,17 @@ TEST(Archive, BoundsWhatAStrangerMaySend) {
 TEST(Archive, ChecksTheReplyItself) {
     Reply none;
     EXPECT_EQ(fault(none), "a reply needs exactly one of widgets, entry, timeline and error");
-    Reply empty;
-    empty.timeline = ArchivedTimeline{};
-    EXPECT_EQ(fault(empty), "a timeline without entries");
+    Reply without;
+    without.timeline = ArchivedTimeline{};
+    EXPECT_EQ(fault(without), "a timeline without entries");
     Reply unordered = reply(Text(""));
     std::swap(unordered.timeline->entries[0], unordered.timeline->entries[1]);
     EXPECT_EQ(fault(unordered), "timeline entries out of order");
-    std::string why;
-    EXPECT_FALSE(
-        decodeReply(R"({"id":1,"entry":{"date":0,"view":{"node":{"Web":{}},"modifiers":[]}}})", &why));
-    EXPECT_EQ(why, "entry.view.node: unknown case \"Web\"");
-    EXPECT_FALSE(decodeReply(R"({"id":1,"entry":{"date":0,"view":{"node":{},"modifiers":[]}}})", &why));
-    EXPECT_EQ(why, "entry.view.node: expected an object with one key");
+    const auto foreign =
+        decodeReply(R"({"id":1,"entry":{"date":0,"view":{"node":{"Web":{}},"modifiers":[]}}})");
+    EXPECT_EQ(foreign.fault().text(), "entry.view.node: unknown case \"Web\"");
+    const auto empty = decodeReply(R"({"id":1,"entry":{"date":0,"view":{"node":{},"modifiers":[]}}})");
+    EXPECT_EQ(empty.fault().text(), "entry.view.node: expected an object with one key");
 }
 
 }  // namespace

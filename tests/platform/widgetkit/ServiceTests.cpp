@@ -57,9 +57,8 @@ std::string text(const ArchivedEntry& entry) {
 
 Reply ask(const std::string& rest) {
     return decodeReply(
-               service().answer(R"({"id":4,"kind":"Toy","family":"systemSmall","request":)" + rest + "}"),
-               nullptr)
-        .value_or(Reply{});
+               service().answer(R"({"id":4,"kind":"Toy","family":"systemSmall","request":)" + rest + "}"))
+        .value();
 }
 
 TEST(Service, BuildsEntriesForTheRequestsEnvironment) {
@@ -117,7 +116,7 @@ TEST(Service, WhatRunsOutCostsOneRequest) {
     };
     EXPECT_EQ(answer("placeholder"), R"({"id":4,"error":"the request failed: std::bad_alloc"})");
     EXPECT_EQ(answer("snapshot"), R"({"id":4,"error":"the request failed: no more of it"})");
-    EXPECT_TRUE(decodeReply(answer("timeline"), nullptr)->timeline);
+    EXPECT_TRUE(decodeReply(answer("timeline"))->timeline);
 }
 
 TEST(Service, HandsOutWhatHostsTake) {
@@ -128,10 +127,8 @@ TEST(Service, HandsOutWhatHostsTake) {
         }).supportedFamilies({WidgetFamily::systemSmall}));
     const Service talkative(std::move(widgets), {"pt_BR", "UTC"}, [] { return Date{9}; });
     for (const char* request : {"placeholder", "snapshot", "timeline"}) {
-        const auto reply = decodeReply(
-            talkative.answer(
-                R"({"id":4,"kind":"Toy","family":"systemSmall","request":")" + std::string(request) + "\"}"),
-            nullptr);
+        const auto reply = decodeReply(talkative.answer(
+            R"({"id":4,"kind":"Toy","family":"systemSmall","request":")" + std::string(request) + "\"}"));
         ASSERT_TRUE(reply);
         EXPECT_FALSE(reply->error) << *reply->error;
     }

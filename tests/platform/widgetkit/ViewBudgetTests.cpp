@@ -15,7 +15,8 @@ using namespace ui;
 
 View cut(View view) {
     keepToBudget(view, 344);
-    EXPECT_EQ(faultOf(view), std::nullopt);
+    const auto checked = check(view);
+    EXPECT_TRUE(checked) << checked.fault().text();
     return view;
 }
 std::string cutText(const std::string& text) {

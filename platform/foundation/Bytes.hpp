@@ -6,13 +6,14 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/foundation/Record.hpp"
+namespace zelto {
 
-namespace zelto::ui {
-
-/// Bytes that travel as base64 text.
+/// Bytes; in JSON, base64 text.
 struct Bytes {
     std::vector<std::uint8_t> bytes;
+
+    static Bytes of(std::string_view content) { return {{content.begin(), content.end()}}; }
+    std::string content() const { return {bytes.begin(), bytes.end()}; }
 
     static std::optional<Bytes> parse(std::string_view base64);
     std::string text() const;
@@ -20,9 +21,4 @@ struct Bytes {
     bool operator==(const Bytes&) const = default;
 };
 
-}  // namespace zelto::ui
-
-template <>
-struct zelto::TokenName<zelto::ui::Bytes> {
-    static constexpr std::string_view name = "base64 text";
-};
+}  // namespace zelto

@@ -8,23 +8,19 @@
 
 #include <sys/types.h>
 
-#include "platform/foundation/ReplyBlock.hpp"
-#include "platform/xpc/Bus.hpp"
-#include "platform/xpc/Interface.hpp"
+#include "platform/bus/Address.hpp"
+#include "platform/bus/Interface.hpp"
 
-namespace zelto::xpc {
-
-/// What a call gets back.
-using Answer = ReplyBlock<Result<Values>>;
+namespace zelto::bus {
 
 struct ListenerOptions {
-    Bus bus;
+    Address address;
     Interface interface;
     /// The users who may call; others get an access error, and nothing runs.
     std::vector<uid_t> trusted;
-    /// Gets each call of a trusted user with arguments of the method's kinds, on the listener's own thread.
-    /// May answer later, from any thread.
-    std::function<void(const std::string& method, Values arguments, Answer answer)> handler;
+    /// Carries a call over to the thread on which the interface's functions are to run; they run on the
+    /// listener's own without it.
+    std::function<void(std::function<void()>)> dispatch = {};
     /// The caller is told so when an answer takes longer.
     std::chrono::milliseconds deadline{10'000};
     /// Called once, on the listener's thread, when the bus has gone away or the name was lost.
@@ -36,6 +32,7 @@ class Listener {
   public:
     static Result<Listener> start(ListenerOptions options);
     Listener(Listener&&) noexcept;
+    Listener& operator=(Listener&&) noexcept;
     ~Listener();
 
   private:
@@ -44,4 +41,4 @@ class Listener {
     std::unique_ptr<State> state_;
 };
 
-}  // namespace zelto::xpc
+}  // namespace zelto::bus

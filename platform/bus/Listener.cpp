@@ -1,4 +1,4 @@
-#include "platform/xpc/Listener.hpp"
+#include "platform/bus/Listener.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -6,9 +6,9 @@
 #include <thread>
 #include <utility>
 
-#include "platform/xpc/Handles.hpp"
+#include "platform/bus/Handles.hpp"
 
-namespace zelto::xpc {
+namespace zelto::bus {
 namespace {
 
 constexpr std::chrono::milliseconds busDeadline{5000};
@@ -40,8 +40,7 @@ std::optional<uid_t> userOf(GDBusConnection* connection, const char* caller) {
 /// A call that waits for its answer. Whoever comes first answers it: the handler, or the deadline.
 class Call {
   public:
-    Call(GDBusMethodInvocation* invocation, std::vector<ValueKind> results)
-        : invocation_(invocation), results_(std::move(results)) {}
+    explicit Call(GDBusMethodInvocation* invocation) : invocation_(invocation) {}
 
     void startTimer(std::chrono::milliseconds deadline, GMainContext* context, std::weak_ptr<Call> self) {
         timer_.reset(g_timeout_source_new(static_cast<guint>(deadline.count())));
@@ -60,19 +59,17 @@ class Call {
     void answer(const Result<Values>& result) {
         if (isAnswered_.exchange(true)) return;
         if (timer_) g_source_destroy(timer_.get());
-        const auto* values = std::get_if<Values>(&result);
-        const auto fault =
-            values ? faultOf(*values, results_) : std::optional<Error>(std::get<Error>(result));
+        const auto checked = result ? check(*result) : Result<void>(result.fault());
         // Both take over the library's reference to the call.
-        if (fault)
-            g_dbus_method_invocation_return_dbus_error(invocation_, nameOf(fault->kind), fault->text.c_str());
+        if (checked)
+            g_dbus_method_invocation_return_value(invocation_, pack(*result));
         else
-            g_dbus_method_invocation_return_value(invocation_, pack(*values, results_));
+            g_dbus_method_invocation_return_dbus_error(
+                invocation_, nameOf(checked.fault().kind), checked.fault().text.c_str());
     }
 
   private:
     GDBusMethodInvocation* invocation_;
-    std::vector<ValueKind> results_;
     std::atomic<bool> isAnswered_ = false;
     Source timer_ = {};
 };
@@ -100,11 +97,11 @@ struct Listener::State {
     }
 
     /// The thread's whole life; tells through `started` how its beginning went.
-    void run(std::promise<std::optional<Error>>& started) {
+    void run(std::promise<Result<void>>& started) {
         g_main_context_push_thread_default(context.get());
-        auto error = offer();
-        const bool runs = !error;
-        started.set_value(std::move(error));
+        auto offered = offer();
+        const bool runs = offered.has_value();
+        started.set_value(std::move(offered));
         if (runs) g_main_loop_run(loop.get());
         if (connection) {
             g_signal_handlers_disconnect_by_data(connection.get(), this);
@@ -114,10 +111,10 @@ struct Listener::State {
         g_main_context_pop_thread_default(context.get());
     }
 
-    std::optional<Error> offer() {
-        auto connected = connect(options.bus, busDeadline, context.get());
-        if (auto* error = std::get_if<Error>(&connected)) return std::move(*error);
-        connection = std::get<BusConnection>(std::move(connected));
+    Result<void> offer() {
+        auto connected = connect(options.address, busDeadline, context.get());
+        if (!connected) return std::move(connected).fault();
+        connection = *std::move(connected);
         g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), this);
 
         ErrorSlot error;
@@ -125,7 +122,7 @@ struct Listener::State {
         if (!description) return error.take();
         registration = g_dbus_connection_register_object(
             connection.get(),
-            options.interface.objectPath().c_str(),
+            objectPathOf(options.interface.service).c_str(),
             description->interfaces[0],
             &callbacks,
             this,
@@ -145,7 +142,7 @@ struct Listener::State {
         g_variant_get(reply.get(), "(u)", &outcome);
         if (outcome != isOwner)
             return Error{ErrorKind::nameTaken, options.interface.service + " is offered by another process"};
-        return std::nullopt;
+        return {};
     }
 
     static void onClosed(GDBusConnection*, gboolean, GError*, gpointer self) noexcept {
@@ -162,31 +159,31 @@ struct Listener::State {
         const char* caller, const std::string& name, GVariant* arguments, GDBusMethodInvocation* invocation) {
         // The library has made sure that the method exists and that the arguments have its types.
         const auto method = std::ranges::find(options.interface.methods, name, &Method::name);
-        const auto call = std::make_shared<Call>(invocation, method->results);
+        const auto call = std::make_shared<Call>(invocation);
         const auto user = userOf(connection.get(), caller);
         if (!user || std::ranges::find(options.trusted, *user) == options.trusted.end()) {
             call->answer(
                 Error{ErrorKind::accessDenied, "this user may not call " + options.interface.service});
             return;
         }
-        auto values = unpack(arguments, method->arguments);
-        if (!values) {
-            call->answer(Error{ErrorKind::badPayload, "arguments of another shape than the method has"});
-            return;
-        }
-        if (auto fault = faultOf(*values, method->arguments)) {
-            call->answer(*std::move(fault));
+        auto values = unpack(arguments);
+        if (const auto checked = values ? check(*values) : Result<void>(values.fault()); !checked) {
+            call->answer(checked.fault());
             return;
         }
         call->startTimer(options.deadline, context.get(), call);
-        options.handler(
-            name,
-            *std::move(values),
-            Answer(
-                [call](const Result<Values>& result) { call->answer(result); },
-                [call] {
-                    call->answer(Error{ErrorKind::refused, "the call was left unanswered"});
-                }));
+        const auto answer = std::make_shared<Answer>(
+            [call](const Result<Values>& result) { call->answer(result); },
+            [call] {
+                call->answer(Error{ErrorKind::refused, "the call was left unanswered"});
+            });
+        auto perform = [handler = method->handler, values = *std::move(values), answer]() mutable {
+            handler(std::move(values), std::move(*answer));
+        };
+        if (options.dispatch)
+            options.dispatch(perform);
+        else
+            perform();
     }
 
     static constexpr GDBusInterfaceVTable callbacks{&onCall, nullptr, nullptr, {}};
@@ -202,18 +199,19 @@ struct Listener::State {
 
 Result<Listener> Listener::start(ListenerOptions options) {
     auto state = std::make_unique<State>(std::move(options));
-    std::promise<std::optional<Error>> started;
+    std::promise<Result<void>> started;
     auto outcome = started.get_future();
     state->thread = std::thread([&started, owner = state.get()] { owner->run(started); });
-    if (auto error = outcome.get()) {
+    if (auto offered = outcome.get(); !offered) {
         state->thread.join();
-        return *std::move(error);
+        return std::move(offered).fault();
     }
     return Listener(std::move(state));
 }
 
 Listener::Listener(std::unique_ptr<State> state) : state_(std::move(state)) {}
 Listener::Listener(Listener&&) noexcept = default;
+Listener& Listener::operator=(Listener&&) noexcept = default;
 Listener::~Listener() = default;
 
-}  // namespace zelto::xpc
+}  // namespace zelto::bus

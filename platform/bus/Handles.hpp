@@ -3,16 +3,14 @@
 // What the files of this room share: owners for the bus library's objects, and its errors as ours.
 
 #include <chrono>
-#include <memory>
-#include <optional>
 
 #include <gio/gio.h>
 
+#include "platform/bus/Address.hpp"
+#include "platform/bus/Interface.hpp"
 #include "platform/foundation/Handle.hpp"
-#include "platform/xpc/Bus.hpp"
-#include "platform/xpc/Interface.hpp"
 
-namespace zelto::xpc {
+namespace zelto::bus {
 
 using BusConnection = Handle<GDBusConnection, g_object_unref>;
 using Variant = Handle<GVariant, g_variant_unref>;
@@ -43,14 +41,15 @@ const char* nameOf(ErrorKind kind);
 
 /// A connection of our own to a message bus. Its messages are dispatched in `context`, which the calling
 /// thread must not be running.
-Result<BusConnection> connect(const Bus& bus, std::chrono::milliseconds deadline, GMainContext* context);
+Result<BusConnection> connect(
+    const Address& address, std::chrono::milliseconds deadline, GMainContext* context);
 
-/// A tuple of arguments or results. The payloads' sizes have been checked.
-GVariant* pack(const Values& values, const std::vector<ValueKind>& kinds);
-/// The other way; absent when it is another tuple than `kinds` says.
-std::optional<Values> unpack(GVariant* tuple, const std::vector<ValueKind>& kinds);
+/// A tuple of arguments or results, which have been checked.
+GVariant* pack(const Values& values);
+/// The other way; refuses types that do not travel.
+Result<Values> unpack(GVariant* tuple);
 
-/// What is wrong with the sizes or texts of values that are to be sent, or nothing.
-std::optional<Error> faultOf(const Values& values, const std::vector<ValueKind>& kinds);
+/// Refuses texts that are not UTF-8 and payloads that are too large.
+Result<void> check(const Values& values);
 
-}  // namespace zelto::xpc
+}  // namespace zelto::bus

@@ -1,10 +1,9 @@
-#include "platform/xpc/Handles.hpp"
+#include "platform/bus/Handles.hpp"
 
 #include <array>
-#include <charconv>
 #include <string_view>
 
-namespace zelto::xpc {
+namespace zelto::bus {
 namespace {
 
 struct ErrorName {
@@ -60,13 +59,15 @@ struct Attempt {
     }
 };
 
-std::string addressOf(const Bus& bus, ErrorSlot& error) {
-    if (bus.kind() == Bus::Kind::address) return bus.address();
+Result<std::string> textOf(const Address& address) {
+    if (address.kind() == Address::Kind::text) return address.text();
+    ErrorSlot error;
     gchar* found = g_dbus_address_get_for_bus_sync(
-        bus.kind() == Bus::Kind::system ? G_BUS_TYPE_SYSTEM : G_BUS_TYPE_SESSION, nullptr, &error);
-    std::string address = found ? found : "";
+        address.kind() == Address::Kind::system ? G_BUS_TYPE_SYSTEM : G_BUS_TYPE_SESSION, nullptr, &error);
+    if (!found) return Error{ErrorKind::noBus, error.take().text};
+    std::string text = found;
     g_free(found);
-    return address;
+    return text;
 }
 
 gboolean markPassed(gpointer isPassed) {
@@ -91,10 +92,10 @@ Error ErrorSlot::take() {
     return out;
 }
 
-Result<BusConnection> connect(const Bus& bus, std::chrono::milliseconds deadline, GMainContext* context) {
-    ErrorSlot error;
-    const std::string address = addressOf(bus, error);
-    if (address.empty()) return Error{ErrorKind::noBus, error.take().text};
+Result<BusConnection> connect(
+    const Address& address, std::chrono::milliseconds deadline, GMainContext* context) {
+    const auto text = textOf(address);
+    if (!text) return text.fault();
 
     g_main_context_push_thread_default(context);
     const auto attempt = std::make_shared<Attempt>();
@@ -104,7 +105,7 @@ Result<BusConnection> connect(const Bus& bus, std::chrono::milliseconds deadline
     g_source_set_callback(timer.get(), markPassed, &isPassed, nullptr);
     g_source_attach(timer.get(), context);
     g_dbus_connection_new_for_address(
-        address.c_str(),
+        text->c_str(),
         static_cast<GDBusConnectionFlags>(
             G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT | G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
         nullptr,
@@ -121,73 +122,71 @@ Result<BusConnection> connect(const Bus& bus, std::chrono::milliseconds deadline
 
 namespace {
 
-std::optional<std::int64_t> integerOf(const std::string& digits) {
-    std::int64_t value = 0;
-    const char* end = digits.data() + digits.size();
-    const auto [parsed, error] = std::from_chars(digits.data(), end, value);
-    if (error != std::errc() || parsed != end) return std::nullopt;
-    return value;
+GVariant* pack(const std::string& text) {
+    return g_variant_new_string(text.c_str());
+}
+GVariant* pack(std::int64_t integer) {
+    return g_variant_new_int64(integer);
+}
+GVariant* pack(const Bytes& bytes) {
+    return g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, bytes.bytes.data(), bytes.bytes.size(), 1);
 }
 
-GVariant* pack(const std::string& value, ValueKind kind) {
-    switch (kind) {
-        case ValueKind::data:
-            return g_variant_new_fixed_array(G_VARIANT_TYPE_BYTE, value.data(), value.size(), 1);
-        case ValueKind::text: return g_variant_new_string(value.c_str());
-        case ValueKind::integer: return g_variant_new_int64(integerOf(value).value_or(0));
-    }
-    return nullptr;
-}
-
-std::optional<std::string> unpack(GVariant* value, ValueKind kind) {
+Result<Value> unpackOne(GVariant* value) {
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_STRING))
+        return Value(std::string(g_variant_get_string(value, nullptr)));
+    if (g_variant_is_of_type(value, G_VARIANT_TYPE_INT64))
+        return Value(std::int64_t{g_variant_get_int64(value)});
+    if (!g_variant_is_of_type(value, G_VARIANT_TYPE_BYTESTRING))
+        return Error{
+            ErrorKind::badPayload, std::string("a value of type ") + g_variant_get_type_string(value)};
     gsize size = 0;
-    if (kind == ValueKind::data && g_variant_is_of_type(value, G_VARIANT_TYPE_BYTESTRING)) {
-        const auto* bytes = static_cast<const char*>(g_variant_get_fixed_array(value, &size, 1));
-        return std::string(bytes, bytes + size);
-    }
-    if (kind == ValueKind::text && g_variant_is_of_type(value, G_VARIANT_TYPE_STRING))
-        return g_variant_get_string(value, nullptr);
-    if (kind == ValueKind::integer && g_variant_is_of_type(value, G_VARIANT_TYPE_INT64))
-        return std::to_string(g_variant_get_int64(value));
-    return std::nullopt;
+    const auto* bytes = static_cast<const std::uint8_t*>(g_variant_get_fixed_array(value, &size, 1));
+    return Value(Bytes{{bytes, bytes + size}});
+}
+
+Result<void> checkSize(std::size_t size) {
+    if (size > largestPayload) return Error{ErrorKind::tooLarge, "a payload of more than 1 MiB"};
+    return {};
+}
+Result<void> checkOne(const std::string& text) {
+    if (!g_utf8_validate(text.data(), static_cast<gssize>(text.size()), nullptr))
+        return Error{ErrorKind::badPayload, "a text that is not UTF-8"};
+    return checkSize(text.size());
+}
+Result<void> checkOne(std::int64_t) {
+    return {};
+}
+Result<void> checkOne(const Bytes& bytes) {
+    return checkSize(bytes.bytes.size());
 }
 
 }  // namespace
 
-GVariant* pack(const Values& values, const std::vector<ValueKind>& kinds) {
+GVariant* pack(const Values& values) {
     GVariantBuilder builder;
     g_variant_builder_init(&builder, G_VARIANT_TYPE_TUPLE);
-    for (std::size_t i = 0; i < kinds.size(); ++i)
-        g_variant_builder_add_value(&builder, pack(values[i], kinds[i]));
+    for (const Value& value : values)
+        g_variant_builder_add_value(&builder, std::visit([](const auto& each) { return pack(each); }, value));
     return g_variant_builder_end(&builder);
 }
 
-std::optional<Values> unpack(GVariant* tuple, const std::vector<ValueKind>& kinds) {
-    if (!g_variant_is_of_type(tuple, G_VARIANT_TYPE_TUPLE) || g_variant_n_children(tuple) != kinds.size())
-        return std::nullopt;
+Result<Values> unpack(GVariant* tuple) {
     Values values;
-    for (std::size_t i = 0; i < kinds.size(); ++i) {
+    for (gsize i = 0; i < g_variant_n_children(tuple); ++i) {
         const Variant child(g_variant_get_child_value(tuple, i));
-        auto value = unpack(child.get(), kinds[i]);
-        if (!value) return std::nullopt;
+        auto value = unpackOne(child.get());
+        if (!value) return std::move(value).fault();
         values.push_back(*std::move(value));
     }
     return values;
 }
 
-std::optional<Error> faultOf(const Values& values, const std::vector<ValueKind>& kinds) {
-    if (values.size() != kinds.size())
-        return Error{ErrorKind::badPayload, "another number of values than the method has"};
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const auto& value = values[i];
-        if (value.size() > largestPayload) return Error{ErrorKind::tooLarge, "a payload of more than 1 MiB"};
-        if (kinds[i] == ValueKind::text &&
-            !g_utf8_validate(value.data(), static_cast<gssize>(value.size()), nullptr))
-            return Error{ErrorKind::badPayload, "a text that is not UTF-8"};
-        if (kinds[i] == ValueKind::integer && !integerOf(value))
-            return Error{ErrorKind::badPayload, "'" + value + "' is not an integer"};
-    }
-    return std::nullopt;
+Result<void> check(const Values& values) {
+    for (const Value& value : values)
+        if (auto checked = std::visit([](const auto& each) { return checkOne(each); }, value); !checked)
+            return checked;
+    return {};
 }
 
-}  // namespace zelto::xpc
+}  // namespace zelto::bus

@@ -1,8 +1,8 @@
-#include "platform/ui/Bitmap.hpp"
+#include "platform/foundation/Bytes.hpp"
 
 #include <array>
 
-namespace zelto::ui {
+namespace zelto {
 namespace {
 
 constexpr std::string_view alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
@@ -55,4 +55,4 @@ std::string Bytes::text() const {
     return out;
 }
 
-}  // namespace zelto::ui
+}  // namespace zelto

@@ -1,0 +1,98 @@
+#include "host/DesktopLayoutStore.hpp"
+
+#include <optional>
+#include <set>
+
+#include <system_error>
+
+#include "platform/foundation/Files.hpp"
+#include "platform/foundation/JSONDecoder.hpp"
+#include "platform/foundation/JSONEncoder.hpp"
+
+namespace zelto::host {
+namespace {
+
+/// Bytes; a larger file counts as one that cannot be read.
+constexpr std::size_t largestFile = std::size_t{1} << 20;
+
+/// Absent when a text is not UTF-8.
+std::optional<std::string> documentOf(const DesktopLayout& layout) {
+    std::string out = "{\"widgets\": [";
+    const char* separator = "\n  ";
+    for (const PlacedWidget& widget : layout.widgets) {
+        const auto line = encodeJSON(widget);
+        if (!line) return std::nullopt;
+        out += separator + *line;
+        separator = ",\n  ";
+    }
+    return out + "\n]}\n";
+}
+
+/// Refuses what decodes but cannot be.
+Result<DesktopLayout> checked(DesktopLayout layout) {
+    std::set<std::string> ids;
+    for (std::size_t i = 0; i < layout.widgets.size(); ++i) {
+        const PlacedWidget& widget = layout.widgets[i];
+        const std::string place = "widgets[" + std::to_string(i) + "].";
+        if (!ids.insert(widget.id).second)
+            return Fault{.path = place + "id", .reason = "'" + widget.id + "' is there twice"};
+        for (const auto& [name, tile] : {std::pair{"column", widget.column}, {"row", widget.row}})
+            if (tile < 0 || tile > farthestTile)
+                return Fault{.path = place + name, .reason = "must lie between 0 and 1000"};
+    }
+    return layout;
+}
+
+Result<DesktopLayout> decoded(const std::string& document) {
+    auto layout = decodeJSON<DesktopLayout>(document);
+    return layout ? checked(*std::move(layout)) : layout;
+}
+
+}  // namespace
+
+DesktopLayoutStore::DesktopLayoutStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+Result<DesktopLayout> DesktopLayoutStore::load() {
+    removeLeftovers(file());
+    bytes_.clear();
+    const auto bytes = readFile(file(), largestFile);
+    if (!bytes) {
+        std::error_code error;
+        if (!std::filesystem::exists(std::filesystem::symlink_status(file(), error))) return DesktopLayout{};
+        return keptAside("it cannot be read");
+    }
+    auto layout = decoded(*bytes);
+    if (!layout) return keptAside(layout.fault().text());
+    bytes_ = *bytes;
+    return layout;
+}
+
+Fault DesktopLayoutStore::keptAside(const std::string& why) const {
+    std::error_code error;
+    // The first free name: what was kept aside before stays too.
+    std::filesystem::path aside;
+    for (int i = 1; i == 1 || std::filesystem::exists(std::filesystem::symlink_status(aside, error)); ++i)
+        aside = folder_ / ("desktop.broken-" + std::to_string(i) + ".json");
+    std::filesystem::rename(file(), aside, error);
+    return {
+        .path = file().string(),
+        .reason = why + (error ? "; it cannot be kept aside: " + error.message()
+                               : "; it is kept as " + aside.filename().string())};
+}
+
+Result<void> DesktopLayoutStore::save(const DesktopLayout& layout) {
+    std::error_code error;
+    std::filesystem::create_directories(folder_, error);
+    const auto bytes = documentOf(layout);
+    if (!bytes || !writeFileAtomically(file(), *bytes))
+        return Fault{.path = file().string(), .reason = "cannot be written"};
+    bytes_ = *bytes;
+    return {};
+}
+
+bool DesktopLayoutStore::wasEdited() const {
+    const auto bytes = readFile(file(), largestFile);
+    return bytes && *bytes != bytes_;
+}
+
+}  // namespace zelto::host

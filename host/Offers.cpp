@@ -1,0 +1,45 @@
+#include "host/Offers.hpp"
+
+#include <algorithm>
+
+namespace zelto::host {
+
+void Offers::tick(Date now) {
+    if (!widgets_.empty() || isAsking_ || askAt_ > now) return;
+    isAsking_ = true;
+    seams_.client.ask({seams_.client.request(RequestKind::bundle)}, [this](Outcomes outcomes) {
+        isAsking_ = false;
+        Outcome& outcome = outcomes.at(0);
+        if (outcome && outcome->reply.widgets) {
+            widgets_ = *std::move(outcome->reply.widgets);
+        } else {
+            seams_.log(
+                "could not list the widgets: " +
+                (outcome ? "an answer without widgets" : outcome.fault().reason));
+            backoff_.failed();
+            askAt_ = seams_.now() + backoff_.pause();
+        }
+        seams_.changed();
+    });
+}
+
+std::optional<Date> Offers::nextInstant() const {
+    if (!widgets_.empty() || isAsking_) return std::nullopt;
+    return askAt_;
+}
+
+const WidgetDescription* Offers::find(const std::string& kind) const {
+    const auto found = std::ranges::find(widgets_, kind, &WidgetDescription::kind);
+    return found == widgets_.end() ? nullptr : &*found;
+}
+
+Result<void> Offers::check(const std::string& kind, WidgetFamily family) const {
+    if (widgets_.empty()) return {};
+    const WidgetDescription* widget = find(kind);
+    if (!widget) return Fault{.reason = "no widget '" + kind + "'"};
+    if (std::ranges::find(widget->families, family) == widget->families.end())
+        return Fault{.reason = kind + " is not offered as " + std::string(nameOf(family))};
+    return {};
+}
+
+}  // namespace zelto::host

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Backoff.hpp"
+#include "host/ExtensionClient.hpp"
+#include "host/Schedule.hpp"
+
+namespace zelto::host {
+
+/// Which widgets the extension offers: asked for until it tells. For one thread.
+class Offers {
+  public:
+    struct Seams {
+        const ExtensionClient& client;
+        std::function<Date()> now;
+        std::function<void(const std::string& line)> log;
+        /// The widgets were told, or it is to be asked again later.
+        std::function<void()> changed;
+    };
+    explicit Offers(Seams seams) : seams_(std::move(seams)) {}
+
+    /// Asks if it is time to.
+    void tick(Date now);
+    /// When `tick` has something to do next.
+    std::optional<Date> nextInstant() const;
+    /// Asks without a pause, unless the widgets are known already.
+    void reload() { askAt_ = Date{}; }
+
+    /// Empty until they are told.
+    const std::vector<WidgetDescription>& widgets() const { return widgets_; }
+    const WidgetDescription* find(const std::string& kind) const;
+    /// Refuses a kind that is not offered, or not in that family, once it is known what is.
+    Result<void> check(const std::string& kind, WidgetFamily family) const;
+
+  private:
+    Seams seams_;
+    std::vector<WidgetDescription> widgets_;
+    bool isAsking_ = false;
+    Date askAt_{};
+    Backoff backoff_{Schedule::firstPause, Schedule::longestPause};
+};
+
+}  // namespace zelto::host

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "host/ExtensionClient.hpp"
+
+namespace zelto::host {
+
+/// The gallery's looks of widgets.
+class Previews {
+  public:
+    /// `client` must outlive what was asked.
+    Previews(const ExtensionClient& client, std::function<void(const std::string& line)> log)
+        : client_(client), log_(std::move(log)) {}
+
+    /// The completion gets nothing, and the log a line, when the extension has none.
+    void ask(
+        const std::string& kind, WidgetFamily family,
+        std::function<void(const std::optional<ArchivedEntry>&)> completion) const {
+        Request wanted = client_.request(RequestKind::snapshot, kind, family);
+        wanted.preview = true;
+        client_.ask(
+            {std::move(wanted)}, [log = log_, kind, completion = std::move(completion)](Outcomes outcomes) {
+                Outcome& outcome = outcomes.at(0);
+                if (!outcome) log(kind + ": " + outcome.fault().reason);
+                completion(outcome ? std::move(outcome->reply.entry) : std::nullopt);
+            });
+    }
+
+  private:
+    const ExtensionClient& client_;
+    std::function<void(const std::string& line)> log_;
+};
+
+}  // namespace zelto::host

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/EntryStore.hpp"
+#include "host/ExtensionClient.hpp"
+#include "host/PlacedWidget.hpp"
+#include "host/Schedule.hpp"
+
+namespace zelto::host {
+
+/// The placed widgets' timelines: asked for when they are due, kept for the next start, and what they show
+/// now. For one thread.
+class Timelines {
+  public:
+    struct Seams {
+        const ExtensionClient& client;
+        std::function<Date()> now;
+        std::function<void(const std::string& line)> log;
+        /// An answer came: something may be due.
+        std::function<void()> changed;
+    };
+    Timelines(EntryStore store, Seams seams) : store_(std::move(store)), seams_(std::move(seams)) {}
+
+    /// From now on these are the widgets. A new one, and one of another kind or family than before, shows
+    /// what is stored of it and wants a fresh timeline. What is stored of one that is gone is deleted.
+    void follow(const std::vector<PlacedWidget>& widgets);
+    /// Deletes what is stored of all others, also from before the start.
+    void forgetOthers() const { store_.keepOnly(widgets_); }
+
+    /// Asks for what is due; the ids of widgets that show something else from now on.
+    std::vector<std::string> tick(Date now);
+    /// When `tick` has something to do next.
+    std::optional<Date> nextInstant() const { return schedule_.nextInstant(); }
+    /// New timelines are wanted as soon as possible.
+    void reload(const std::string& id) { schedule_.reload(id); }
+    void reloadAll() { schedule_.reloadAll(); }
+
+    /// Null before the first timeline.
+    const ArchivedEntry* shown(const std::string& id) const { return schedule_.shown(id); }
+
+  private:
+    void ask(const std::vector<std::string>& ids);
+    void received(const PlacedWidget& asked, Outcome outcome);
+    void failed(const PlacedWidget& widget, const std::string& why);
+
+    EntryStore store_;
+    Seams seams_;
+    Schedule schedule_;
+    std::vector<PlacedWidget> widgets_;
+    std::map<std::string, std::string> failures_;  // of widgets whose last request failed, by id
+};
+
+}  // namespace zelto::host

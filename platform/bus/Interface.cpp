@@ -1,0 +1,37 @@
+#include "platform/bus/Interface.hpp"
+
+#include <algorithm>
+
+namespace zelto::bus {
+namespace {
+
+std::string describe(const std::vector<Parameter>& parameters, std::string_view direction) {
+    std::string out;
+    for (const auto& [name, signature] : parameters)
+        out.append("<arg name=\"")
+            .append(name)
+            .append("\" type=\"")
+            .append(signature)
+            .append("\" direction=\"")
+            .append(direction)
+            .append("\"/>");
+    return out;
+}
+
+}  // namespace
+
+std::string objectPathOf(std::string_view service) {
+    std::string path = "/" + std::string(service);
+    std::ranges::replace(path, '.', '/');
+    return path;
+}
+
+std::string Interface::introspection() const {
+    std::string out = "<node><interface name=\"" + service + "\">";
+    for (const Method& method : methods)
+        out += "<method name=\"" + std::string(method.name) + "\">" + describe(method.arguments, "in") +
+               describe(method.results, "out") + "</method>";
+    return out + "</interface></node>";
+}
+
+}  // namespace zelto::bus
