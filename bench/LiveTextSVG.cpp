@@ -4,10 +4,10 @@
 #include <iostream>
 #include <numbers>
 
-#include "platform/drawing/Renderer.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
 #include "platform/drawing/Symbols.hpp"
-#include "platform/layout/Layout.hpp"
-#include "platform/ui/Outline.hpp"
+#include "ui/Outline.hpp"
 #include "widget/Widgets/OverviewWidget.hpp"
 
 namespace zelto {

@@ -4,8 +4,8 @@
 #include <benchmark/benchmark.h>
 #include <nlohmann/json.hpp>
 
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 
 namespace zelto {

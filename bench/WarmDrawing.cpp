@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/drawing/Renderer.hpp"
-#include "platform/layout/Layout.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
 
 int main(int argc, char** argv) {

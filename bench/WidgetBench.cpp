@@ -3,10 +3,10 @@
 #include <benchmark/benchmark.h>
 #include <cairo.h>
 
-#include "platform/drawing/Renderer.hpp"
-#include "platform/layout/Layout.hpp"
-#include "platform/widgetkit/Messages.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
+#include "widgetkit/Messages.hpp"
 
 namespace zelto {
 namespace {

@@ -4,8 +4,8 @@
 
 #include <unistd.h>
 
-#include "cli/Commands.hpp"
-#include "cli/Failure.hpp"
+#include "Commands.hpp"
+#include "Failure.hpp"
 #include "host/DesktopInterface.hpp"
 
 namespace zelto::cli {

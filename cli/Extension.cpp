@@ -1,13 +1,13 @@
-#include "cli/Extension.hpp"
+#include "Extension.hpp"
 
 #include <algorithm>
 #include <cctype>
 #include <map>
 #include <utility>
 
-#include "cli/Failure.hpp"
-#include "cli/Input.hpp"
-#include "platform/foundation/Environment.hpp"
+#include "Failure.hpp"
+#include "Input.hpp"
+#include "texts/Environment.hpp"
 
 namespace zelto::cli {
 namespace {

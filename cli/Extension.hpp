@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/Commands.hpp"
+#include "Commands.hpp"
 #include "host/ExtensionProcess.hpp"
 
 namespace zelto::cli {

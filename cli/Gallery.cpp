@@ -1,10 +1,10 @@
 #include <iostream>
 
-#include "cli/Commands.hpp"
-#include "cli/Extension.hpp"
-#include "cli/Failure.hpp"
-#include "cli/Input.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "Commands.hpp"
+#include "Extension.hpp"
+#include "Failure.hpp"
+#include "Input.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto::cli {
 

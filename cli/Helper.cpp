@@ -5,11 +5,11 @@
 #include <iostream>
 #include <sstream>
 
-#include "cli/Commands.hpp"
-#include "cli/Failure.hpp"
+#include "Commands.hpp"
+#include "Failure.hpp"
 #include "helper/HelperInterface.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto::cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "cli/Input.hpp"
+#include "Input.hpp"
 
 #include <algorithm>
 #include <array>
@@ -12,9 +12,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "cli/Failure.hpp"
-#include "platform/foundation/FileDescriptor.hpp"
-#include "platform/foundation/ISO8601.hpp"
+#include "Failure.hpp"
+#include "foundation/FileDescriptor.hpp"
+#include "foundation/ISO8601.hpp"
 
 namespace zelto::cli {
 namespace {

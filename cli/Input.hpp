@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/foundation/Date.hpp"
-#include "platform/widgetkit/WidgetFamily.hpp"
+#include "foundation/Date.hpp"
+#include "widgetkit/WidgetFamily.hpp"
 
 namespace zelto::cli {
 

@@ -3,14 +3,14 @@
 #include <iostream>
 #include <map>
 
-#include "cli/Commands.hpp"
-#include "cli/Extension.hpp"
-#include "cli/Failure.hpp"
-#include "cli/Input.hpp"
-#include "cli/SheetGrid.hpp"
-#include "platform/drawing/PNG.hpp"
-#include "platform/drawing/Renderer.hpp"
-#include "platform/layout/Layout.hpp"
+#include "Commands.hpp"
+#include "Extension.hpp"
+#include "Failure.hpp"
+#include "Input.hpp"
+#include "SheetGrid.hpp"
+#include "drawing/PNG.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
 
 namespace zelto::cli {
 namespace {

@@ -1,4 +1,4 @@
-#include "cli/SheetGrid.hpp"
+#include "SheetGrid.hpp"
 
 #include <cmath>
 #include <limits>

@@ -1,13 +1,13 @@
 #include <algorithm>
 #include <iostream>
 
-#include "cli/Commands.hpp"
-#include "cli/Failure.hpp"
-#include "cli/Input.hpp"
-#include "cli/SnapshotNotes.hpp"
-#include "platform/foundation/ISO8601.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "Commands.hpp"
+#include "Failure.hpp"
+#include "Input.hpp"
+#include "SnapshotNotes.hpp"
+#include "foundation/ISO8601.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 
 namespace zelto::cli {

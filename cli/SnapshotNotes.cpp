@@ -1,14 +1,14 @@
-#include "cli/SnapshotNotes.hpp"
+#include "SnapshotNotes.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <string_view>
 
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/widgetkit/ViewBounds.hpp"
-#include "platform/widgetkit/WidgetFamily.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "widget/Widgets/CalendarWidget.hpp"
+#include "widgetkit/ViewBounds.hpp"
+#include "widgetkit/WidgetFamily.hpp"
 
 namespace zelto::cli {
 namespace {

@@ -1,12 +1,12 @@
 #include <iostream>
 
-#include "cli/Commands.hpp"
-#include "cli/Extension.hpp"
-#include "cli/Failure.hpp"
-#include "cli/Input.hpp"
-#include "platform/foundation/ISO8601.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/ui/Outline.hpp"
+#include "Commands.hpp"
+#include "Extension.hpp"
+#include "Failure.hpp"
+#include "Input.hpp"
+#include "foundation/ISO8601.hpp"
+#include "records/JSONEncoder.hpp"
+#include "ui/Outline.hpp"
 
 namespace zelto::cli {
 

@@ -7,8 +7,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/Commands.hpp"
-#include "cli/Failure.hpp"
+#include "Commands.hpp"
+#include "Failure.hpp"
 
 namespace {
 

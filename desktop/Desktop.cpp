@@ -1,8 +1,8 @@
-#include "desktop/Desktop.hpp"
+#include "Desktop.hpp"
 
 #include <set>
 
-#include "desktop/Words.hpp"
+#include "Words.hpp"
 
 namespace zelto::desktop {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "desktop/Gallery.hpp"
-#include "desktop/MainThread.hpp"
-#include "desktop/WidgetWindow.hpp"
+#include "Gallery.hpp"
+#include "MainThread.hpp"
+#include "WidgetWindow.hpp"
 #include "host/ExtensionWorker.hpp"
 #include "host/Folders.hpp"
 #include "host/LinkOpener.hpp"

@@ -13,9 +13,9 @@
 #include <CLI/CLI.hpp>
 #include <glib-unix.h>
 
-#include "desktop/Desktop.hpp"
+#include "Desktop.hpp"
 #include "host/DesktopInterface.hpp"
-#include "platform/foundation/Environment.hpp"
+#include "texts/Environment.hpp"
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "desktop/Face.hpp"
+#include "Face.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <gtkmm/cssprovider.h>
 
-#include "desktop/MainThread.hpp"
-#include "desktop/PaintPicture.hpp"
-#include "platform/drawing/Paths.hpp"
-#include "platform/layout/Layout.hpp"
-#include "platform/ui/Reading.hpp"
-#include "platform/ui/TimerText.hpp"
+#include "MainThread.hpp"
+#include "PaintPicture.hpp"
+#include "drawing/Paths.hpp"
+#include "layout/Layout.hpp"
+#include "ui/Reading.hpp"
+#include "ui/TimerText.hpp"
 
 namespace zelto::desktop {
 namespace {

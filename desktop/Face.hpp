@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "platform/drawing/Renderer.hpp"
-#include "platform/layout/Placement.hpp"
-#include "platform/widgetkit/Messages.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Placement.hpp"
+#include "widgetkit/Messages.hpp"
 
 namespace zelto::desktop {
 

@@ -1,11 +1,11 @@
-#include "desktop/Gallery.hpp"
+#include "Gallery.hpp"
 
 #include <cmath>
 #include <gtkmm/cssprovider.h>
 
-#include "desktop/PaintPicture.hpp"
-#include "desktop/Words.hpp"
-#include "platform/layout/Layout.hpp"
+#include "PaintPicture.hpp"
+#include "Words.hpp"
+#include "layout/Layout.hpp"
 
 namespace zelto::desktop {
 namespace {

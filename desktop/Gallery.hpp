@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "desktop/Ghost.hpp"
+#include "Ghost.hpp"
+#include "drawing/Renderer.hpp"
 #include "host/Previews.hpp"
-#include "platform/drawing/Renderer.hpp"
 
 namespace zelto::desktop {
 

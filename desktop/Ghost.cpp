@@ -1,9 +1,9 @@
-#include "desktop/Ghost.hpp"
+#include "Ghost.hpp"
 
 #include <cmath>
 
-#include "desktop/Outline.hpp"
-#include "desktop/PaintPicture.hpp"
+#include "Outline.hpp"
+#include "PaintPicture.hpp"
 
 namespace zelto::desktop {
 

@@ -2,8 +2,8 @@
 
 #include <gtkmm/window.h>
 
-#include "desktop/Surroundings.hpp"
-#include "platform/drawing/Picture.hpp"
+#include "Surroundings.hpp"
+#include "drawing/Picture.hpp"
 
 namespace zelto::desktop {
 

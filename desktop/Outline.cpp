@@ -1,9 +1,9 @@
-#include "desktop/Outline.hpp"
+#include "Outline.hpp"
 
 #include <cairomm/context.h>
 
-#include "platform/drawing/Paths.hpp"
-#include "platform/drawing/Renderer.hpp"
+#include "drawing/Paths.hpp"
+#include "drawing/Renderer.hpp"
 
 namespace zelto::desktop {
 

@@ -2,7 +2,7 @@
 
 #include <cairomm/context.h>
 
-#include "platform/drawing/Picture.hpp"
+#include "drawing/Picture.hpp"
 
 namespace zelto::desktop {
 

@@ -1,4 +1,4 @@
-#include "desktop/Surroundings.hpp"
+#include "Surroundings.hpp"
 
 #include <algorithm>
 #include <cmath>

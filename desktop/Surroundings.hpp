@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/DesktopLayout.hpp"
-#include "platform/layout/Geometry.hpp"
+#include "layout/Geometry.hpp"
 
 namespace zelto::desktop {
 

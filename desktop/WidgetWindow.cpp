@@ -1,13 +1,13 @@
-#include "desktop/WidgetWindow.hpp"
+#include "WidgetWindow.hpp"
 
 #include <algorithm>
 #include <cmath>
 #include <gtkmm/checkmenuitem.h>
 #include <gtkmm/separatormenuitem.h>
 
-#include "desktop/MainThread.hpp"
-#include "desktop/Outline.hpp"
-#include "desktop/Words.hpp"
+#include "MainThread.hpp"
+#include "Outline.hpp"
+#include "Words.hpp"
 
 namespace zelto::desktop {
 namespace {

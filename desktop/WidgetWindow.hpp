@@ -7,9 +7,9 @@
 #include <memory>
 #include <optional>
 
-#include "desktop/Face.hpp"
-#include "desktop/Ghost.hpp"
-#include "desktop/Surroundings.hpp"
+#include "Face.hpp"
+#include "Ghost.hpp"
+#include "Surroundings.hpp"
 #include "host/WidgetHost.hpp"
 
 namespace zelto::desktop {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/widgetkit/WidgetFamily.hpp"
+#include "widgetkit/WidgetFamily.hpp"
 
 // What the desktop says to people.
 namespace zelto::desktop::words {

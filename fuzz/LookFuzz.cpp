@@ -6,15 +6,15 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/drawing/Renderer.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/foundation/UTF8.hpp"
-#include "platform/layout/Layout.hpp"
-#include "platform/ui/Reading.hpp"
-#include "platform/widgetkit/Service.hpp"
+#include "drawing/Renderer.hpp"
+#include "foundation/UTF8.hpp"
+#include "layout/Layout.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
+#include "ui/Reading.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
+#include "widgetkit/Service.hpp"
 
 namespace {
 

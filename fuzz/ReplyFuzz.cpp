@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <cstdlib>
 
-#include "platform/drawing/Renderer.hpp"
-#include "platform/layout/Layout.hpp"
-#include "platform/ui/Outline.hpp"
-#include "platform/widgetkit/Messages.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
+#include "ui/Outline.hpp"
+#include "widgetkit/Messages.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zelto;

@@ -1,7 +1,7 @@
 #include "helper/HelperInterface.hpp"
 
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto::host {
 namespace {

@@ -5,9 +5,9 @@
 
 #include <system_error>
 
-#include "platform/foundation/Files.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "foundation/Files.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto::host {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <system_error>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 
 namespace zelto::host {
 namespace {

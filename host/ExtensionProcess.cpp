@@ -17,7 +17,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto::host {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 
 namespace zelto::host {
 

@@ -5,7 +5,7 @@
 
 #include <gio/gio.h>
 
-#include "platform/foundation/Handle.hpp"
+#include "foundation/Handle.hpp"
 
 namespace zelto::host {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/foundation/UUID.hpp"
+#include "foundation/UUID.hpp"
 
 namespace zelto::host {
 namespace {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <vector>
 
-#include "platform/foundation/Characters.hpp"
-#include "platform/foundation/Files.hpp"
-#include "platform/foundation/UTF8.hpp"
+#include "foundation/Files.hpp"
+#include "foundation/UTF8.hpp"
+#include "texts/Characters.hpp"
 
 namespace zelto {
 namespace {

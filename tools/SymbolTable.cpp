@@ -260,7 +260,7 @@ int main(int argc, char** argv) {
         }
     }
     std::ofstream out(argv[1]);
-    out << "#include \"platform/drawing/Symbols.hpp\"\n\n#include <array>\n\nnamespace zelto::drawing "
+    out << "#include \"Symbols.hpp\"\n\n#include <array>\n\nnamespace zelto::drawing "
            "{\nnamespace {\n"
         << numbers.str() << "constexpr std::array symbols{\n"
         << table.str()

@@ -10,10 +10,10 @@
 
 #include <unistd.h>
 
-#include "platform/foundation/ISO8601.hpp"
-#include "platform/widgetkit/Service.hpp"
+#include "foundation/ISO8601.hpp"
 #include "widget/Common/LiveReader.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
+#include "widgetkit/Service.hpp"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "platform/bus/Connection.hpp"
+#include "bus/Connection.hpp"
 
 #include <algorithm>
 
-#include "platform/bus/Handles.hpp"
+#include "Handles.hpp"
 
 namespace zelto::bus {
 

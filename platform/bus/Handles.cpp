@@ -1,4 +1,4 @@
-#include "platform/bus/Handles.hpp"
+#include "Handles.hpp"
 
 #include <array>
 #include <string_view>

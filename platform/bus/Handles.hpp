@@ -6,9 +6,9 @@
 
 #include <gio/gio.h>
 
-#include "platform/bus/Address.hpp"
-#include "platform/bus/Interface.hpp"
-#include "platform/foundation/Handle.hpp"
+#include "bus/Address.hpp"
+#include "bus/Interface.hpp"
+#include "foundation/Handle.hpp"
 
 namespace zelto::bus {
 

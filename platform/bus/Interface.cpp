@@ -1,4 +1,4 @@
-#include "platform/bus/Interface.hpp"
+#include "bus/Interface.hpp"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "platform/bus/Listener.hpp"
+#include "bus/Listener.hpp"
 
 #include <algorithm>
 #include <atomic>
@@ -6,7 +6,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/bus/Handles.hpp"
+#include "Handles.hpp"
 
 namespace zelto::bus {
 namespace {

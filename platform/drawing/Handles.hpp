@@ -5,7 +5,7 @@
 #include <cairo.h>
 #include <pango/pangocairo.h>
 
-#include "platform/foundation/Handle.hpp"
+#include "foundation/Handle.hpp"
 
 namespace zelto::drawing {
 

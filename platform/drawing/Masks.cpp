@@ -1,4 +1,4 @@
-#include "platform/drawing/Masks.hpp"
+#include "Masks.hpp"
 
 #include <algorithm>
 #include <cmath>

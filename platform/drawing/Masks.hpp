@@ -4,7 +4,7 @@
 #include <string>
 #include <unordered_map>
 
-#include "platform/drawing/Handles.hpp"
+#include "Handles.hpp"
 
 namespace zelto::drawing {
 

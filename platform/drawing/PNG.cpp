@@ -1,4 +1,4 @@
-#include "platform/drawing/PNG.hpp"
+#include "drawing/PNG.hpp"
 
 #include <algorithm>
 #include <csetjmp>

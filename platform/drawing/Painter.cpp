@@ -1,11 +1,11 @@
-#include "platform/drawing/Painter.hpp"
+#include "Painter.hpp"
 
 #include <cmath>
 #include <numbers>
 
-#include "platform/drawing/Paths.hpp"
-#include "platform/drawing/Symbols.hpp"
-#include "platform/drawing/TypesetText.hpp"
+#include "Symbols.hpp"
+#include "TypesetText.hpp"
+#include "drawing/Paths.hpp"
 
 namespace zelto::drawing {
 namespace {

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/drawing/Handles.hpp"
-#include "platform/drawing/Masks.hpp"
-#include "platform/drawing/Typesetter.hpp"
-#include "platform/layout/Placement.hpp"
+#include "Handles.hpp"
+#include "Masks.hpp"
+#include "Typesetter.hpp"
+#include "layout/Placement.hpp"
 
 namespace zelto::drawing {
 

@@ -1,9 +1,11 @@
-#include "platform/drawing/Paths.hpp"
+#include "drawing/Paths.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <numbers>
+
+#include <cairo.h>
 
 namespace zelto::drawing {
 namespace {

@@ -1,12 +1,12 @@
-#include "platform/drawing/Renderer.hpp"
+#include "drawing/Renderer.hpp"
 
 #include <algorithm>
 #include <cmath>
 
 #include <cairo-svg.h>
 
-#include "platform/drawing/Painter.hpp"
-#include "platform/drawing/Paths.hpp"
+#include "Painter.hpp"
+#include "drawing/Paths.hpp"
 
 namespace zelto::drawing {
 namespace {

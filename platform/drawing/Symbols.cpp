@@ -1,4 +1,4 @@
-#include "platform/drawing/Symbols.hpp"
+#include "Symbols.hpp"
 
 #include <algorithm>
 #include <string>

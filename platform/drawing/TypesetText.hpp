@@ -2,9 +2,9 @@
 
 #include <vector>
 
-#include "platform/drawing/Handles.hpp"
-#include "platform/drawing/Masks.hpp"
-#include "platform/layout/TextMeasuring.hpp"
+#include "Handles.hpp"
+#include "Masks.hpp"
+#include "layout/TextMeasuring.hpp"
 
 namespace zelto::drawing {
 

@@ -1,4 +1,4 @@
-#include "platform/drawing/Typesetter.hpp"
+#include "Typesetter.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -10,8 +10,8 @@
 #include <fontconfig/fontconfig.h>
 #include <pango/pangofc-fontmap.h>
 
-#include "platform/drawing/Symbols.hpp"
-#include "platform/drawing/TypesetText.hpp"
+#include "Symbols.hpp"
+#include "TypesetText.hpp"
 
 namespace zelto::drawing {
 namespace {

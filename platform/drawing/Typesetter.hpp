@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/layout/TextMeasuring.hpp"
+#include "layout/TextMeasuring.hpp"
 
 namespace zelto::drawing {
 

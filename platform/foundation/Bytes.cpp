@@ -1,4 +1,4 @@
-#include "platform/foundation/Bytes.hpp"
+#include "foundation/Bytes.hpp"
 
 #include <array>
 

@@ -1,4 +1,4 @@
-#include "platform/foundation/Date.hpp"
+#include "foundation/Date.hpp"
 
 #include <chrono>
 

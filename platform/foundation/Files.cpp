@@ -1,4 +1,4 @@
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 
 #include <cerrno>
 #include <cstdlib>
@@ -11,8 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/foundation/FileDescriptor.hpp"
-#include "platform/foundation/UUID.hpp"
+#include "foundation/FileDescriptor.hpp"
+#include "foundation/UUID.hpp"
 
 namespace zelto {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/foundation/ISO8601.hpp"
+#include "foundation/ISO8601.hpp"
 
 #include <array>
 #include <charconv>
@@ -6,7 +6,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "platform/foundation/NumberText.hpp"
+#include "foundation/NumberText.hpp"
 
 namespace zelto {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/foundation/NumberText.hpp"
+#include "foundation/NumberText.hpp"
 
 #include <array>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "platform/foundation/UTF8.hpp"
+#include "foundation/UTF8.hpp"
 
 #include <cstdint>
 #include <cstring>

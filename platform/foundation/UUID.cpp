@@ -1,4 +1,4 @@
-#include "platform/foundation/UUID.hpp"
+#include "foundation/UUID.hpp"
 
 #include <cstdlib>
 

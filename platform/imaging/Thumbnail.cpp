@@ -1,4 +1,4 @@
-#include "platform/imaging/Thumbnail.hpp"
+#include "imaging/Thumbnail.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,7 +11,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/foundation/FileDescriptor.hpp"
+#include "foundation/FileDescriptor.hpp"
 
 namespace zelto::imaging {
 namespace {

@@ -1,9 +1,9 @@
-#include "platform/layout/Box.hpp"
+#include "Box.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-#include "platform/ui/TimerText.hpp"
+#include "ui/TimerText.hpp"
 
 namespace zelto::layout {
 namespace {

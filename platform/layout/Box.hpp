@@ -6,10 +6,10 @@
 #include <variant>
 #include <vector>
 
-#include "platform/layout/Geometry.hpp"
-#include "platform/layout/Placement.hpp"
-#include "platform/layout/TextMeasuring.hpp"
-#include "platform/ui/View.hpp"
+#include "layout/Geometry.hpp"
+#include "layout/Placement.hpp"
+#include "layout/TextMeasuring.hpp"
+#include "ui/View.hpp"
 
 namespace zelto::layout {
 

@@ -1,6 +1,6 @@
-#include "platform/layout/Box.hpp"
-#include "platform/ui/Reading.hpp"
-#include "platform/ui/TimerText.hpp"
+#include "Box.hpp"
+#include "ui/Reading.hpp"
+#include "ui/TimerText.hpp"
 
 namespace zelto::layout {
 namespace {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <numeric>
 
-#include "platform/layout/Box.hpp"
+#include "Box.hpp"
 
 namespace zelto::layout {
 namespace {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <string_view>
 
-#include "platform/layout/Box.hpp"
+#include "Box.hpp"
 
 namespace zelto::layout {
 namespace {

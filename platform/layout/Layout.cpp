@@ -1,8 +1,8 @@
-#include "platform/layout/Layout.hpp"
+#include "layout/Layout.hpp"
 
 #include <algorithm>
 
-#include "platform/layout/Box.hpp"
+#include "Box.hpp"
 
 namespace zelto::layout {
 

@@ -1,9 +1,9 @@
-#include "platform/layout/Placement.hpp"
+#include "layout/Placement.hpp"
 
 #include <cmath>
 
-#include "platform/foundation/NumberText.hpp"
-#include "platform/ui/Outline.hpp"
+#include "foundation/NumberText.hpp"
+#include "ui/Outline.hpp"
 
 namespace zelto::layout {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/system/KernelFiles.hpp"
+#include "KernelFiles.hpp"
 
 #include <charconv>
 #include <map>
@@ -7,7 +7,7 @@
 
 #include <sys/statvfs.h>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 
 namespace zelto {
 namespace {

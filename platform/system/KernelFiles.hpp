@@ -3,7 +3,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "platform/system/SystemReadings.hpp"
+#include "system/SystemReadings.hpp"
 
 struct statvfs;
 

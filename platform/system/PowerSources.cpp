@@ -1,4 +1,4 @@
-#include "platform/system/PowerSources.hpp"
+#include "system/PowerSources.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <functional>
 #include <span>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 
 namespace zelto {
 namespace {

@@ -1,10 +1,10 @@
-#include "platform/system/SystemReadings.hpp"
+#include "system/SystemReadings.hpp"
 
 #include <thread>
 
 #include <unistd.h>
 
-#include "platform/system/KernelFiles.hpp"
+#include "KernelFiles.hpp"
 
 namespace zelto {
 

@@ -1,4 +1,4 @@
-#include "platform/ui/Building.hpp"
+#include "ui/Building.hpp"
 
 #include <iterator>
 

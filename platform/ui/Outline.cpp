@@ -1,9 +1,9 @@
-#include "platform/ui/Outline.hpp"
+#include "ui/Outline.hpp"
 
 #include <cctype>
 
-#include "platform/foundation/NumberText.hpp"
-#include "platform/ui/ViewFields.hpp"
+#include "foundation/NumberText.hpp"
+#include "ui/ViewFields.hpp"
 
 namespace zelto::ui {
 namespace {

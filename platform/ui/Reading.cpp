@@ -1,6 +1,6 @@
-#include "platform/ui/Reading.hpp"
+#include "ui/Reading.hpp"
 
-#include "platform/ui/TimerText.hpp"
+#include "ui/TimerText.hpp"
 
 namespace zelto::ui {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/ui/TimerText.hpp"
+#include "ui/TimerText.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "platform/ui/Values.hpp"
+#include "ui/Values.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "platform/ui/View.hpp"
+#include "ui/View.hpp"
 
 namespace zelto::ui {
 namespace {

@@ -1,4 +1,4 @@
-#include "platform/widgetkit/LineServer.hpp"
+#include "LineServer.hpp"
 
 #include <array>
 #include <atomic>

@@ -1,6 +1,6 @@
-#include "platform/widgetkit/Messages.hpp"
+#include "widgetkit/Messages.hpp"
 
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace zelto {
 namespace {

@@ -1,10 +1,10 @@
-#include "platform/widgetkit/Service.hpp"
+#include "widgetkit/Service.hpp"
 
 #include <algorithm>
 
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/foundation/TimeZone.hpp"
-#include "platform/widgetkit/LineServer.hpp"
+#include "LineServer.hpp"
+#include "records/JSONEncoder.hpp"
+#include "texts/TimeZone.hpp"
 
 namespace zelto {
 namespace {

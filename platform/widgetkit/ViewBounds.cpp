@@ -1,8 +1,8 @@
-#include "platform/widgetkit/ViewBounds.hpp"
+#include "widgetkit/ViewBounds.hpp"
 
 #include <cmath>
 
-#include "platform/ui/ViewFields.hpp"
+#include "ui/ViewFields.hpp"
 
 namespace zelto {
 namespace {

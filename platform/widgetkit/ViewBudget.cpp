@@ -1,10 +1,10 @@
 #include <algorithm>
 #include <cmath>
 
-#include "platform/foundation/Characters.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/ui/Reading.hpp"
-#include "platform/widgetkit/ViewBounds.hpp"
+#include "records/JSONEncoder.hpp"
+#include "texts/Characters.hpp"
+#include "ui/Reading.hpp"
+#include "widgetkit/ViewBounds.hpp"
 
 namespace zelto {
 namespace {

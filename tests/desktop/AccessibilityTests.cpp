@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/Files.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/ui/Reading.hpp"
+#include "foundation/Files.hpp"
+#include "records/JSONDecoder.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/Process.hpp"
+#include "ui/Reading.hpp"
 
 namespace zelto::test {
 namespace {

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Process.hpp"

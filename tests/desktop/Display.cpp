@@ -8,7 +8,7 @@
 
 #include <unistd.h>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/Process.hpp"

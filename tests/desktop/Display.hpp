@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/drawing/Picture.hpp"
+#include "drawing/Picture.hpp"
 
 namespace zelto::test {
 

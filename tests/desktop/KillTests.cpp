@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
-#include "platform/foundation/Files.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Paths.hpp"

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/layout/Layout.hpp"
+#include "layout/Layout.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 

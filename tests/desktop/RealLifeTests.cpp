@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/ui/Reading.hpp"
 #include "shared/WidgetSnapshot.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
+#include "ui/Reading.hpp"
 
 namespace zelto::test {
 namespace {

@@ -4,12 +4,12 @@
 
 #include <poll.h>
 
+#include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
 #include "host/Schedule.hpp"
-#include "platform/foundation/Files.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/layout/Layout.hpp"
+#include "layout/Layout.hpp"
+#include "records/JSONDecoder.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/Process.hpp"
 

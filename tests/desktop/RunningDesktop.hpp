@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "drawing/Renderer.hpp"
 #include "host/DesktopInterface.hpp"
-#include "platform/drawing/Renderer.hpp"
 #include "tests/desktop/Display.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/PrivateBus.hpp"

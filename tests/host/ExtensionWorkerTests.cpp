@@ -8,8 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/Files.hpp"
 #include "host/ExtensionWorker.hpp"
-#include "platform/foundation/Files.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "host/Schedule.hpp"
-#include "platform/ui/Building.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto::host {
 namespace {

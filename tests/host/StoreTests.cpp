@@ -2,13 +2,13 @@
 
 #include <gtest/gtest.h>
 
+#include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
 #include "host/Folders.hpp"
-#include "platform/foundation/Files.hpp"
-#include "platform/ui/Building.hpp"
 #include "tests/support/Ages.hpp"
 #include "tests/support/TemporaryFolder.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto::host {
 namespace {

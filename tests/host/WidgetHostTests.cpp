@@ -6,8 +6,8 @@
 
 #include "host/DesktopInterface.hpp"
 #include "host/WidgetHost.hpp"
-#include "platform/ui/Building.hpp"
 #include "tests/support/TemporaryFolder.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto::host {
 namespace {

@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <unistd.h>
 
+#include "foundation/Files.hpp"
 #include "helper/HelperInterface.hpp"
-#include "platform/foundation/Files.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/PrivateBus.hpp"
 #include "tests/support/Process.hpp"

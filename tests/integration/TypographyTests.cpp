@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/drawing/Renderer.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
 #include "platform/drawing/Symbols.hpp"
-#include "platform/layout/Layout.hpp"
 #include "tests/support/Looks.hpp"
 
 namespace zelto::test {

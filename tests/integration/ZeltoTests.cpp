@@ -7,12 +7,10 @@
 #include <gtest/gtest.h>
 
 #include "cli/SheetGrid.hpp"
-#include "platform/foundation/Files.hpp"
-#include "platform/foundation/ISO8601.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/ui/Outline.hpp"
-#include "platform/widgetkit/Messages.hpp"
+#include "foundation/Files.hpp"
+#include "foundation/ISO8601.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "tests/support/Golden.hpp"
 #include "tests/support/Paths.hpp"
@@ -20,6 +18,8 @@
 #include "tests/support/Snapshots.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 #include "tests/support/Trees.hpp"
+#include "ui/Outline.hpp"
+#include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
 namespace {

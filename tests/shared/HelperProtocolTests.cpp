@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/HelperProtocol.hpp"
 
 namespace zelto {

@@ -5,8 +5,8 @@
 #include <nlohmann/json.hpp>
 #include <sys/stat.h>
 
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshot.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "tests/support/Ages.hpp"

@@ -8,8 +8,8 @@
 #include <unistd.h>
 
 #include "helper/HelperInterface.hpp"
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/layout/TextMeasuring.hpp"
+#include "layout/TextMeasuring.hpp"
 
 namespace zelto::test {
 

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 #include "tests/support/Paths.hpp"
 
 namespace zelto::test {

@@ -1,4 +1,4 @@
-#include "platform/foundation/Files.hpp"
+#include "foundation/Files.hpp"
 #include "tests/support/Golden.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 

@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-#include "platform/foundation/ISO8601.hpp"
-#include "platform/ui/Outline.hpp"
-#include "platform/widgetkit/Widget.hpp"
+#include "foundation/ISO8601.hpp"
+#include "ui/Outline.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
+#include "widgetkit/Widget.hpp"
 
 namespace zelto::test {
 

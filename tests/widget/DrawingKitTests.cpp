@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/ui/Outline.hpp"
+#include "ui/Outline.hpp"
 #include "widget/Common/Palette.hpp"
 #include "widget/Common/Ring.hpp"
 #include "widget/Common/Sparkline.hpp"

@@ -7,11 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/JSONDecoder.hpp"
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/widgetkit/Service.hpp"
+#include "records/JSONDecoder.hpp"
+#include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "tests/support/Looks.hpp"
+#include "widgetkit/Service.hpp"
 
 namespace zelto::test {
 namespace {

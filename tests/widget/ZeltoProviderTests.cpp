@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/foundation/ISO8601.hpp"
+#include "foundation/ISO8601.hpp"
 #include "widget/Common/ZeltoProvider.hpp"
 
 namespace zelto::test {

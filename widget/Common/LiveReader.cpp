@@ -4,7 +4,7 @@
 #include <chrono>
 #include <cmath>
 
-#include "widget/Common/Rounding.hpp"
+#include "Common/Rounding.hpp"
 
 namespace zelto::LiveReader {
 namespace {

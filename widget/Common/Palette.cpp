@@ -1,4 +1,4 @@
-#include "widget/Common/Palette.hpp"
+#include "Common/Palette.hpp"
 
 #include <charconv>
 #include <cstdint>

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "platform/ui/Values.hpp"
+#include "ui/Values.hpp"
 
 /// The colours of all widgets.
 namespace zelto::Palette {

@@ -1,11 +1,11 @@
-#include "widget/Common/Ring.hpp"
+#include "Common/Ring.hpp"
 
 #include <algorithm>
 #include <cmath>
 
-#include "platform/ui/Building.hpp"
-#include "widget/Common/Palette.hpp"
-#include "widget/Common/Rounding.hpp"
+#include "Common/Palette.hpp"
+#include "Common/Rounding.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/ui/View.hpp"
+#include "ui/View.hpp"
 
 namespace zelto {
 

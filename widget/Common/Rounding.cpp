@@ -1,4 +1,4 @@
-#include "widget/Common/Rounding.hpp"
+#include "Common/Rounding.hpp"
 
 #include <array>
 #include <charconv>

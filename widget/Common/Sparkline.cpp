@@ -1,8 +1,8 @@
-#include "widget/Common/Sparkline.hpp"
+#include "Common/Sparkline.hpp"
 
 #include <algorithm>
 
-#include "platform/ui/Building.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

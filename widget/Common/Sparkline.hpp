@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "platform/ui/View.hpp"
+#include "ui/View.hpp"
 
 namespace zelto {
 

@@ -1,7 +1,7 @@
-#include "widget/Common/WidgetHeader.hpp"
+#include "Common/WidgetHeader.hpp"
 
-#include "platform/ui/Building.hpp"
-#include "widget/Common/Palette.hpp"
+#include "Common/Palette.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

@@ -2,10 +2,10 @@
 
 #include <string>
 
-#include "platform/ui/View.hpp"
-#include "platform/widgetkit/Widget.hpp"
-#include "widget/Common/Ring.hpp"
+#include "Common/Ring.hpp"
+#include "ui/View.hpp"
 #include "widget/Common/ZeltoProvider.hpp"
+#include "widgetkit/Widget.hpp"
 
 namespace zelto {
 

@@ -1,15 +1,15 @@
-#include "widget/Widgets/ClipboardWidget.hpp"
+#include "Widgets/ClipboardWidget.hpp"
 
 #include <algorithm>
 #include <span>
 
-#include "platform/foundation/Characters.hpp"
-#include "platform/imaging/Thumbnail.hpp"
-#include "platform/ui/Building.hpp"
-#include "widget/Common/DeepLink.hpp"
-#include "widget/Common/Palette.hpp"
-#include "widget/Common/WidgetHeader.hpp"
-#include "widget/Widgets/WidgetKinds.hpp"
+#include "Common/DeepLink.hpp"
+#include "Common/Palette.hpp"
+#include "Common/WidgetHeader.hpp"
+#include "Widgets/WidgetKinds.hpp"
+#include "imaging/Thumbnail.hpp"
+#include "texts/Characters.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

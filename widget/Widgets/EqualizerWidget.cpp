@@ -1,12 +1,12 @@
-#include "widget/Widgets/EqualizerWidget.hpp"
+#include "Widgets/EqualizerWidget.hpp"
 
 #include <array>
 
-#include "platform/ui/Building.hpp"
-#include "widget/Common/DeepLink.hpp"
-#include "widget/Common/Palette.hpp"
-#include "widget/Common/WidgetHeader.hpp"
-#include "widget/Widgets/WidgetKinds.hpp"
+#include "Common/DeepLink.hpp"
+#include "Common/Palette.hpp"
+#include "Common/WidgetHeader.hpp"
+#include "Widgets/WidgetKinds.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

@@ -3,9 +3,9 @@
 #include <optional>
 #include <string>
 
-#include "platform/ui/View.hpp"
-#include "platform/widgetkit/Widget.hpp"
+#include "ui/View.hpp"
 #include "widget/Common/ZeltoProvider.hpp"
+#include "widgetkit/Widget.hpp"
 
 namespace zelto {
 

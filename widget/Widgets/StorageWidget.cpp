@@ -1,11 +1,11 @@
-#include "widget/Widgets/StorageWidget.hpp"
+#include "Widgets/StorageWidget.hpp"
 
-#include "platform/ui/Building.hpp"
-#include "widget/Common/DeepLink.hpp"
-#include "widget/Common/Palette.hpp"
-#include "widget/Common/Ring.hpp"
-#include "widget/Common/WidgetHeader.hpp"
-#include "widget/Widgets/WidgetKinds.hpp"
+#include "Common/DeepLink.hpp"
+#include "Common/Palette.hpp"
+#include "Common/Ring.hpp"
+#include "Common/WidgetHeader.hpp"
+#include "Widgets/WidgetKinds.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/ui/View.hpp"
-#include "platform/widgetkit/Widget.hpp"
+#include "ui/View.hpp"
 #include "widget/Common/ZeltoProvider.hpp"
+#include "widgetkit/Widget.hpp"
 
 namespace zelto {
 

@@ -1,13 +1,13 @@
-#include "widget/Widgets/SystemWidget.hpp"
+#include "Widgets/SystemWidget.hpp"
 
-#include "platform/ui/Building.hpp"
-#include "widget/Common/DeepLink.hpp"
-#include "widget/Common/Palette.hpp"
-#include "widget/Common/Ring.hpp"
-#include "widget/Common/Rounding.hpp"
-#include "widget/Common/Sparkline.hpp"
-#include "widget/Common/WidgetHeader.hpp"
-#include "widget/Widgets/WidgetKinds.hpp"
+#include "Common/DeepLink.hpp"
+#include "Common/Palette.hpp"
+#include "Common/Ring.hpp"
+#include "Common/Rounding.hpp"
+#include "Common/Sparkline.hpp"
+#include "Common/WidgetHeader.hpp"
+#include "Widgets/WidgetKinds.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

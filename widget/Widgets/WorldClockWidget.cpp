@@ -1,13 +1,13 @@
-#include "widget/Widgets/WorldClockWidget.hpp"
+#include "Widgets/WorldClockWidget.hpp"
 
 #include <algorithm>
 
-#include "platform/ui/Building.hpp"
+#include "Common/DeepLink.hpp"
+#include "Common/Palette.hpp"
+#include "Common/WidgetHeader.hpp"
+#include "Widgets/WidgetKinds.hpp"
 #include "shared/TimeZoneFlags.hpp"
-#include "widget/Common/DeepLink.hpp"
-#include "widget/Common/Palette.hpp"
-#include "widget/Common/WidgetHeader.hpp"
-#include "widget/Widgets/WidgetKinds.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto {
 

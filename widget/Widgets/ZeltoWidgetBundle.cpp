@@ -1,16 +1,16 @@
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
 
-#include "widget/Widgets/AwakeWidget.hpp"
-#include "widget/Widgets/BatteryWidget.hpp"
+#include "Widgets/AwakeWidget.hpp"
+#include "Widgets/BatteryWidget.hpp"
+#include "Widgets/CareWidget.hpp"
+#include "Widgets/ClipboardWidget.hpp"
+#include "Widgets/EqualizerWidget.hpp"
+#include "Widgets/FansWidget.hpp"
+#include "Widgets/OverviewWidget.hpp"
+#include "Widgets/StorageWidget.hpp"
+#include "Widgets/SystemWidget.hpp"
+#include "Widgets/WorldClockWidget.hpp"
 #include "widget/Widgets/CalendarWidget.hpp"
-#include "widget/Widgets/CareWidget.hpp"
-#include "widget/Widgets/ClipboardWidget.hpp"
-#include "widget/Widgets/EqualizerWidget.hpp"
-#include "widget/Widgets/FansWidget.hpp"
-#include "widget/Widgets/OverviewWidget.hpp"
-#include "widget/Widgets/StorageWidget.hpp"
-#include "widget/Widgets/SystemWidget.hpp"
-#include "widget/Widgets/WorldClockWidget.hpp"
 
 namespace zelto {
 

@@ -9,9 +9,9 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include "platform/bus/Connection.hpp"
-#include "platform/bus/Listener.hpp"
-#include "platform/foundation/FileDescriptor.hpp"
+#include "bus/Connection.hpp"
+#include "bus/Listener.hpp"
+#include "foundation/FileDescriptor.hpp"
 #include "tests/support/PrivateBus.hpp"
 
 namespace zelto::bus {

@@ -3,11 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/drawing/PNG.hpp"
-#include "platform/drawing/Renderer.hpp"
+#include "drawing/PNG.hpp"
+#include "drawing/Renderer.hpp"
+#include "layout/Layout.hpp"
 #include "platform/drawing/Symbols.hpp"
-#include "platform/layout/Layout.hpp"
-#include "platform/ui/Building.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto::test {
 namespace {

@@ -5,8 +5,8 @@
 #include <sys/file.h>
 #include <sys/stat.h>
 
-#include "platform/foundation/FileDescriptor.hpp"
-#include "platform/foundation/Files.hpp"
+#include "foundation/FileDescriptor.hpp"
+#include "foundation/Files.hpp"
 #include "tests/platform/foundation/SystemCalls.hpp"
 #include "tests/support/Ages.hpp"
 #include "tests/support/TemporaryFolder.hpp"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/foundation/UUID.hpp"
+#include "foundation/UUID.hpp"
 #include "tests/support/Vectors.hpp"
 
 namespace zelto::test {

@@ -6,8 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/drawing/PNG.hpp"
-#include "platform/imaging/Thumbnail.hpp"
+#include "drawing/PNG.hpp"
+#include "imaging/Thumbnail.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/layout/Layout.hpp"
-#include "platform/ui/Building.hpp"
+#include "layout/Layout.hpp"
 #include "tests/support/FixedMeasuring.hpp"
+#include "ui/Building.hpp"
 
 namespace zelto::test {
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/system/PowerSources.hpp"
+#include "system/PowerSources.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {

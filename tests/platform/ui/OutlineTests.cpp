@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/ui/Building.hpp"
-#include "platform/ui/Outline.hpp"
+#include "ui/Building.hpp"
+#include "ui/Outline.hpp"
 
 namespace zelto::test {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/ui/Building.hpp"
-#include "platform/ui/Reading.hpp"
+#include "ui/Building.hpp"
+#include "ui/Reading.hpp"
 
 namespace zelto::test {
 namespace {

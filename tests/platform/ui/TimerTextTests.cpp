@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "platform/ui/TimerText.hpp"
 #include "tests/support/Vectors.hpp"
+#include "ui/TimerText.hpp"
 
 namespace zelto::test {
 namespace {

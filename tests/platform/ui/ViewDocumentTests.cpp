@@ -7,9 +7,9 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/Files.hpp"
-#include "platform/ui/ViewFields.hpp"
+#include "foundation/Files.hpp"
 #include "tests/support/Paths.hpp"
+#include "ui/ViewFields.hpp"
 
 namespace zelto::test {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/ui/Building.hpp"
-#include "platform/widgetkit/Messages.hpp"
+#include "ui/Building.hpp"
+#include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
 namespace {

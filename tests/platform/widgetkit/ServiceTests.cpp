@@ -5,10 +5,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "platform/foundation/FileDescriptor.hpp"
-#include "platform/ui/Building.hpp"
+#include "foundation/FileDescriptor.hpp"
 #include "platform/widgetkit/LineServer.hpp"
-#include "platform/widgetkit/Service.hpp"
+#include "ui/Building.hpp"
+#include "widgetkit/Service.hpp"
 
 namespace zelto::test {
 namespace {

@@ -2,11 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/foundation/JSONEncoder.hpp"
-#include "platform/ui/Building.hpp"
-#include "platform/ui/Outline.hpp"
-#include "platform/ui/Reading.hpp"
-#include "platform/widgetkit/ViewBounds.hpp"
+#include "records/JSONEncoder.hpp"
+#include "ui/Building.hpp"
+#include "ui/Outline.hpp"
+#include "ui/Reading.hpp"
+#include "widgetkit/ViewBounds.hpp"
 
 namespace zelto::test {
 namespace {

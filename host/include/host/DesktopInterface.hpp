@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "bus/Connection.hpp"
+#include "bus/Listener.hpp"
+#include "host/WidgetHost.hpp"
+
+// The running host as other programs see it on the session bus (docs/widgets-for-apps.md).
+
+namespace zelto::host {
+
+inline constexpr std::string_view desktopService = "com.kavra.zelto.desktop";
+
+/// What the host does for a caller. All run on the host's thread.
+struct DesktopActions {
+    std::function<WidgetHost&()> host;
+    std::function<void()> showGallery;
+    std::function<void()> quit;
+};
+
+/// reload(kind), list, add(kind, family), remove(id), move(id, monitor, column, row), resize(id, family),
+/// gallery and quit. What cannot be done comes back as an error.
+bus::Interface desktopInterface(const DesktopActions& actions);
+
+/// Offers the host on a bus, to this user only; `dispatch` carries calls over to the host's thread.
+bus::Result<bus::Listener> listenAsDesktop(
+    bus::Address address, const DesktopActions& actions, std::function<void(std::function<void()>)> dispatch);
+
+/// "KIND:FAMILY", families as small, medium or large or by their whole names. Absent when it is not that.
+std::optional<std::pair<std::string, WidgetFamily>> parseWish(const std::string& text);
+
+}  // namespace zelto::host

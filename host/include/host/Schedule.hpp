@@ -1,0 +1,68 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "host/Backoff.hpp"
+#include "widgetkit/Messages.hpp"
+
+namespace zelto::host {
+
+/// What placed widgets show, and when the extension is asked for more. Timelines are what decodeReply lets
+/// pass: some entries, in order. A pure function of what it is told:
+/// it has no clock, and whoever drives it calls `at` no later than the instant that `nextInstant` names, and
+/// whenever the clock was set.
+class Schedule {
+  public:
+    /// A widget that starts with its stored timeline, if there is one, and wants a fresh one.
+    void add(const std::string& id, std::optional<ArchivedTimeline> stored);
+    void remove(const std::string& id);
+
+    /// A new timeline is wanted as soon as possible, whatever pauses there are.
+    void reload(const std::string& id);
+    void reloadAll();
+
+    /// Widgets to ask timelines for, side by side, and widgets that now show something else.
+    struct Due {
+        std::vector<std::string> requests;
+        std::vector<std::string> shows;
+    };
+    /// What is due at `now`; the requests count as sent. A clock that went backwards makes every timeline
+    /// doubtful: all are asked for anew.
+    Due at(Date now);
+    /// The answer to such a request.
+    void received(const std::string& id, ArchivedTimeline timeline, Date now);
+    void failed(const std::string& id, Date now);
+
+    /// The entry on show; null before the first timeline.
+    const ArchivedEntry* shown(const std::string& id) const;
+    /// When `at` has something to do next; absent while nothing is to come by itself.
+    std::optional<Date> nextInstant() const;
+
+    /// Reloads that fall due within this many seconds wait for the last of them, so that they go out
+    /// together.
+    static constexpr double together = 1;
+    /// However soon a timeline wants to be replaced, so many seconds pass.
+    static constexpr double shortestLife = 5;
+    /// Between attempts for a widget whose requests fail, in seconds.
+    static constexpr double firstPause = 2, longestPause = 300;
+
+  private:
+    struct Widget {
+        std::optional<ArchivedTimeline> timeline = {};
+        std::optional<ArchivedEntry> shown = {};
+        bool isAsked = false;
+        /// When to ask for the next timeline; absent for at once.
+        std::optional<Date> askAt = {};
+        Backoff backoff{firstPause, longestPause};
+    };
+    /// When the reloads that are due next go out.
+    std::optional<Date> askingInstant() const;
+
+    std::map<std::string, Widget> widgets_;
+    std::optional<Date> last_;
+};
+
+}  // namespace zelto::host

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <set>
+
+#include "layout/Geometry.hpp"
+#include "records/Record.hpp"
+#include "widgetkit/WidgetFamily.hpp"
+
+namespace zelto::host {
+
+/// A tile of the grid that widgets stand on.
+struct Cell {
+    std::int64_t column = 0, row = 0;
+    constexpr auto operator<=>(const Cell&) const = default;
+};
+
+/// How many tiles a widget covers.
+struct Span {
+    std::int64_t columns, rows;
+    constexpr bool operator==(const Span&) const = default;
+};
+constexpr Span spanOf(WidgetFamily family) {
+    return {family == WidgetFamily::systemSmall ? 1 : 2, family == WidgetFamily::systemLarge ? 2 : 1};
+}
+
+/// From one tile's corner to the next one's, in points; the gap between tiles is part of it.
+inline constexpr double tilePitch = 180;
+inline constexpr double tileGap = 16;
+
+/// Which tiles are taken. Rows go on downward without end.
+class TileGrid {
+  public:
+    explicit TileGrid(std::int64_t columns) : columns_(columns) {}
+
+    bool isFree(Cell cell, WidgetFamily family) const;
+    void take(Cell cell, WidgetFamily family);
+    /// The first gap that the widget fits, row by row. On a grid narrower than the widget, the first column.
+    Cell firstFree(WidgetFamily family) const;
+
+    std::int64_t usedColumns() const;
+    std::int64_t usedRows() const;
+
+  private:
+    std::int64_t columns_;
+    std::set<Cell> taken_;
+};
+
+}  // namespace zelto::host

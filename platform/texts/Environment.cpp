@@ -1,0 +1,44 @@
+#include "texts/Environment.hpp"
+
+#include <array>
+#include <cstdlib>
+
+#include <unicode/uloc.h>
+
+#include "texts/TimeZone.hpp"
+
+namespace zelto {
+
+std::string localeOf(const std::function<std::optional<std::string>(std::string_view)>& variable) {
+    for (const std::string_view name : {"LC_ALL", "LC_TIME", "LANG"}) {
+        const auto value = variable(name);
+        if (!value || value->empty()) continue;
+        std::string locale = value->substr(0, value->find_first_of(".@"));
+        if (locale == "C" || locale == "POSIX") break;
+        return locale;
+    }
+    return "pt_BR";
+}
+
+Environment Environment::current() {
+    const auto variable = [](std::string_view name) -> std::optional<std::string> {
+        const char* value = std::getenv(std::string(name).c_str());
+        if (!value) return std::nullopt;
+        return value;
+    };
+    return {localeOf(variable), identifierOf({.variable = variable("TZ")})};
+}
+
+bool isKnownLocale(const std::string& locale) {
+    std::array<char, ULOC_LANG_CAPACITY> language{};
+    UErrorCode status = U_ZERO_ERROR;
+    uloc_getLanguage(locale.c_str(), language.data(), language.size(), &status);
+    // A language that fills the buffer is no failure to ICU, but is not terminated either.
+    if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING || language[0] == '\0') return false;
+    for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) {
+        if (std::string_view(uloc_getAvailable(i)) == language.data()) return true;
+    }
+    return false;
+}
+
+}  // namespace zelto

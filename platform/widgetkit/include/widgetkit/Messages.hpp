@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "records/JSONDecoder.hpp"
+#include "records/Record.hpp"
+#include "ui/ViewFields.hpp"
+#include "widgetkit/ViewBounds.hpp"
+#include "widgetkit/WidgetFamily.hpp"
+
+namespace zelto {
+
+// What a host and an extension say to each other, one JSON object a line. docs/extension-protocol.md is the
+// prose.
+
+enum class RequestKind : std::uint8_t { bundle, placeholder, snapshot, timeline };
+
+struct Request {
+    std::int64_t id = 0;
+    RequestKind request = RequestKind::bundle;
+    std::optional<std::string> kind = {};
+    std::optional<WidgetFamily> family = {};
+    std::optional<bool> preview = {};
+    std::optional<std::string> locale = {};
+    std::optional<std::string> timeZone = {};
+
+    bool operator==(const Request&) const = default;
+};
+
+/// What can still be read of a request that cannot be read whole.
+struct RequestHead {
+    std::optional<std::int64_t> id = {};
+};
+
+/// A widget as the gallery shows it.
+struct WidgetDescription {
+    std::string kind;
+    std::string displayName;
+    std::string description;
+    std::vector<WidgetFamily> families;
+
+    bool operator==(const WidgetDescription&) const = default;
+};
+
+/// An entry whose view is finished.
+struct ArchivedEntry {
+    Date date;
+    ui::View view;
+
+    bool operator==(const ArchivedEntry&) const = default;
+};
+
+struct ArchivedTimeline {
+    std::vector<ArchivedEntry> entries;
+    /// The next timeline may be asked for at or after this instant.
+    Date reloadAfter;
+
+    bool operator==(const ArchivedTimeline&) const = default;
+};
+
+/// Exactly one of `widgets`, `entry`, `timeline` and `error` is present. `id` is absent when the request had
+/// none that could be read.
+struct Reply {
+    std::optional<std::int64_t> id = {};
+    std::optional<std::vector<WidgetDescription>> widgets = {};
+    std::optional<ArchivedEntry> entry = {};
+    std::optional<ArchivedTimeline> timeline = {};
+    std::optional<std::string> error = {};
+
+    bool operator==(const Reply&) const = default;
+};
+
+/// A line of JSON without its end; absent when a view holds a number that is not finite or a text that is not
+/// UTF-8.
+std::optional<std::string> encodeReply(const Reply& reply);
+
+/// Reads a reply and checks it as untrusted input. One whose syntax or fields are wrong is none. One whose
+/// contents are out of bounds (ViewBounds.hpp) becomes an error reply to the same request.
+Result<Reply> decodeReply(std::string_view line);
+
+}  // namespace zelto
+
+template <>
+inline zelto::ArchivedEntry zelto::blank<zelto::ArchivedEntry>() {
+    return {.date = {}, .view = blank<ui::View>()};
+}
+
+ZELTO_NAMES(zelto::RequestKind, "a request", bundle, placeholder, snapshot, timeline);
+ZELTO_RECORD(zelto::Request, id, request, kind, family, preview, locale, timeZone);
+ZELTO_RECORD(zelto::RequestHead, id);
+ZELTO_RECORD(zelto::WidgetDescription, kind, displayName, description, families);
+ZELTO_RECORD(zelto::ArchivedEntry, date, view);
+ZELTO_RECORD(zelto::ArchivedTimeline, entries, reloadAfter);
+ZELTO_RECORD(zelto::Reply, id, widgets, entry, timeline, error);

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "widgetkit/Widget.hpp"
+
+namespace zelto {
+
+/// Answers requests for a list of widgets. Its operations may run on any thread.
+class Service {
+  public:
+    Service(std::vector<WidgetConfiguration> widgets, Environment environment, std::function<Date()> now);
+
+    /// The reply to one line, itself a line without its end. Views are cut to the budget (ViewBounds.hpp). A
+    /// request that makes no sense, or for which memory runs out, gets an error.
+    std::string answer(std::string_view line) const;
+
+    /// Reads requests from `input` and writes replies to `output`, each as soon as it is ready, until the
+    /// input ends and the last reply is out. Requests are worked on side by side. False when the output
+    /// broke.
+    bool serve(int input, int output) const;
+
+    /// A request line that is longer is refused.
+    static constexpr std::size_t longestLine = std::size_t{64} * 1024;
+
+  private:
+    Reply reply(const Request& request) const;
+
+    std::vector<WidgetConfiguration> widgets_;
+    Environment environment_;
+    std::function<Date()> now_;
+};
+
+}  // namespace zelto

@@ -1,0 +1,38 @@
+#pragma once
+
+// The field tables of the snapshot: its JSON keys and their order.
+
+#include "records/Record.hpp"
+#include "shared/WidgetSnapshot.hpp"
+
+// Records whose no-argument initialiser reads the clock or draws a random identifier are decoded into still
+// ones.
+template <>
+inline zelto::WidgetSnapshot::Clip zelto::blank<zelto::WidgetSnapshot::Clip>() {
+    return {.id = UUID::nil(), .text = {}, .imagePath = {}, .date = {}, .pinned = false};
+}
+template <>
+inline zelto::WidgetSnapshot::Event zelto::blank<zelto::WidgetSnapshot::Event>() {
+    return {
+        .id = {},
+        .title = {},
+        .start = {},
+        .end = {},
+        .allDay = false,
+        .colorHex = {},
+        .location = {},
+        .meetingURL = {}};
+}
+
+ZELTO_RECORD(
+    zelto::WidgetSnapshot::Battery, percent, charging, pluggedIn, health, cycles, minutesRemaining,
+    temperature, watts, limitEnabled, limit, chargingPaused, adapterDisabled);
+ZELTO_RECORD(zelto::WidgetSnapshot::Fan, actual, minimum, maximum, manual);
+ZELTO_RECORD(zelto::WidgetSnapshot::Disk, name, total, available);
+ZELTO_RECORD(zelto::WidgetSnapshot::Clip, id, text, imagePath, date, pinned);
+ZELTO_RECORD(zelto::WidgetSnapshot::Event, id, title, start, end, allDay, colorHex, location, meetingURL);
+ZELTO_RECORD(zelto::WidgetSnapshot::CareItem, title, level, summary);
+ZELTO_RECORD(
+    zelto::WidgetSnapshot, date, battery, cpu, cpuHistory, gpu, memory, memoryUsed, memoryTotal,
+    chipTemperature, fans, fanMode, disk, awakeActive, awakeEnd, eqEnabled, eqPreset, eqOutput, clips,
+    calendarAccess, events, clockZones, careDate, careItems);

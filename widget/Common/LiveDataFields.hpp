@@ -1,8 +1,0 @@
-#pragma once
-
-// The field table of the live readings, for tools that read them from a file.
-
-#include "platform/foundation/Record.hpp"
-#include "widget/Common/LiveData.hpp"
-
-ZELTO_RECORD(zelto::LiveData, battery, charging, cpu, memory, disk, diskFree, diskTotal);
