@@ -1,8 +1,8 @@
 #include "Box.hpp"
 
 #include <algorithm>
-#include <cmath>
 
+#include "Grid.hpp"
 #include "ui/TimerText.hpp"
 
 namespace zelto::layout {
@@ -19,13 +19,6 @@ constexpr double defaultSpacerLength = 8;
 constexpr double symbolBaseline = 0.86;
 /// More than any widget holds.
 constexpr std::int64_t mostLines = 1000;
-
-double coalesce(const std::optional<double>& a, double b) {
-    return a ? *a : b;
-}
-double reduced(double length, double by) {
-    return std::max(length - by, 0.0);
-}
 
 /// What a modifier does to those inside: it changes what they inherit, or it has a box of its own.
 struct ApplyModifier {
@@ -120,7 +113,8 @@ Size BoxTree::measure(std::size_t index, const ProposedSize& proposal) {
     for (const auto& [asked, answered] : boxes_[index].answers)
         if (asked == proposal) return answered;
     const Box& box = boxes_[index];
-    const Size size = box.node ? answer(box, proposal) : answer(box, *box.modifier, proposal);
+    ChildrenOf children(*this, box);
+    const Size size = box.node ? answer(box, proposal) : sizeOf(*box.modifier, proposal, children);
     boxes_[index].answers.emplace_back(proposal, size);
     return size;
 }
@@ -132,31 +126,31 @@ Size BoxTree::answer(const Box& box, const ProposedSize& proposal) {
         const ProposedSize& proposal;
 
         Size operator()(const ui::node::Text& text) const {
-            return tree.fitText(text.text, box.inherited, proposal).extent.size;
+            return tree.fit(text.text, box, proposal).extent.size;
         }
         Size operator()(const ui::node::Countdown& countdown) const {
-            return tree.fitText(ui::timerText(countdown.end, tree.now_), box.inherited, proposal).extent.size;
+            return tree.fit(ui::timerText(countdown.end, tree.now_), box, proposal).extent.size;
         }
         Size operator()(const ui::node::Symbol& symbol) const {
             return tree.measuring_.symbolSize(symbol.name, box.inherited.font.size);
         }
         Size operator()(const ui::node::Image& image) const {
             return {
-                coalesce(proposal.width, static_cast<double>(image.width)),
-                coalesce(proposal.height, static_cast<double>(image.height))};
+                proposal.width.value_or(static_cast<double>(image.width)),
+                proposal.height.value_or(static_cast<double>(image.height))};
         }
         Size operator()(const ui::node::Spacer& spacer) const {
-            const double least = coalesce(spacer.minLength, defaultSpacerLength);
+            const double least = spacer.minLength.value_or(defaultSpacerLength);
             const auto along = [&](const std::optional<double>& offered, Axis across) {
-                return box.inherited.stackAxis == across ? 0 : std::max(coalesce(offered, least), least);
+                return box.inherited.stackAxis == across ? 0 : std::max(offered.value_or(least), least);
             };
             return {along(proposal.width, Axis::vertical), along(proposal.height, Axis::horizontal)};
         }
         Size operator()(const ui::node::Shape&) const {
-            return {coalesce(proposal.width, idealShapeSide), coalesce(proposal.height, idealShapeSide)};
+            return {proposal.width.value_or(idealShapeSide), proposal.height.value_or(idealShapeSide)};
         }
-        Size operator()(const ui::node::VStack&) const { return tree.layOutStack(box, proposal).size; }
-        Size operator()(const ui::node::HStack&) const { return tree.layOutStack(box, proposal).size; }
+        Size operator()(const ui::node::VStack&) const { return stack(); }
+        Size operator()(const ui::node::HStack&) const { return stack(); }
         Size operator()(const ui::node::ZStack&) const {
             Size size;
             for (const std::size_t child : box.children) {
@@ -165,77 +159,46 @@ Size BoxTree::answer(const Box& box, const ProposedSize& proposal) {
             }
             return size;
         }
-        Size operator()(const ui::node::Grid&) const { return tree.layOutGrid(box, proposal).size; }
+        Size operator()(const ui::node::Grid& grid) const {
+            ChildrenOf children(tree, box);
+            return layOutGrid({grid, box.children.size(), proposal.width}, children).size;
+        }
+        Size stack() const {
+            ChildrenOf children(tree, box);
+            return layOutStack(tree.stackOf(box, proposal), children).size;
+        }
     };
     return std::visit(Answer{*this, box, proposal}, *box.node);
 }
 
-ProposedSize BoxTree::childProposal(const BoxModifier& modifier, const ProposedSize& proposal) {
-    struct Propose {
-        const ProposedSize& proposal;
-
-        ProposedSize operator()(const ui::modifier::Padding* padding) const {
-            ProposedSize inside = proposal;
-            if (inside.width) inside.width = reduced(*inside.width, padding->leading + padding->trailing);
-            if (inside.height) inside.height = reduced(*inside.height, padding->top + padding->bottom);
-            return inside;
-        }
-        ProposedSize operator()(const ui::modifier::Frame* frame) const {
-            return {
-                frame->width ? frame->width : proposal.width,
-                frame->height ? frame->height : proposal.height};
-        }
-        ProposedSize operator()(const ui::modifier::Stretch*) const { return proposal; }
-        ProposedSize operator()(const ui::modifier::ScaledToFill*) const { return proposal; }
-        ProposedSize operator()(const ui::modifier::Rotation*) const { return proposal; }
-        ProposedSize operator()(const ui::modifier::Background*) const { return proposal; }
-        ProposedSize operator()(const ui::modifier::ClipShape*) const { return proposal; }
-        ProposedSize operator()(const ui::modifier::Link*) const { return proposal; }
-    };
-    return std::visit(Propose{proposal}, modifier);
+TextFit BoxTree::fit(const std::string& text, const Box& box, const ProposedSize& proposal) {
+    const Inherited& inherited = box.inherited;
+    return fitText({text, inherited.font, inherited.lineLimit, inherited.minimumScale}, proposal, measuring_);
 }
 
-Size BoxTree::answer(const Box& box, const BoxModifier& modifier, const ProposedSize& proposal) {
-    struct Answer {
-        BoxTree& tree;
-        std::size_t child;
-        const ProposedSize& proposal;
-        Size inside;
+StackChild BoxTree::stackChildOf(std::size_t index) const {
+    const Box& box = boxes_[index];
+    if (!box.node) return {};
+    if (std::holds_alternative<ui::node::Spacer>(*box.node)) return {.kind = StackChild::Kind::spacer};
+    if (!std::holds_alternative<ui::node::Text>(*box.node)) return {};
+    return {
+        .kind = StackChild::Kind::text,
+        .shrinks = box.inherited.minimumScale<1, .isLimited = box.inherited.lineLimit> 0};
+}
 
-        Size operator()(const ui::modifier::Padding* padding) const {
-            return {
-                inside.width + padding->leading + padding->trailing,
-                inside.height + padding->top + padding->bottom};
-        }
-        Size operator()(const ui::modifier::Frame* frame) const {
-            return {coalesce(frame->width, inside.width), coalesce(frame->height, inside.height)};
-        }
-        Size operator()(const ui::modifier::Stretch* stretch) const {
-            return {
-                stretch->width ? std::max(coalesce(proposal.width, inside.width), inside.width)
-                               : inside.width,
-                stretch->height ? std::max(coalesce(proposal.height, inside.height), inside.height)
-                                : inside.height};
-        }
-        Size operator()(const ui::modifier::ScaledToFill*) const {
-            const Size ideal = tree.measure(child, {});
-            // What has no size by itself has no aspect ratio to keep.
-            if (!(ideal.width > 0 && ideal.height > 0))
-                return {coalesce(proposal.width, ideal.width), coalesce(proposal.height, ideal.height)};
-            const double x = coalesce(proposal.width, ideal.width) / ideal.width;
-            const double y = coalesce(proposal.height, ideal.height) / ideal.height;
-            double scale = y;
-            if (proposal.width) scale = proposal.height ? std::max(x, y) : x;
-            return {ideal.width * scale, ideal.height * scale};
-        }
-        Size operator()(const ui::modifier::Rotation*) const { return inside; }
-        Size operator()(const ui::modifier::Background*) const { return inside; }
-        Size operator()(const ui::modifier::ClipShape*) const { return inside; }
-        Size operator()(const ui::modifier::Link*) const { return inside; }
-    };
-    const std::size_t child = box.children.front();
-    const Size inside = measure(child, childProposal(modifier, proposal));
-    return std::visit(Answer{*this, child, proposal, inside}, modifier);
+StackInput BoxTree::stackOf(const Box& box, const ProposedSize& proposal) const {
+    StackInput out{.alignment = {}, .spacing = {}, .children = {}, .proposal = proposal};
+    if (const auto* row = std::get_if<ui::node::HStack>(box.node)) {
+        out.alignment = row->alignment;
+        out.spacing = row->spacing;
+    } else {
+        const auto& column = std::get<ui::node::VStack>(*box.node);
+        out.alignment = column.alignment;
+        out.spacing = column.spacing;
+    }
+    out.children.reserve(box.children.size());
+    for (const std::size_t child : box.children) out.children.push_back(stackChildOf(child));
+    return out;
 }
 
 double BoxTree::firstBaselineOfNode(const Box& box, double height, const ProposedSize& proposal) {
@@ -246,11 +209,10 @@ double BoxTree::firstBaselineOfNode(const Box& box, double height, const Propose
         const ProposedSize& proposal;
 
         double operator()(const ui::node::Text& text) const {
-            return tree.fitText(text.text, box.inherited, proposal).extent.baseline;
+            return tree.fit(text.text, box, proposal).extent.baseline;
         }
         double operator()(const ui::node::Countdown& countdown) const {
-            return tree.fitText(ui::timerText(countdown.end, tree.now_), box.inherited, proposal)
-                .extent.baseline;
+            return tree.fit(ui::timerText(countdown.end, tree.now_), box, proposal).extent.baseline;
         }
         double operator()(const ui::node::Symbol&) const { return symbolBaseline * height; }
         // What holds no text stands on its lower edge.
@@ -267,15 +229,9 @@ double BoxTree::firstBaselineOfNode(const Box& box, double height, const Propose
 
 double BoxTree::firstBaseline(std::size_t index, const ProposedSize& proposal) {
     const Box& box = boxes_[index];
-    const Size size = measure(index, proposal);
-    if (box.node) return firstBaselineOfNode(box, size.height, proposal);
-    const std::size_t child = box.children.front();
-    const ProposedSize inside = childProposal(*box.modifier, proposal);
-    const double baseline = firstBaseline(child, inside);
-    if (const auto* padding = std::get_if<const ui::modifier::Padding*>(&*box.modifier))
-        return (*padding)->top + baseline;
-    // In all others the content is centred, or they are no larger than it.
-    return (size.height - measure(child, inside).height) / 2 + baseline;
+    if (box.node) return firstBaselineOfNode(box, measure(index, proposal).height, proposal);
+    ChildrenOf children(*this, box);
+    return baselineOf(*box.modifier, proposal, children);
 }
 
 }  // namespace zelto::layout

@@ -3,10 +3,11 @@
 #include <cstdint>
 #include <optional>
 #include <utility>
-#include <variant>
 #include <vector>
 
-#include "layout/Geometry.hpp"
+#include "BoxModifier.hpp"
+#include "Stack.hpp"
+#include "TextFit.hpp"
 #include "layout/Placement.hpp"
 #include "layout/TextMeasuring.hpp"
 #include "ui/View.hpp"
@@ -28,12 +29,6 @@ struct Inherited {
 /// The foreground that a style means.
 ui::Color resolve(const ui::Style& style, const Inherited& inherited);
 
-/// A modifier that takes part in the layout by itself; all others only change what is inherited.
-using BoxModifier = std::variant<
-    const ui::modifier::Padding*, const ui::modifier::Frame*, const ui::modifier::Stretch*,
-    const ui::modifier::ScaledToFill*, const ui::modifier::Rotation*, const ui::modifier::Background*,
-    const ui::modifier::ClipShape*, const ui::modifier::Link*>;
-
 /// One step of the layout: a node, or a modifier that takes part in it (then with one child). Modifiers that
 /// only change what is inherited have no box.
 struct Box {
@@ -46,7 +41,8 @@ struct Box {
     std::vector<std::pair<ProposedSize, Size>> answers;
 };
 
-/// The boxes of one view and the algorithms over them; made for one layout.
+/// The boxes of one view; made for one layout. What it knows of each is handed to the algorithms (Stack.hpp,
+/// Grid.hpp, TextFit.hpp, BoxModifier.hpp), and what they answer becomes frames.
 class BoxTree {
   public:
     BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Placement& placement);
@@ -58,49 +54,22 @@ class BoxTree {
     double firstBaseline(std::size_t box, const ProposedSize& proposal);
 
   private:
-    struct TextFit {
-        TextExtent extent;
-        double scale;
-        std::optional<double> width;
-        std::int64_t lines;
-    };
-    struct StackLayout {
-        std::vector<Size> sizes;
-        std::vector<double> spacings;  // before each child
-        std::vector<ProposedSize> proposals;
-        Size size;
-        double baseline = 0;  // of the stack, when it aligns by baselines
-    };
+    class ChildrenOf;
 
     std::size_t build(const ui::View& view, std::size_t modifiers, Inherited inherited);
     std::size_t buildNode(const ui::View& view, const Inherited& inherited);
 
     Size answer(const Box& box, const ProposedSize& proposal);
-    Size answer(const Box& box, const BoxModifier& modifier, const ProposedSize& proposal);
-    void emit(std::size_t box, Point origin, Size size, const ProposedSize& proposal);
+    double firstBaselineOfNode(const Box& box, double height, const ProposedSize& proposal);
+    TextFit fit(const std::string& text, const Box& box, const ProposedSize& proposal);
+    StackInput stackOf(const Box& box, const ProposedSize& proposal) const;
+    StackChild stackChildOf(std::size_t box) const;
+
+    void emit(const Box& box, Rect frame, const ProposedSize& proposal);
     void emit(const Box& box, const BoxModifier& modifier, Rect frame, const ProposedSize& proposal);
     void placeCentered(std::size_t child, Rect frame, const ProposedSize& proposal);
-    static ProposedSize childProposal(const BoxModifier& modifier, const ProposedSize& proposal);
-    double firstBaselineOfNode(const Box& box, double height, const ProposedSize& proposal);
-
-    TextFit fitText(const std::string& text, const Inherited& inherited, const ProposedSize& proposal);
-    PlacedText placeText(
-        const std::string& text, const Inherited& inherited, Point origin, const ProposedSize& proposal);
-
-    StackLayout layOutStack(const Box& box, const ProposedSize& proposal);
+    PlacedText placeText(const std::string& text, const Box& box, Point origin, const ProposedSize& proposal);
     void placeStack(const Box& box, Rect frame, const ProposedSize& proposal);
-    /// Whose turn it is when a stack shares out its room.
-    enum class Turn : std::uint8_t { others, cutTexts, shrinkingTexts, spacers };
-    Turn turnOf(std::size_t box, bool isRow, bool hasLines) const;
-    bool isText(std::size_t box) const;
-    bool isSpacer(std::size_t box) const;
-
-    struct GridLayout {
-        double columnWidth;
-        std::vector<double> rowHeights;
-        Size size;
-    };
-    GridLayout layOutGrid(const Box& box, const ProposedSize& proposal);
     void placeGrid(const Box& box, Rect frame, const ProposedSize& proposal);
 
     std::vector<Box> boxes_;
@@ -108,6 +77,23 @@ class BoxTree {
     Date now_;
     TextMeasuring& measuring_;
     Placement& placement_;
+};
+
+/// A box's children, for the algorithms.
+class BoxTree::ChildrenOf : public Children {
+  public:
+    ChildrenOf(BoxTree& tree, const Box& box) : tree_(tree), box_(box) {}
+
+    Size measure(std::size_t child, const ProposedSize& proposal) override {
+        return tree_.measure(box_.children[child], proposal);
+    }
+    double firstBaseline(std::size_t child, const ProposedSize& proposal) override {
+        return tree_.firstBaseline(box_.children[child], proposal);
+    }
+
+  private:
+    BoxTree& tree_;
+    const Box& box_;
 };
 
 }  // namespace zelto::layout

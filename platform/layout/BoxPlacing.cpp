@@ -1,4 +1,5 @@
 #include "Box.hpp"
+#include "Grid.hpp"
 #include "ui/Reading.hpp"
 #include "ui/TimerText.hpp"
 
@@ -16,13 +17,14 @@ ui::Paint resolved(const ui::Paint& paint, const Inherited& inherited) {
 void BoxTree::place(std::size_t index, Point origin, const ProposedSize& proposal) {
     const Size size = measure(index, proposal);
     const Box& box = boxes_[index];
+    const Rect frame{origin.x, origin.y, size.width, size.height};
     if (box.node)
-        emit(index, origin, size, proposal);
+        emit(box, frame, proposal);
     else
-        emit(box, *box.modifier, {origin.x, origin.y, size.width, size.height}, proposal);
+        emit(box, *box.modifier, frame, proposal);
 }
 
-void BoxTree::emit(std::size_t index, Point origin, Size size, const ProposedSize& proposal) {
+void BoxTree::emit(const Box& box, Rect frame, const ProposedSize& proposal) {
     struct Emit {
         BoxTree& tree;
         const Box& box;
@@ -33,11 +35,11 @@ void BoxTree::emit(std::size_t index, Point origin, Size size, const ProposedSiz
         void put(PlacedItem item) const { tree.placement_.items.push_back(std::move(item)); }
 
         void operator()(const ui::node::Text& text) const {
-            if (!text.text.empty()) put(tree.placeText(text.text, box.inherited, origin(), proposal));
+            if (!text.text.empty()) put(tree.placeText(text.text, box, origin(), proposal));
         }
         void operator()(const ui::node::Countdown& countdown) const {
             put(PlacedCountdown{
-                tree.placeText(ui::timerText(countdown.end, tree.now_), box.inherited, origin(), proposal),
+                tree.placeText(ui::timerText(countdown.end, tree.now_), box, origin(), proposal),
                 countdown.end});
         }
         void operator()(const ui::node::Symbol& symbol) const {
@@ -55,8 +57,7 @@ void BoxTree::emit(std::size_t index, Point origin, Size size, const ProposedSiz
         }
         void operator()(const ui::node::Grid&) const { tree.placeGrid(box, frame, proposal); }
     };
-    const Box& box = boxes_[index];
-    std::visit(Emit{*this, box, {origin.x, origin.y, size.width, size.height}, proposal}, *box.node);
+    std::visit(Emit{*this, box, frame, proposal}, *box.node);
 }
 
 void BoxTree::placeCentered(std::size_t child, Rect frame, const ProposedSize& proposal) {
@@ -108,6 +109,35 @@ void BoxTree::emit(const Box& box, const BoxModifier& modifier, Rect frame, cons
         }
     };
     std::visit(Emit{*this, box, frame, childProposal(modifier, proposal)}, modifier);
+}
+
+PlacedText BoxTree::placeText(
+    const std::string& text, const Box& box, Point origin, const ProposedSize& proposal) {
+    const TextFit fitted = fit(text, box, proposal);
+    return {
+        .frame = {origin.x, origin.y, fitted.extent.size.width, fitted.extent.size.height},
+        .text = shownText(text, box.inherited.lineLimit),
+        .font = box.inherited.font,
+        .scale = fitted.scale,
+        .color = box.inherited.foreground,
+        .width = fitted.width,
+        .lines = fitted.lines};
+}
+
+void BoxTree::placeStack(const Box& box, Rect frame, const ProposedSize& proposal) {
+    ChildrenOf children(*this, box);
+    const StackInput input = stackOf(box, proposal);
+    const StackLayout stack = layOutStack(input, children);
+    const auto origins = stackOrigins(input, stack, frame, children);
+    for (std::size_t i = 0; i < origins.size(); ++i) place(box.children[i], origins[i], stack.proposals[i]);
+}
+
+void BoxTree::placeGrid(const Box& box, Rect frame, const ProposedSize& proposal) {
+    ChildrenOf children(*this, box);
+    const GridInput input{std::get<ui::node::Grid>(*box.node), box.children.size(), proposal.width};
+    const GridLayout grid = layOutGrid(input, children);
+    const auto origins = gridOrigins(input, grid, frame, children);
+    for (std::size_t i = 0; i < origins.size(); ++i) place(box.children[i], origins[i], grid.cell());
 }
 
 }  // namespace zelto::layout

@@ -1,9 +1,9 @@
+#include "TextFit.hpp"
+
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <string_view>
-
-#include "Box.hpp"
 
 namespace zelto::layout {
 namespace {
@@ -24,56 +24,41 @@ std::string firstLine(const std::string& text) {
     return text.substr(0, end) + "…";
 }
 
-/// What of a text is shown: U+0000, at which drawing would stop, has no look of its own and is left out.
-std::string shownText(const std::string& text, const Inherited& inherited) {
-    std::string shown = inherited.lineLimit == 1 ? firstLine(text) : text;
+}  // namespace
+
+std::string shownText(const std::string& text, std::int64_t lineLimit) {
+    std::string shown = lineLimit == 1 ? firstLine(text) : text;
     std::erase(shown, '\0');
     return shown;
 }
 
-}  // namespace
-
-BoxTree::TextFit BoxTree::fitText(
-    const std::string& text, const Inherited& inherited, const ProposedSize& proposal) {
-    const auto& font = inherited.font;
-    const std::string shown = shownText(text, inherited);
-    const TextExtent ideal = measuring_.measure(shown, font, {}, 0);
+TextFit fitText(const TextInput& input, const ProposedSize& proposal, TextMeasuring& measuring) {
+    const auto& font = input.font;
+    const std::string shown = shownText(input.text, input.lineLimit);
+    const TextExtent ideal = measuring.measure(shown, font, {}, 0);
     if (!proposal.width || *proposal.width >= ideal.size.width - slack) return {ideal, 1, {}, 0};
     double width = *proposal.width;
-    if (inherited.lineLimit == 0) {
+    if (input.lineLimit == 0) {
         // It may be broken into lines, but not within what belongs together.
-        width = std::max(width, measuring_.longestRun(shown, font) * inherited.minimumScale);
+        width = std::max(width, measuring.longestRun(shown, font) * input.minimumScale);
         if (width >= ideal.size.width - slack) return {ideal, 1, {}, 0};
     }
     // Asked how small it can get, a text that may be cut answers with nothing.
-    if (width <= 0) return {{{0, measuring_.lineHeight(font)}, ideal.baseline}, 1, 0, 1};
+    if (width <= 0) return {{{0, measuring.lineHeight(font)}, ideal.baseline}, 1, 0, 1};
 
-    const double scale = std::clamp(width / ideal.size.width, inherited.minimumScale, 1.0);
-    std::int64_t lines = inherited.lineLimit;
+    const double scale = std::clamp(width / ideal.size.width, input.minimumScale, 1.0);
+    std::int64_t lines = input.lineLimit;
     if (lines == 0 && proposal.height) {
-        const double room = std::floor((*proposal.height + slack) / (measuring_.lineHeight(font) * scale));
+        const double room = std::floor((*proposal.height + slack) / (measuring.lineHeight(font) * scale));
         lines = room < 1 ? 1 : room < 1000 ? static_cast<std::int64_t>(room) : 0;
     }
     const auto scaled = [scale](TextExtent extent) {
         return TextExtent{{extent.size.width * scale, extent.size.height * scale}, extent.baseline * scale};
     };
     if (ideal.size.width * scale <= width + slack) return {scaled(ideal), scale, {}, 0};
-    TextExtent cut = scaled(measuring_.measure(shown, font, width / scale, lines));
+    TextExtent cut = scaled(measuring.measure(shown, font, width / scale, lines));
     cut.size.width = std::min(cut.size.width, width);
     return {cut, scale, width, lines};
-}
-
-PlacedText BoxTree::placeText(
-    const std::string& text, const Inherited& inherited, Point origin, const ProposedSize& proposal) {
-    const TextFit fit = fitText(text, inherited, proposal);
-    return {
-        .frame = {origin.x, origin.y, fit.extent.size.width, fit.extent.size.height},
-        .text = shownText(text, inherited),
-        .font = inherited.font,
-        .scale = fit.scale,
-        .color = inherited.foreground,
-        .width = fit.width,
-        .lines = fit.lines};
 }
 
 }  // namespace zelto::layout
