@@ -81,17 +81,17 @@ int print() {
         .snapshot = nullptr};
     const Formatting formatting({"pt_BR", "America/Sao_Paulo"});
     drawing::Renderer renderer;
-    const auto placement = layout::layOut(
+    const auto displayList = layout::layOut(
         OverviewView{WidgetFamily::systemMedium, entry, formatting}.body(),
         {.size = {344, 164}, .now = entry.date},
         renderer.measuring());
     std::cout << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"344\" "
                  "height=\"164\"><defs><linearGradient id=\"b\" x2=\"0\" "
                  "y2=\"1\"><stop stop-color=\""
-              << ui::hexText(placement.background->top) << "\"/><stop offset=\"1\" stop-color=\""
-              << ui::hexText(placement.background->bottom)
+              << ui::hexText(displayList.background->top) << "\"/><stop offset=\"1\" stop-color=\""
+              << ui::hexText(displayList.background->bottom)
               << "\"/></linearGradient></defs><rect width=\"344\" height=\"164\" fill=\"url(#b)\"/>\n";
-    for (const auto& item : placement.items) std::visit(Writer{renderer.measuring()}, item);
+    for (const auto& item : displayList.items) std::visit(Writer{renderer.measuring()}, item);
     std::cout << "</svg>\n";
     return std::cout ? 0 : 1;
 }

@@ -20,7 +20,7 @@ int main(int argc, char** argv) {
         .snapshot = [&] { return WidgetSnapshot::sample(date); }};
     const Formatting formatting({"pt_BR", "America/Sao_Paulo"});
     drawing::Renderer renderer;
-    std::vector<layout::Placement> looks;
+    std::vector<layout::DisplayList> looks;
     for (auto& widget : ZeltoWidgetBundle{sources}.body())
         for (const WidgetFamily family : widget.info().families) {
             const ui::Size size = sizeOf(family);
@@ -29,7 +29,7 @@ int main(int argc, char** argv) {
         }
     std::uint32_t sum = 0;
     for (int round = 0; round <= rounds; ++round)
-        for (const layout::Placement& look : looks)
+        for (const layout::DisplayList& look : looks)
             for (const double scale : {1.0, 2.0}) sum += renderer.draw(look, scale).pixels[0];
     return sum == 0 ? 1 : 0;
 }

@@ -76,10 +76,10 @@ void drawCold(benchmark::State& state, const Subject& subject) {
 }
 void drawWarm(benchmark::State& state, const Subject& subject) {
     drawing::Renderer renderer;
-    const auto placement = layout::layOut(subject.entry().view, subject.options(), renderer.measuring());
-    drawing::Picture picture = renderer.draw(placement, 2);
+    const auto displayList = layout::layOut(subject.entry().view, subject.options(), renderer.measuring());
+    drawing::Picture picture = renderer.draw(displayList, 2);
     for (auto _ : state) {
-        renderer.draw(placement, 2, drawing::Corners::square, picture);
+        renderer.draw(displayList, 2, drawing::Corners::square, picture);
         benchmark::ClobberMemory();
     }
 }

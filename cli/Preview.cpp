@@ -72,10 +72,10 @@ std::string drawn(
     if (const auto checked = check(entry.view); !checked)
         throw Failure("the view cannot be drawn: " + checked.fault().text());
     drawing::Renderer renderer;
-    const auto placement = layout::layOut(entry.view, {.size = size, .now = now}, renderer.measuring());
+    const auto displayList = layout::layOut(entry.view, {.size = size, .now = now}, renderer.measuring());
     const auto corners = options.corners ? drawing::Corners::rounded : drawing::Corners::square;
-    auto bytes = format == "svg" ? renderer.svg(placement, corners)
-                                 : drawing::encodePNG(renderer.draw(placement, options.scale, corners));
+    auto bytes = format == "svg" ? renderer.svg(displayList, corners)
+                                 : drawing::encodePNG(renderer.draw(displayList, options.scale, corners));
     if (!bytes) throw Failure("the picture could not be made");
     return *std::move(bytes);
 }

@@ -18,7 +18,7 @@ namespace {
 struct Look {
     std::string kind;
     WidgetFamily family;
-    layout::Placement placement;
+    layout::DisplayList displayList;
 };
 
 /// What there is to draw, and what is wrong with the rest.
@@ -90,10 +90,10 @@ void render(const RenderOptions& options) {
         writePNG(
             folder / (look.kind + "-" + familyName(look.family) + ".png"),
             renderer.draw(
-                look.placement,
+                look.displayList,
                 options.scale,
                 options.corners ? drawing::Corners::rounded : drawing::Corners::square));
-        sheet.push_back({grid.place(look.family), &look.placement});
+        sheet.push_back({grid.place(look.family), &look.displayList});
     }
     writePNG(folder / "gallery.png", renderer.drawSheet(sheet, grid.size(), options.scale));
     std::cout << looks.size() << " pictures and gallery.png are in "

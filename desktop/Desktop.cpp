@@ -2,7 +2,7 @@
 
 #include <set>
 
-#include "Words.hpp"
+#include "Strings.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -14,7 +14,7 @@ constexpr double upgradeSeconds = 2;
 
 Desktop::Desktop(DesktopOptions options)
     : options_(std::move(options)),
-      surroundings_(options_.zoom),
+      backend_(options_.zoom),
       links_(options_.linkCommand),
       worker_(std::make_unique<host::ExtensionWorker>(
           options_.extension, host::ExtensionWorker::Seams{
@@ -35,9 +35,9 @@ Desktop::Desktop(DesktopOptions options)
     if (const auto font = drawing::Renderer::substituteFont())
         options_.log("the font Inter is not installed; texts are drawn in " + *font);
     watchMonitors();
-    host_->setMonitors(surroundings_.monitors());
+    host_->setMonitors(backend_.monitors());
     host_->start();
-    for (const auto& [kind, family] : options_.wishes) add(kind, family, std::nullopt);
+    for (const auto& [kind, family] : options_.additions) add(kind, family, std::nullopt);
     if (options_.showsGallery) showGallery();
 }
 
@@ -92,8 +92,8 @@ void Desktop::watchMonitors() {
 }
 
 void Desktop::monitorsChanged() {
-    surroundings_.refresh();
-    host_->setMonitors(surroundings_.monitors());
+    backend_.refresh();
+    host_->setMonitors(backend_.monitors());
 }
 
 void Desktop::arranged(const std::vector<host::ArrangedWidget>& widgets) {
@@ -116,25 +116,25 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
     window = std::make_unique<WidgetWindow>(
         WidgetWindow::Seams{
             .host = *host_,
-            .surroundings = surroundings_,
-            .face =
+            .backend = backend_,
+            .view =
                 {.renderer = renderer_,
                  .now = &Date::now,
                  .open = open,
                  // A window that is cut to the outline has no pixels behind it to be seen.
                  .corners =
-                     surroundings_.isTranslucent() ? drawing::Corners::rounded : drawing::Corners::outlined},
+                     backend_.isTranslucent() ? drawing::Corners::rounded : drawing::Corners::outlined},
             .showGallery = [this] { showGallery(); },
             .closed = [this] { monitorsChanged(); }},
         widget);
     if (const auto* description = host_->offers().find(widget.kind)) window->describe(*description);
-    if (const auto* entry = host_->shown(widget.id)) window->face().present(*entry);
+    if (const auto* entry = host_->shown(widget.id)) window->view().present(*entry);
     return *window;
 }
 
 void Desktop::close(const std::string& id) {
     const auto found = windows_.find(id);
-    // The wish may come from the window itself: it goes away when nothing of it runs any more.
+    // This may run because of the window itself: it goes away when nothing of it runs any more.
     const std::shared_ptr<WidgetWindow> window = std::move(found->second);
     windows_.erase(found);
     window->hide();
@@ -143,7 +143,7 @@ void Desktop::close(const std::string& id) {
 
 void Desktop::shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) {
     if (const auto found = windows_.find(widget.id); found != windows_.end())
-        found->second->face().present(entry);
+        found->second->view().present(entry);
 }
 
 void Desktop::offers(const std::vector<WidgetDescription>& widgets) {
@@ -166,7 +166,7 @@ void Desktop::openLink(const std::string& id, const std::string& url) {
     if (opened) return;
     options_.log(opened.fault().text());
     if (const auto found = windows_.find(id); found != windows_.end())
-        found->second->face().say(words::noHandler);
+        found->second->view().say(strings::noHandler);
 }
 
 void Desktop::showGallery() {
@@ -174,7 +174,7 @@ void Desktop::showGallery() {
         gallery_ = std::make_unique<Gallery>(
             Gallery::Seams{
                 .previews = host_->previews(),
-                .surroundings = surroundings_,
+                .backend = backend_,
                 .renderer = renderer_,
                 .now = &Date::now,
                 .add =

@@ -24,7 +24,7 @@ struct DesktopOptions {
     std::string linkCommand;
     std::optional<double> zoom;
     /// Widgets to be added, by kind and family.
-    std::vector<std::pair<std::string, WidgetFamily>> wishes;
+    std::vector<std::pair<std::string, WidgetFamily>> additions;
     bool showsGallery = false;
     std::function<void(const std::string&)> log;
 };
@@ -55,7 +55,7 @@ class Desktop : public host::HostObserver {
     void add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell);
 
     DesktopOptions options_;
-    Surroundings surroundings_;
+    DisplayBackend backend_;
     drawing::Renderer renderer_;
     host::LinkOpener links_;
     host::WallTimer timer_;

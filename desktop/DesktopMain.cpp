@@ -27,19 +27,19 @@ void log(const std::string& line) {
     std::fprintf(stderr, "zelto-desktop: %s\n", line.c_str());
 }
 
-using Wishes = std::vector<std::pair<std::string, WidgetFamily>>;
+using Additions = std::vector<std::pair<std::string, WidgetFamily>>;
 
 struct Options {
     desktop::DesktopOptions desktop;
     std::string extension, home, machine, now;
-    std::vector<std::string> wishes;
+    std::vector<std::string> additions;
     std::string bus;
     bool gallery = false;
     double scale = 0;
 };
 
 void describe(CLI::App& app, Options& options) {
-    app.add_option("--add", options.wishes, "Add a widget, such as ZeltoBattery:small; may be repeated")
+    app.add_option("--add", options.additions, "Add a widget, such as ZeltoBattery:small; may be repeated")
         ->type_name("KIND:FAMILY");
     app.add_flag("--gallery", options.gallery, "Open the gallery");
     app.add_option("--scale", options.scale, "Scale factor, overriding the desktop's")
@@ -70,21 +70,21 @@ void describe(CLI::App& app, Options& options) {
 }
 
 /// The widgets to be added; absent, with a line in the log, when one is not KIND:FAMILY.
-std::optional<Wishes> wishesOf(const Options& options) {
-    Wishes out;
-    for (const std::string& text : options.wishes) {
-        const auto wish = host::parseWish(text);
-        if (!wish) {
+std::optional<Additions> additionsOf(const Options& options) {
+    Additions out;
+    for (const std::string& text : options.additions) {
+        const auto addition = host::parseAddition(text);
+        if (!addition) {
             log("--add: '" + text + "' is not KIND:FAMILY, such as ZeltoBattery:small");
             return std::nullopt;
         }
-        out.push_back(*wish);
+        out.push_back(*addition);
     }
     return out;
 }
 
-/// Hands the wishes to the host that runs already.
-int handOver(const bus::Address& address, bool wantsGallery, const Wishes& wishes) {
+/// Hands the additions to the host that runs already.
+int handOver(const bus::Address& address, bool wantsGallery, const Additions& additions) {
     bus::Connection running(address, std::string(host::desktopService));
     constexpr std::chrono::seconds deadline{10};
     bool isDone = true;
@@ -93,9 +93,9 @@ int handOver(const bus::Address& address, bool wantsGallery, const Wishes& wishe
         log(called.fault().text);
         isDone = false;
     };
-    for (const auto& [kind, family] : wishes)
+    for (const auto& [kind, family] : additions)
         note(running.call<std::string>("add", deadline, kind, std::string(nameOf(family))));
-    if (wantsGallery || wishes.empty()) note(running.call<void>("gallery", deadline));
+    if (wantsGallery || additions.empty()) note(running.call<void>("gallery", deadline));
     return isDone ? 0 : 1;
 }
 
@@ -120,11 +120,11 @@ bool startToolkit() {
     return true;
 }
 
-desktop::DesktopOptions settingsOf(const Options& options, Wishes wishes) {
+desktop::DesktopOptions settingsOf(const Options& options, Additions additions) {
     desktop::DesktopOptions out = options.desktop;
     out.log = log;
     out.folders = host::Folders::current();
-    out.wishes = std::move(wishes);
+    out.additions = std::move(additions);
     out.showsGallery = options.gallery;
     if (options.scale > 0) out.zoom = options.scale;
     auto& program = out.extension.program;
@@ -150,8 +150,8 @@ int run(int argc, char** argv) {
         log(std::string(error.what()) + " (try --help)");
         return 2;
     }
-    const auto wishes = wishesOf(options);
-    if (!wishes) return 2;
+    const auto additions = additionsOf(options);
+    if (!additions) return 2;
 
     // What was read and decoded on other threads would otherwise stay with arenas of their own.
     mallopt(M_ARENA_MAX, 1);
@@ -168,14 +168,14 @@ int run(int argc, char** argv) {
         desktop::postToMainThread);
     if (!listener) {
         const bus::Error& error = listener.fault();
-        if (error.kind == bus::ErrorKind::nameTaken) return handOver(address, options.gallery, *wishes);
+        if (error.kind == bus::ErrorKind::nameTaken) return handOver(address, options.gallery, *additions);
         log("without a message bus, other programs cannot reach the widgets: " + error.text);
     }
     if (!startToolkit()) {
         log("there is no display; `zelto render` draws pictures without one");
         return 1;
     }
-    desktop = std::make_unique<desktop::Desktop>(settingsOf(options, *wishes));
+    desktop = std::make_unique<desktop::Desktop>(settingsOf(options, *additions));
     gtk_main();
     // Whoever starts the widgets again from here on finds the name free.
     listener = bus::Error{};

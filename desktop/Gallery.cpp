@@ -4,7 +4,7 @@
 #include <gtkmm/cssprovider.h>
 
 #include "PaintPicture.hpp"
-#include "Words.hpp"
+#include "Strings.hpp"
 #include "layout/Layout.hpp"
 
 namespace zelto::desktop {
@@ -40,25 +40,25 @@ Gtk::Label* label(const std::string& text, const char* style) {
 }  // namespace
 
 /// One family of one widget: its picture on a button. The picture is asked for when the gallery opens.
-class Gallery::Look : public Gtk::Button {
+class Gallery::Preview : public Gtk::Button {
   public:
-    Look(Gallery& gallery, const WidgetDescription& widget, WidgetFamily family)
+    Preview(Gallery& gallery, const WidgetDescription& widget, WidgetFamily family)
         : seams_(gallery.seams_), kind_(widget.kind), family_(family) {
         auto* box = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 6));
         const ui::Size size = sizeOf(family);
-        const double zoom = seams_.surroundings.zoom();
+        const double zoom = seams_.backend.zoom();
         canvas_.set_size_request(
             static_cast<int>(std::lround(size.width * zoom)),
             static_cast<int>(std::lround(size.height * zoom)));
-        canvas_.signal_draw().connect(sigc::mem_fun(*this, &Look::drawn));
+        canvas_.signal_draw().connect(sigc::mem_fun(*this, &Preview::drawn));
         box->pack_start(canvas_, Gtk::PACK_SHRINK);
-        auto* name = label(words::nameOf(family), "dim");
+        auto* name = label(strings::nameOf(family), "dim");
         name->set_xalign(0.5);
         box->pack_start(*name, Gtk::PACK_SHRINK);
         add(*box);
         set_relief(Gtk::RELIEF_NONE);
         set_valign(Gtk::ALIGN_END);
-        get_accessible()->set_name(widget.displayName + ", " + words::nameOf(family));
+        get_accessible()->set_name(widget.displayName + ", " + strings::nameOf(family));
         signal_clicked().connect([this] { seams_.add(kind_, family_, std::nullopt); });
         drag_ = Gtk::GestureDrag::create(*this);
         drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
@@ -73,10 +73,10 @@ class Gallery::Look : public Gtk::Button {
   private:
     void show(const ArchivedEntry& entry) {
         const ui::Size size = sizeOf(family_);
-        const auto placement =
+        const auto displayList =
             layout::layOut(entry.view, {.size = size, .now = seams_.now()}, seams_.renderer.measuring());
         picture_ = seams_.renderer.draw(
-            placement, seams_.surroundings.zoom() * get_scale_factor(), drawing::Corners::rounded);
+            displayList, seams_.backend.zoom() * get_scale_factor(), drawing::Corners::rounded);
         canvas_.queue_draw();
     }
 
@@ -87,16 +87,16 @@ class Gallery::Look : public Gtk::Button {
 
     /// The place under the pointer, where the display tells where that is.
     std::optional<host::Slot> target() const {
-        if (seams_.surroundings.placing() != Placing::hints) return std::nullopt;
+        if (seams_.backend.windowKind() != WindowKind::hints) return std::nullopt;
         int x = 0, y = 0;
         GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
         gdk_device_get_position(pointer, nullptr, &x, &y);
-        if (seams_.surroundings.desks().empty()) return std::nullopt;
-        const Desk& desk = seams_.surroundings.desks().front();
+        if (seams_.backend.areas().empty()) return std::nullopt;
+        const MonitorArea& area = seams_.backend.areas().front();
         const ui::Size size = sizeOf(family_);
-        const double zoom = seams_.surroundings.zoom();
-        const layout::Point corner{x - desk.x - size.width * zoom / 2, y - desk.y - size.height * zoom / 2};
-        return seams_.surroundings.slotAt(0, corner, family_);
+        const double zoom = seams_.backend.zoom();
+        const layout::Point corner{x - area.x - size.width * zoom / 2, y - area.y - size.height * zoom / 2};
+        return seams_.backend.slotAt(0, corner, family_);
     }
 
     void dragged(double dx, double dy) {
@@ -107,13 +107,13 @@ class Gallery::Look : public Gtk::Button {
         }
         const auto place = target();
         if (!place) return;
-        if (!ghost_) ghost_ = std::make_unique<Ghost>(seams_.surroundings, family_, picture_);
-        ghost_->place(*place);
+        if (!dragIcon_) dragIcon_ = std::make_unique<DragIcon>(seams_.backend, family_, picture_);
+        dragIcon_->place(*place);
     }
 
     void dropped() {
         if (!std::exchange(isDragging_, false)) return;
-        ghost_.reset();
+        dragIcon_.reset();
         const auto place = target();
         seams_.add(kind_, family_, place ? std::optional(place->cell) : std::nullopt);
     }
@@ -124,13 +124,13 @@ class Gallery::Look : public Gtk::Button {
     Gtk::DrawingArea canvas_;
     drawing::Picture picture_;
     Glib::RefPtr<Gtk::GestureDrag> drag_;
-    std::unique_ptr<Ghost> ghost_;
+    std::unique_ptr<DragIcon> dragIcon_;
     bool isDragging_ = false;
     std::shared_ptr<int> life_ = std::make_shared<int>();
 };
 
 Gallery::Gallery(Seams seams, const std::vector<WidgetDescription>& offered) : seams_(std::move(seams)) {
-    set_title(words::galleryTitle);
+    set_title(strings::galleryTitle);
     addStyle(*this);
     set_default_size(800, 760);
     list_.set_border_width(24);
@@ -146,10 +146,10 @@ Gallery::Gallery(Seams seams, const std::vector<WidgetDescription>& offered) : s
 Gallery::~Gallery() = default;
 
 void Gallery::offer(const std::vector<WidgetDescription>& widgets) {
-    looks_.clear();
+    previews_.clear();
     for (Gtk::Widget* child : list_.get_children()) list_.remove(*child);
     list_.pack_start(
-        *label(widgets.empty() ? words::galleryEmpty : words::galleryHint, "dim"), Gtk::PACK_SHRINK);
+        *label(widgets.empty() ? strings::galleryEmpty : strings::galleryHint, "dim"), Gtk::PACK_SHRINK);
     for (const WidgetDescription& widget : widgets) {
         auto* row = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 4));
         row->pack_start(*label(widget.displayName, "title"), Gtk::PACK_SHRINK);
@@ -157,7 +157,7 @@ void Gallery::offer(const std::vector<WidgetDescription>& widgets) {
         auto* families = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 12));
         for (const WidgetFamily family : widget.families)
             families->pack_start(
-                *looks_.emplace_back(std::make_unique<Look>(*this, widget, family)), Gtk::PACK_SHRINK);
+                *previews_.emplace_back(std::make_unique<Preview>(*this, widget, family)), Gtk::PACK_SHRINK);
         row->pack_start(*families, Gtk::PACK_SHRINK);
         list_.pack_start(*row, Gtk::PACK_SHRINK);
     }

@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-#include "Ghost.hpp"
+#include "DragIcon.hpp"
 #include "drawing/Renderer.hpp"
 #include "host/Previews.hpp"
 
@@ -24,7 +24,7 @@ class Gallery : public Gtk::Window {
   public:
     struct Seams {
         const host::Previews& previews;
-        const Surroundings& surroundings;
+        const DisplayBackend& backend;
         drawing::Renderer& renderer;
         std::function<Date()> now;
         /// Adds a widget, at a place of the first monitor or where there is room.
@@ -36,12 +36,12 @@ class Gallery : public Gtk::Window {
     void offer(const std::vector<WidgetDescription>& widgets);
 
   private:
-    class Look;
+    class Preview;
 
     Seams seams_;
     Gtk::ScrolledWindow scroller_;
     Gtk::Box list_{Gtk::ORIENTATION_VERTICAL, 18};
-    std::vector<std::unique_ptr<Look>> looks_;
+    std::vector<std::unique_ptr<Preview>> previews_;
 };
 
 }  // namespace zelto::desktop

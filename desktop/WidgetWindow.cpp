@@ -7,7 +7,7 @@
 
 #include "MainThread.hpp"
 #include "Outline.hpp"
-#include "Words.hpp"
+#include "Strings.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -17,13 +17,13 @@ constexpr double dragThreshold = 8;  // in the display's units
 }  // namespace
 
 WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
-    : seams_(std::move(seams)), widget_(widget), face_(seams_.face, seams_.surroundings.zoom()) {
-    seams_.surroundings.prepare(*this, "zelto-widget", true);
+    : seams_(std::move(seams)), widget_(widget), view_(seams_.view, seams_.backend.zoom()) {
+    seams_.backend.prepare(*this, "zelto-widget", true);
     set_title(widget.kind);
-    face_.name(widget.kind);
+    view_.name(widget.kind);
     add_events(Gdk::BUTTON_PRESS_MASK | Gdk::VISIBILITY_NOTIFY_MASK);
-    add(face_);
-    face_.show();
+    add(view_);
+    view_.show();
 
     drag_ = Gtk::GestureDrag::create(*this);
     // Before the areas below it, so that a tap that becomes a drag opens nothing.
@@ -32,26 +32,26 @@ WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
     drag_->signal_drag_end().connect([this](double dx, double dy) { end(dx, dy); });
 
     menu_.attach_to_widget(*this);
-    face_.resize(widget.family);
+    view_.resize(widget.family);
 }
 
 void WidgetWindow::arrange(const host::ArrangedWidget& arranged) {
     const auto& [widget, slot] = arranged;
-    const Desk& desk = seams_.surroundings.desks()[slot.monitor];
-    if (widget.family != widget_.family) face_.resize(widget.family);
-    const bool isThere = get_visible() && desk == desk_ && slot == slot_;
+    const MonitorArea& area = seams_.backend.areas()[slot.monitor];
+    if (widget.family != widget_.family) view_.resize(widget.family);
+    const bool isThere = get_visible() && area == area_ && slot == slot_;
     widget_ = widget;
-    desk_ = desk;
+    area_ = area;
     slot_ = slot;
     if (isThere) return;
-    seams_.surroundings.place(*this, slot);
+    seams_.backend.place(*this, slot);
     show();
 }
 
 void WidgetWindow::describe(const WidgetDescription& description) {
     description_ = description;
     set_title(description.displayName);
-    face_.name(description.displayName);
+    view_.name(description.displayName);
 }
 
 void WidgetWindow::makeMenu() {
@@ -63,15 +63,15 @@ void WidgetWindow::makeMenu() {
     };
     if (description_)
         for (const WidgetFamily family : description_->families) {
-            auto* item = new Gtk::CheckMenuItem(words::nameOf(family));
+            auto* item = new Gtk::CheckMenuItem(strings::nameOf(family));
             item->set_draw_as_radio();
             item->set_active(family == widget_.family);
             append(item, [this, family] { setFamily(family); });
         }
     menu_.append(*Gtk::manage(new Gtk::SeparatorMenuItem));
-    append(new Gtk::MenuItem(words::reload), [this] { reloadWidget(); });
-    append(new Gtk::MenuItem(words::addWidgets), [this] { seams_.showGallery(); });
-    append(new Gtk::MenuItem(words::remove), [this] { removeWidget(); });
+    append(new Gtk::MenuItem(strings::reload), [this] { reloadWidget(); });
+    append(new Gtk::MenuItem(strings::addWidgets), [this] { seams_.showGallery(); });
+    append(new Gtk::MenuItem(strings::remove), [this] { removeWidget(); });
     menu_.show_all();
 }
 
@@ -85,7 +85,7 @@ bool WidgetWindow::on_button_press_event(GdkEventButton* event) {
 
 void WidgetWindow::showMenu() {
     makeMenu();
-    menu_.popup_at_widget(&face_, Gdk::GRAVITY_CENTER, Gdk::GRAVITY_NORTH_WEST, nullptr);
+    menu_.popup_at_widget(&view_, Gdk::GRAVITY_CENTER, Gdk::GRAVITY_NORTH_WEST, nullptr);
 }
 
 bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
@@ -144,57 +144,57 @@ bool WidgetWindow::on_delete_event(GdkEventAny*) {
 }
 
 bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {
-    face_.setSeen(event->state != GDK_VISIBILITY_FULLY_OBSCURED);
+    view_.setSeen(event->state != GDK_VISIBILITY_FULLY_OBSCURED);
     return false;
 }
 
 void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
     Gtk::Window::on_size_allocate(allocation);
-    if (!seams_.surroundings.isTranslucent()) shapeToOutline(*this, seams_.surroundings.zoom());
+    if (!seams_.backend.isTranslucent()) shapeToOutline(*this, seams_.backend.zoom());
 }
 
 host::Slot WidgetWindow::target(double dx, double dy) const {
-    const auto& surroundings = seams_.surroundings;
+    const auto& backend = seams_.backend;
     std::size_t monitor = slot_.monitor;
-    layout::Point point = surroundings.position(slot_.cell);
+    layout::Point point = backend.position(slot_.cell);
     point.x += dx;
     point.y += dy;
-    if (surroundings.placing() == Placing::hints) {
+    if (backend.windowKind() == WindowKind::hints) {
         // The widget's middle says which monitor is meant.
         const ui::Size size = sizeOf(widget_.family);
-        const double x = desk_->x + point.x, y = desk_->y + point.y;
-        monitor = surroundings
-                      .deskAt(
-                          static_cast<int>(x + size.width * surroundings.zoom() / 2),
-                          static_cast<int>(y + size.height * surroundings.zoom() / 2))
+        const double x = area_->x + point.x, y = area_->y + point.y;
+        monitor = backend
+                      .monitorAt(
+                          static_cast<int>(x + size.width * backend.zoom() / 2),
+                          static_cast<int>(y + size.height * backend.zoom() / 2))
                       .value_or(monitor);
-        const Desk& desk = surroundings.desks()[monitor];
-        point = {x - desk.x, y - desk.y};
+        const MonitorArea& area = backend.areas()[monitor];
+        point = {x - area.x, y - area.y};
     }
-    return surroundings.slotAt(monitor, point, widget_.family);
+    return backend.slotAt(monitor, point, widget_.family);
 }
 
 void WidgetWindow::update(double dx, double dy) {
-    if (!ghost_) {
+    if (!dragIcon_) {
         if (std::hypot(dx, dy) < dragThreshold) return;
         // From here on it is no tap.
         drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
-        ghost_ = std::make_unique<Ghost>(seams_.surroundings, widget_.family, face_.picture());
+        dragIcon_ = std::make_unique<DragIcon>(seams_.backend, widget_.family, view_.picture());
     }
-    ghost_->place(target(dx, dy));
+    dragIcon_->place(target(dx, dy));
 }
 
 void WidgetWindow::end(double dx, double dy) {
-    if (!ghost_) return;
-    ghost_.reset();
+    if (!dragIcon_) return;
+    dragIcon_.reset();
     moveTo(target(dx, dy));
 }
 
 void WidgetWindow::step(std::int64_t columns, std::int64_t rows) {
     const host::Cell wanted{slot_.cell.column + columns, slot_.cell.row + rows};
     // As far as the monitor goes.
-    const auto& surroundings = seams_.surroundings;
-    moveTo(surroundings.slotAt(slot_.monitor, surroundings.position(wanted), widget_.family));
+    const auto& backend = seams_.backend;
+    moveTo(backend.slotAt(slot_.monitor, backend.position(wanted), widget_.family));
 }
 
 void WidgetWindow::moveTo(host::Slot slot) {
@@ -224,7 +224,7 @@ void WidgetWindow::removeWidget() {
 }
 
 void WidgetWindow::tell(const Result<void>& done) {
-    if (!done) face_.say(words::noRoom);
+    if (!done) view_.say(strings::noRoom);
 }
 
 }  // namespace zelto::desktop

@@ -7,9 +7,9 @@
 #include <memory>
 #include <optional>
 
-#include "Face.hpp"
-#include "Ghost.hpp"
-#include "Surroundings.hpp"
+#include "DisplayBackend.hpp"
+#include "DragIcon.hpp"
+#include "WidgetView.hpp"
 #include "host/WidgetHost.hpp"
 
 namespace zelto::desktop {
@@ -19,8 +19,8 @@ class WidgetWindow : public Gtk::Window {
   public:
     struct Seams {
         host::WidgetHost& host;
-        const Surroundings& surroundings;
-        Face::Seams face;
+        const DisplayBackend& backend;
+        WidgetView::Seams view;
         std::function<void()> showGallery;
         /// The compositor closed the window, which is hidden now.
         std::function<void()> closed;
@@ -31,7 +31,7 @@ class WidgetWindow : public Gtk::Window {
     void arrange(const host::ArrangedWidget& arranged);
     /// What the extension calls it, and which families it offers.
     void describe(const WidgetDescription& description);
-    Face& face() { return face_; }
+    WidgetView& view() { return view_; }
     const std::string& kind() const { return widget_.kind; }
 
   protected:
@@ -60,11 +60,11 @@ class WidgetWindow : public Gtk::Window {
     host::PlacedWidget widget_;
     host::Slot slot_;
     /// Where its monitor was when it was placed.
-    std::optional<Desk> desk_;
+    std::optional<MonitorArea> area_;
     std::optional<WidgetDescription> description_;
-    Face face_;
+    WidgetView view_;
     Glib::RefPtr<Gtk::GestureDrag> drag_;
-    std::unique_ptr<Ghost> ghost_;
+    std::unique_ptr<DragIcon> dragIcon_;
     Gtk::Menu menu_;
     std::shared_ptr<int> life_ = std::make_shared<int>();
 };

@@ -136,11 +136,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!reply) fail(reply.fault().text());
     if (!reply->timeline) fail(reply->error.value_or("no timeline"));
     const ui::Size room = sizeOf(family);
-    const auto placement = layout::layOut(
+    const auto displayList = layout::layOut(
         reply->timeline->entries.front().view, {.size = room, .now = now}, renderer.measuring());
-    for (const auto& link : placement.links)
+    for (const auto& link : displayList.links)
         if (jsonLength(link.name) > ViewBudget().linkNameBytes || link.url.size() > ViewBudget().linkBytes)
             fail("a link beyond the budget");
-    renderer.draw(placement, 0.5);
+    renderer.draw(displayList, 0.5);
     return 0;
 }

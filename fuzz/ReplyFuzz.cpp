@@ -14,10 +14,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const auto reply = decodeReply({reinterpret_cast<const char*>(data), size});
     if (!reply) return 0;
     const auto show = [](const ui::View& view) {
-        const auto placement =
+        const auto displayList =
             layout::layOut(view, {.size = {164, 164}, .now = {800000000}}, renderer.measuring());
-        if (layout::dump(placement).empty() || ui::outline(view).empty()) std::abort();
-        renderer.draw(placement, 0.5);
+        if (layout::dump(displayList).empty() || ui::outline(view).empty()) std::abort();
+        renderer.draw(displayList, 0.5);
     };
     if (reply->entry) show(reply->entry->view);
     if (reply->timeline) show(reply->timeline->entries.front().view);

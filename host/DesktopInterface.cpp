@@ -106,7 +106,7 @@ bus::Result<bus::Listener> listenAsDesktop(
          .dispatch = std::move(dispatch)});
 }
 
-std::optional<std::pair<std::string, WidgetFamily>> parseWish(const std::string& text) {
+std::optional<std::pair<std::string, WidgetFamily>> parseAddition(const std::string& text) {
     const auto colon = text.rfind(':');
     if (colon == std::string::npos || colon == 0) return std::nullopt;
     const std::string name = text.substr(colon + 1);

@@ -25,7 +25,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// How long a process that was asked to end, by closing its input, or that closed its output, may take.
-constexpr std::chrono::milliseconds patience{2000};
+constexpr std::chrono::milliseconds exitGrace{2000};
 
 struct Pipe {
     FileDescriptor read, write;
@@ -112,7 +112,7 @@ ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
       output_(std::move(other.output_)),
       errors_(std::move(other.errors_)),
       received_(std::move(other.received_)),
-      said_(std::move(other.said_)),
+      stderr_(std::move(other.stderr_)),
       failure_(std::move(other.failure_)),
       lastID_(other.lastID_) {}
 
@@ -122,11 +122,11 @@ ExtensionProcess::~ExtensionProcess() {
     input_.reset();
     output_.reset();
     errors_.reset();
-    if (!endsWithin(patience)) kill(pid_, SIGKILL);
+    if (!waitForExit(exitGrace)) ::kill(pid_, SIGKILL);
     waitpid(pid_, nullptr, 0);
 }
 
-bool ExtensionProcess::endsWithin(std::chrono::milliseconds allowed) const {
+bool ExtensionProcess::waitForExit(std::chrono::milliseconds allowed) const {
     const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
     const auto deadline = Clock::now() + allowed;
     pollfd gone{process.get(), POLLIN, 0};
@@ -136,36 +136,36 @@ bool ExtensionProcess::endsWithin(std::chrono::milliseconds allowed) const {
     return ready > 0;
 }
 
-std::string ExtensionProcess::farewell() {
+std::string ExtensionProcess::reap() {
     input_.reset();
     // A process that ends closes its output a little before it is gone.
-    if (!endsWithin(patience)) {
-        end();
-        return "the widget extension closed its output" + lastWords();
+    if (!waitForExit(exitGrace)) {
+        kill();
+        return "the widget extension closed its output" + stderrTail();
     }
     int status = 0;
     waitpid(pid_, &status, 0);
     pid_ = -1;
-    return describe(status) + lastWords();
+    return describe(status) + stderrTail();
 }
 
 /// Takes some of what it says on its standard error, and keeps the end of it.
-bool ExtensionProcess::listen() {
+bool ExtensionProcess::drainStderr() {
     constexpr std::size_t most = 1024;
     std::array<char, 4096> buffer;
     const ssize_t count = read(errors_.get(), buffer.data(), buffer.size());
     if (count <= 0) return false;
-    said_.append(buffer.data(), static_cast<std::size_t>(count));
-    if (said_.size() > most) said_.erase(0, said_.size() - most);
+    stderr_.append(buffer.data(), static_cast<std::size_t>(count));
+    if (stderr_.size() > most) stderr_.erase(0, stderr_.size() - most);
     return true;
 }
 
 /// The end of what it said, once it is gone, to be put behind the report of that.
-std::string ExtensionProcess::lastWords() {
+std::string ExtensionProcess::stderrTail() {
     // No more than a pipe holds: somebody else may have it open still.
-    for (int i = 0; i < 32 && listen(); ++i) {
+    for (int i = 0; i < 32 && drainStderr(); ++i) {
     }
-    std::string words = std::exchange(said_, {});
+    std::string words = std::exchange(stderr_, {});
     while (words.ends_with('\n')) words.pop_back();
     // One line of log, whatever it said.
     for (char& c : words)
@@ -173,18 +173,18 @@ std::string ExtensionProcess::lastWords() {
     return words.empty() ? "" : "; its last words: " + words;
 }
 
-void ExtensionProcess::end() {
-    kill(pid_, SIGKILL);
+void ExtensionProcess::kill() {
+    ::kill(pid_, SIGKILL);
     waitpid(pid_, nullptr, 0);
     pid_ = -1;
 }
 
-std::optional<std::string> ExtensionProcess::ending() {
+std::optional<std::string> ExtensionProcess::exitReason() {
     if (pid_ < 0) return "the widget extension has ended";
     pollfd output{output_.get(), POLLIN, 0};
     // Nothing was asked: whatever comes is its end, or as bad.
     if (poll(&output, 1, 0) <= 0) return std::nullopt;
-    return farewell();
+    return reap();
 }
 
 bool ExtensionProcess::sendSome(std::string& pending) {
@@ -229,8 +229,8 @@ std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
     while (!exchange.open.empty()) {
         const auto now = Clock::now();
         if (now >= exchange.deadline) {
-            end();
-            return "the widget extension did not answer in time" + lastWords();
+            kill();
+            return "the widget extension did not answer in time" + stderrTail();
         }
         if (!exchange.answered.empty() && now >= quietUntil) return "";
         std::array<pollfd, 4> ends{
@@ -245,12 +245,12 @@ std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
             return std::string("cannot wait for the widget extension: ") + std::strerror(errno);
         if (ready <= 0) continue;
         if (ends[2].revents != 0) return "the request was cancelled";
-        if (ends[3].revents != 0 && !listen()) errors_.reset();
+        if (ends[3].revents != 0 && !drainStderr()) errors_.reset();
         // A broken input shows on the output too, as its end.
         if (ends[1].revents != 0 && !sendSome(exchange.pending)) exchange.pending.clear();
         std::string failure;
         if (ends[0].revents != 0) {
-            if (!receiveSome()) failure = farewell();
+            if (!receiveSome()) failure = reap();
             quietUntil = Clock::now() + together;
         }
         if (const std::string nonsense = takeReplies(exchange); !nonsense.empty()) failure = nonsense;
@@ -277,7 +277,7 @@ void ExtensionProcess::exchange(
         failure = serve(exchange, cancel);
         if (failure.empty() && !exchange.open.empty()) deliver(std::exchange(exchange.answered, {}));
     }
-    if (!failure.empty() && pid_ > 0) end();
+    if (!failure.empty() && pid_ > 0) kill();
     failure_ = failure;
     for (const auto& [id, place] : exchange.open) exchange.answered.emplace(place, NoReply{failure, true});
     if (!exchange.answered.empty()) deliver(std::move(exchange.answered));

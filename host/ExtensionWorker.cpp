@@ -199,7 +199,7 @@ void ExtensionWorker::askAgain(const Death& death, const Deliver& deliver) {
 Result<void> ExtensionWorker::startProcess() {
     if (isOutdated()) process_.reset();
     if (process_)
-        if (const auto ending = process_->ending()) {
+        if (const auto ending = process_->exitReason()) {
             process_.reset();
             backOff(*ending);
         }

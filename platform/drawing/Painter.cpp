@@ -347,9 +347,9 @@ class ItemPainter {
 
 }  // namespace
 
-void paint(cairo_t* context, const layout::Placement& placement, const PaintingTools& tools) {
+void paint(cairo_t* context, const layout::DisplayList& displayList, const PaintingTools& tools) {
     const ItemPainter painter(context, tools);
-    for (const layout::PlacedItem& item : placement.items) std::visit(painter, item);
+    for (const layout::DisplayItem& item : displayList.items) std::visit(painter, item);
 }
 
 }  // namespace zelto::drawing

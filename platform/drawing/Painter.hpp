@@ -3,7 +3,7 @@
 #include "Handles.hpp"
 #include "Masks.hpp"
 #include "Typesetter.hpp"
-#include "layout/Placement.hpp"
+#include "layout/DisplayList.hpp"
 
 namespace zelto::drawing {
 
@@ -15,7 +15,7 @@ struct PaintingTools {
     bool toPixels = true;
 };
 
-/// Paints the items of a placement; the container background is the caller's.
-void paint(cairo_t* context, const layout::Placement& placement, const PaintingTools& tools);
+/// Paints the items of a displayList; the container background is the caller's.
+void paint(cairo_t* context, const layout::DisplayList& displayList, const PaintingTools& tools);
 
 }  // namespace zelto::drawing

@@ -135,22 +135,22 @@ std::optional<std::string> Renderer::substituteFont() {
     return Typesetter::substituteFont();
 }
 
-Picture Renderer::draw(const layout::Placement& placement, double scale, Corners corners) {
+Picture Renderer::draw(const layout::DisplayList& displayList, double scale, Corners corners) {
     Picture picture;
-    draw(placement, scale, corners, picture);
+    draw(displayList, scale, corners, picture);
     return picture;
 }
 
-void Renderer::draw(const layout::Placement& placement, double scale, Corners corners, Picture& picture) {
-    resize(picture, placement.size, scale);
-    redraw(placement, scale, corners, {0, 0, placement.size.width, placement.size.height}, picture);
+void Renderer::draw(const layout::DisplayList& displayList, double scale, Corners corners, Picture& picture) {
+    resize(picture, displayList.size, scale);
+    redraw(displayList, scale, corners, {0, 0, displayList.size.width, displayList.size.height}, picture);
 }
 
 void Renderer::redraw(
-    const layout::Placement& placement, double scale, Corners corners, layout::Rect within,
+    const layout::DisplayList& displayList, double scale, Corners corners, layout::Rect within,
     Picture& picture) {
     const PixelArea area = PixelArea::touched(within, scale, picture);
-    fillBackground(picture, placement.background, area);
+    fillBackground(picture, displayList.background, area);
     const Surface surface = surfaceOver(picture);
     const Context context(cairo_create(surface.get()));
     cairo_rectangle(context.get(), area.left, area.top, area.right - area.left, area.bottom - area.top);
@@ -158,10 +158,10 @@ void Renderer::redraw(
     cairo_scale(context.get(), scale, scale);
     {
         const SavedState saved(context.get());
-        paint(context.get(), placement, state_->tools(true));
+        paint(context.get(), displayList, state_->tools(true));
     }
-    if (corners == Corners::rounded) clearCorners(context.get(), placement.size);
-    if (corners != Corners::square) paintRim(context.get(), placement.size, scale);
+    if (corners == Corners::rounded) clearCorners(context.get(), displayList.size);
+    if (corners != Corners::square) paintRim(context.get(), displayList.size, scale);
     cairo_surface_flush(surface.get());
 }
 
@@ -180,45 +180,45 @@ Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size,
     cairo_set_source(context, backdrop.get());
     cairo_paint(context);
 
-    for (const auto& [origin, placement] : items) {
+    for (const auto& [origin, displayList] : items) {
         const SavedState saved(context);
         cairo_translate(context, origin.x, origin.y);
-        paintShadow(context, placement->size);
-        addOutline(context, placement->size);
-        if (placement->background) {
-            const Pattern gradient = gradientPattern(*placement->background, placement->size.height);
+        paintShadow(context, displayList->size);
+        addOutline(context, displayList->size);
+        if (displayList->background) {
+            const Pattern gradient = gradientPattern(*displayList->background, displayList->size.height);
             cairo_set_source(context, gradient.get());
             cairo_fill_preserve(context);
         }
         cairo_clip(context);
-        paint(context, *placement, state_->tools(true));
-        paintRim(context, placement->size, scale);
+        paint(context, *displayList, state_->tools(true));
+        paintRim(context, displayList->size, scale);
     }
     cairo_surface_flush(surface.get());
     return picture;
 }
 
-std::optional<std::string> Renderer::svg(const layout::Placement& placement, Corners corners) {
+std::optional<std::string> Renderer::svg(const layout::DisplayList& displayList, Corners corners) {
     std::string out;
     const auto append = [](void* closure, const unsigned char* data, unsigned int length) {
         static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
         return CAIRO_STATUS_SUCCESS;
     };
     {
-        const Surface surface(
-            cairo_svg_surface_create_for_stream(append, &out, placement.size.width, placement.size.height));
+        const Surface surface(cairo_svg_surface_create_for_stream(
+            append, &out, displayList.size.width, displayList.size.height));
         cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
         const Context context(cairo_create(surface.get()));
         if (corners != Corners::square) {
-            addOutline(context.get(), placement.size);
+            addOutline(context.get(), displayList.size);
             cairo_clip(context.get());
         }
-        if (placement.background) {
-            const Pattern gradient = gradientPattern(*placement.background, placement.size.height);
+        if (displayList.background) {
+            const Pattern gradient = gradientPattern(*displayList.background, displayList.size.height);
             cairo_set_source(context.get(), gradient.get());
             cairo_paint(context.get());
         }
-        paint(context.get(), placement, state_->tools(false));
+        paint(context.get(), displayList, state_->tools(false));
         cairo_surface_finish(surface.get());
         if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return std::nullopt;
     }

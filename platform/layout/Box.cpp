@@ -25,7 +25,7 @@ struct ApplyModifier {
     using Result = std::optional<BoxModifier>;
 
     Inherited& inherited;
-    Placement& placement;
+    DisplayList& displayList;
 
     Result operator()(const ui::modifier::Font& font) const {
         inherited.font = font;
@@ -46,11 +46,11 @@ struct ApplyModifier {
     }
     // Of the whole widget: the outermost one is met first and stays.
     Result operator()(const ui::modifier::WidgetURL& link) const {
-        if (!placement.widgetURL) placement.widgetURL = link.url;
+        if (!displayList.widgetURL) displayList.widgetURL = link.url;
         return {};
     }
     Result operator()(const ui::modifier::ContainerBackground& background) const {
-        if (!placement.background) placement.background = background.gradient;
+        if (!displayList.background) displayList.background = background.gradient;
         return {};
     }
     // Nothing of it shows.
@@ -73,8 +73,8 @@ ui::Color resolve(const ui::Style& style, const Inherited& inherited) {
     return inherited.primary.withOpacity(inherited.primary.opacity * secondaryOpacity);
 }
 
-BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Placement& placement)
-    : root_(0), now_(now), measuring_(measuring), placement_(placement) {
+BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, DisplayList& displayList)
+    : root_(0), now_(now), measuring_(measuring), displayList_(displayList) {
     boxes_.reserve(128);
     root_ = build(view, view.modifiers.size(), {});
 }
@@ -82,7 +82,7 @@ BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Place
 std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherited inherited) {
     if (modifiers == 0) return buildNode(view, inherited);
     const ui::Modifier& modifier = view.modifiers[modifiers - 1];
-    const auto boxed = std::visit(ApplyModifier{inherited, placement_}, modifier);
+    const auto boxed = std::visit(ApplyModifier{inherited, displayList_}, modifier);
     if (!boxed) return build(view, modifiers - 1, inherited);
     const std::size_t index = boxes_.size();
     boxes_.push_back(

@@ -8,7 +8,7 @@
 #include "BoxModifier.hpp"
 #include "Stack.hpp"
 #include "TextFit.hpp"
-#include "layout/Placement.hpp"
+#include "layout/DisplayList.hpp"
 #include "layout/TextMeasuring.hpp"
 #include "ui/View.hpp"
 
@@ -45,7 +45,7 @@ struct Box {
 /// Grid.hpp, TextFit.hpp, BoxModifier.hpp), and what they answer becomes frames.
 class BoxTree {
   public:
-    BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, Placement& placement);
+    BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, DisplayList& displayList);
 
     std::size_t root() const { return root_; }
     Size measure(std::size_t box, const ProposedSize& proposal);
@@ -76,7 +76,7 @@ class BoxTree {
     std::size_t root_;
     Date now_;
     TextMeasuring& measuring_;
-    Placement& placement_;
+    DisplayList& displayList_;
 };
 
 /// A box's children, for the algorithms.

@@ -32,7 +32,7 @@ void BoxTree::emit(const Box& box, Rect frame, const ProposedSize& proposal) {
         const ProposedSize& proposal;
 
         Point origin() const { return {frame.x, frame.y}; }
-        void put(PlacedItem item) const { tree.placement_.items.push_back(std::move(item)); }
+        void put(DisplayItem item) const { tree.displayList_.items.push_back(std::move(item)); }
 
         void operator()(const ui::node::Text& text) const {
             if (!text.text.empty()) put(tree.placeText(text.text, box, origin(), proposal));
@@ -77,10 +77,10 @@ void BoxTree::emit(const Box& box, const BoxModifier& modifier, Rect frame, cons
 
         std::size_t child() const { return box.children.front(); }
         void placeInside() const { tree.place(child(), {frame.x, frame.y}, inside); }
-        void placeBetween(PlacedItem begin) const {
-            tree.placement_.items.push_back(std::move(begin));
+        void placeBetween(DisplayItem begin) const {
+            tree.displayList_.items.push_back(std::move(begin));
             placeInside();
-            tree.placement_.items.emplace_back(End{});
+            tree.displayList_.items.emplace_back(End{});
         }
 
         void operator()(const ui::modifier::Padding* padding) const {
@@ -92,7 +92,7 @@ void BoxTree::emit(const Box& box, const BoxModifier& modifier, Rect frame, cons
             tree.place(child(), {frame.x, frame.y}, {frame.width, frame.height});
         }
         void operator()(const ui::modifier::Background* background) const {
-            tree.placement_.items.emplace_back(PlacedShape{
+            tree.displayList_.items.emplace_back(PlacedShape{
                 frame, background->geometry, {}, ui::Fill{resolve(background->style, box.inherited)}});
             placeInside();
         }
@@ -103,7 +103,7 @@ void BoxTree::emit(const Box& box, const BoxModifier& modifier, Rect frame, cons
             placeBetween(BeginClip{frame, clip->geometry});
         }
         void operator()(const ui::modifier::Link* link) const {
-            tree.placement_.links.push_back(
+            tree.displayList_.links.push_back(
                 {frame, link->url, ui::joined(ui::readingTexts(*box.view, tree.now_))});
             placeInside();
         }

@@ -6,10 +6,10 @@
 
 namespace zelto::layout {
 
-Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuring& measuring) {
-    Placement placement;
-    placement.size = options.size;
-    BoxTree tree(view, options.now, measuring, placement);
+DisplayList layOut(const ui::View& view, const LayoutOptions& options, TextMeasuring& measuring) {
+    DisplayList displayList;
+    displayList.size = options.size;
+    BoxTree tree(view, options.now, measuring, displayList);
     const Size content{
         std::max(options.size.width - 2 * options.margin, 0.0),
         std::max(options.size.height - 2 * options.margin, 0.0)};
@@ -21,7 +21,7 @@ Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuri
         {options.margin + (content.width - size.width) / 2,
          options.margin + std::max((content.height - size.height) / 2, 0.0)},
         proposal);
-    return placement;
+    return displayList;
 }
 
 }  // namespace zelto::layout

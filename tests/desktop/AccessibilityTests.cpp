@@ -55,9 +55,9 @@ TEST_F(Accessibility, FindsEveryWidgetItsLinksAndItsText) {
     for (const auto& each : eleven()) {
         const auto description = std::ranges::find(all, each.kind, &WidgetDescription::kind);
         const std::string group = groupOf(found, description->displayName);
-        const auto placement = desktop.placement(each);
+        const auto displayList = desktop.displayList(each);
         EXPECT_NE(group.find("link \"" + description->displayName + "\""), std::string::npos) << group;
-        for (const auto& link : placement.links)
+        for (const auto& link : displayList.links)
             EXPECT_NE(
                 group.find("link \"" + (link.name.empty() ? description->displayName : link.name) + "\""),
                 std::string::npos)

@@ -67,17 +67,17 @@ TEST_P(DesktopOn, ATapOpensTheLinkUnderIt) {
     startWith(eleven());
     std::set<std::string> opened;
     for (const PlacedWidget& each : desktop.widgets()) {
-        const auto placement = desktop.placement(each);
-        ASSERT_TRUE(placement.widgetURL) << each.kind;
+        const auto displayList = desktop.displayList(each);
+        ASSERT_TRUE(displayList.widgetURL) << each.kind;
         const auto tap = [&](layout::Point point) {
             const auto [x, y] = RunningDesktop::onDisplay(each, point);
             display().click(x, y);
             const auto url = desktop.openedLink();
-            EXPECT_EQ(url, placement.linkAt(point)) << each.kind;
+            EXPECT_EQ(url, displayList.linkAt(point)) << each.kind;
             if (url) opened.insert(url->substr(0, url->find_first_of("?", 8)));
         };
         tap({8, 82});
-        for (const auto& link : placement.links) tap(link.frame.center());
+        for (const auto& link : displayList.links) tap(link.frame.center());
     }
     EXPECT_EQ(
         opened,
@@ -106,7 +106,7 @@ TEST_P(DesktopOn, ADragMovesAWidgetOnTheGridAndOpensNothing) {
 TEST_P(DesktopOn, KeysWalkLinksChangeTheFamilyMoveAndRemove) {
     startWith({widget("ZeltoAwake", WidgetFamily::systemMedium, 1, 1)});
     focus(only());
-    const auto links = desktop.placement(only()).links;
+    const auto links = desktop.displayList(only()).links;
     ASSERT_GE(links.size(), 4U);
     // The widget itself has the focus first.
     display().key("Tab");
@@ -216,11 +216,11 @@ TEST_P(DesktopOn, TheGalleryAddsWidgets) {
 
 TEST_P(DesktopOn, ACountdownRunsInItsOwnRectangle) {
     startWith({widget("ZeltoAwake", WidgetFamily::systemSmall, 0, 0)});
-    const auto placement = desktop.placement(only());
-    const auto countdown = std::ranges::find_if(placement.items, [](const auto& item) {
+    const auto displayList = desktop.displayList(only());
+    const auto countdown = std::ranges::find_if(displayList.items, [](const auto& item) {
         return std::holds_alternative<layout::PlacedCountdown>(item);
     });
-    ASSERT_NE(countdown, placement.items.end());
+    ASSERT_NE(countdown, displayList.items.end());
     const auto first = display().screenshot();
     for (int i = 0; i < 2; ++i) {
         const auto before = display().screenshot();

@@ -31,9 +31,9 @@ TEST_F(Outline, OfAWindowIsThatOfTheWidget) {
     desktop.start();
     ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
     drawing::Renderer renderer;
-    const auto placement = desktop.placement(fans);
-    const auto rounded = renderer.draw(placement, 1, drawing::Corners::rounded);
-    const auto outlined = renderer.draw(placement, 1, drawing::Corners::outlined);
+    const auto displayList = desktop.displayList(fans);
+    const auto rounded = renderer.draw(displayList, 1, drawing::Corners::rounded);
+    const auto outlined = renderer.draw(displayList, 1, drawing::Corners::outlined);
     const auto shot = display->screenshot();
     const auto [left, top] = RunningDesktop::onDisplay(fans, {0, 0});
     int clear = 0, covered = 0;
@@ -49,7 +49,7 @@ TEST_F(Outline, OfAWindowIsThatOfTheWidget) {
     EXPECT_GT(covered, 5000);
 }
 
-TEST_F(Outline, OfTheGhostIsTheSame) {
+TEST_F(Outline, OfTheDragIconIsTheSame) {
     const auto fans = widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0);
     desktop.place({fans});
     desktop.start();

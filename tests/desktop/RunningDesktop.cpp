@@ -132,7 +132,7 @@ std::optional<ArchivedEntry> RunningDesktop::entry(const host::PlacedWidget& wid
     return *schedule.shown(widget.id);
 }
 
-layout::Placement RunningDesktop::placement(const host::PlacedWidget& widget) {
+layout::DisplayList RunningDesktop::displayList(const host::PlacedWidget& widget) {
     const auto shown = entry(widget);
     if (!shown) throw std::runtime_error("no timeline for " + widget.kind);
     const ui::Size size = sizeOf(widget.family);
@@ -142,7 +142,7 @@ layout::Placement RunningDesktop::placement(const host::PlacedWidget& widget) {
 bool RunningDesktop::isSeen(
     const host::PlacedWidget& widget, double zoom, double pixelsPerUnit, double tolerance, int monitorLeft) {
     if (!entry(widget)) return false;
-    const auto wanted = placement(widget);
+    const auto wanted = displayList(widget);
     const double scale = zoom * pixelsPerUnit;
     const auto picture = renderer_.draw(wanted, scale, drawing::Corners::rounded);
     const auto shot = display_.screenshot();

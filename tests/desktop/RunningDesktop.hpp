@@ -41,7 +41,7 @@ class RunningDesktop {
 
     /// What a widget's stored timeline shows now; absent while there is none.
     std::optional<ArchivedEntry> entry(const host::PlacedWidget& widget) const;
-    layout::Placement placement(const host::PlacedWidget& widget);
+    layout::DisplayList displayList(const host::PlacedWidget& widget);
     /// Whether the display shows just that, but for the seconds of a countdown.
     /// `left` is where its monitor begins; up to `tolerance` of 255 each channel may be off on the average.
     bool isSeen(

@@ -270,7 +270,7 @@ TEST_F(Hosted, WidgetsStandBesideEachOther) {
     // On another monitor there is room everywhere.
     EXPECT_EQ(refusal(host->move(wide, "DP-2", {2, 0})), "");
     EXPECT_EQ(host->widgets()[3].monitor, "DP-2");
-    // A wish for a taken place is met where there is room.
+    // A widget for a taken place goes where there is room.
     add("Battery", WidgetFamily::systemSmall, Cell{0, 0});
     EXPECT_EQ(host->widgets()[4].cell(), (Cell{0, 1}));
 }
@@ -285,7 +285,7 @@ TEST_F(Hosted, AWidgetThatGrowsIntoAnotherMovesAway) {
         refusal(host->setFamily(id, WidgetFamily::systemLarge)), "Battery is not offered as systemLarge");
 }
 
-TEST_F(Hosted, WishesThatMakeNoSenseAreRefused) {
+TEST_F(Hosted, InvalidChangesAreRefused) {
     start();
     EXPECT_EQ(refusal(host->add("Nothing", WidgetFamily::systemSmall)), "no widget 'Nothing'");
     EXPECT_EQ(
@@ -491,10 +491,10 @@ TEST_F(OnTheBus, WhatMakesNoSenseIsAnsweredWithWhy) {
     EXPECT_EQ(call("reload", {"Nothing"}), "no widget 'Nothing'");
 }
 
-TEST(Wishes, AreAKindAndAFamily) {
+TEST(Additions, AreAKindAndAFamily) {
     const auto parse = [](const std::string& text) {
-        const auto wish = parseWish(text);
-        return wish ? wish->first + " " + std::string(nameOf(wish->second)) : "nothing";
+        const auto addition = parseAddition(text);
+        return addition ? addition->first + " " + std::string(nameOf(addition->second)) : "nothing";
     };
     EXPECT_EQ(parse("ZeltoBattery:small"), "ZeltoBattery systemSmall");
     EXPECT_EQ(parse("ZeltoBattery:systemLarge"), "ZeltoBattery systemLarge");

@@ -17,14 +17,14 @@ namespace {
 struct Typography : testing::Test {
     drawing::Renderer renderer;
 
-    layout::Placement place(const std::string& kind, WidgetFamily family, const Look& look) {
+    layout::DisplayList place(const std::string& kind, WidgetFamily family, const Look& look) {
         const ui::Size size = sizeOf(family);
         return layout::layOut(
             view(kind, family, look), {.size = size, .now = look.now}, renderer.measuring());
     }
     static std::optional<layout::PlacedText> find(
-        const layout::Placement& placement, const std::string& text) {
-        for (const auto& item : placement.items)
+        const layout::DisplayList& displayList, const std::string& text) {
+        for (const auto& item : displayList.items)
             if (const auto* placed = std::get_if<layout::PlacedText>(&item); placed && placed->text == text)
                 return *placed;
         return std::nullopt;
@@ -42,10 +42,10 @@ TEST_F(Typography, CareKeepsItsTitleAtEveryAge) {
             Look look = sample();
             look.environment.locale = locale;
             look.snapshot->careDate = wednesday - age;
-            const auto placement = place("ZeltoCare", small, look);
-            EXPECT_TRUE(isWhole(find(placement, "Cuidados"))) << locale << " " << age;
+            const auto displayList = place("ZeltoCare", small, look);
+            EXPECT_TRUE(isWhole(find(displayList, "Cuidados"))) << locale << " " << age;
             const std::string when = Formatting(look.environment).relativeDate(wednesday - age, wednesday);
-            const auto trailing = find(placement, when);
+            const auto trailing = find(displayList, when);
             ASSERT_TRUE(isWhole(trailing)) << locale << " " << when;
             EXPECT_GE(trailing->scale, 0.6);
             EXPECT_LE(trailing->frame.height, 11) << when;
@@ -62,12 +62,12 @@ TEST_F(Typography, WorldClockKeepsItsTimesWholeInTwelveHourLocales) {
             look.environment.locale = locale;
             look.date = wednesday + minutes * 60;
             look.snapshot->clockZones = {"America/Argentina/Buenos_Aires", "Asia/Ho_Chi_Minh"};
-            const auto placement = place("ZeltoWorldClock", small, look);
+            const auto displayList = place("ZeltoWorldClock", small, look);
             const Formatting formatting(look.environment);
             for (const std::string zone :
                  {"America/Sao_Paulo", "Asia/Ho_Chi_Minh", "America/Argentina/Buenos_Aires"}) {
                 const std::string time = formatting.shortTime(look.date, zone);
-                const auto placed = find(placement, time);
+                const auto placed = find(displayList, time);
                 ASSERT_TRUE(isWhole(placed)) << locale << " " << time;
                 EXPECT_EQ(placed->scale, 1) << time;
                 EXPECT_EQ(placed->frame.height, 16) << time;
@@ -155,11 +155,11 @@ TEST_F(Typography, LettersStandWhereTheyBelong) {
                     placed.frame = {4, 4, text->frame.width, text->frame.height};
                     placed.color = {1, 1, 1};
                     placed.text = part;
-                    layout::Placement placement;
-                    placement.size = {text->frame.width + 12, text->frame.height + 8};
-                    placement.background = ui::LinearGradient{{0, 0, 0}, {0, 0, 0}};
-                    placement.items = {placed};
-                    return renderer.draw(placement, scale);
+                    layout::DisplayList displayList;
+                    displayList.size = {text->frame.width + 12, text->frame.height + 8};
+                    displayList.background = ui::LinearGradient{{0, 0, 0}, {0, 0, 0}};
+                    displayList.items = {placed};
+                    return renderer.draw(displayList, scale);
                 };
                 constexpr double fine = 12;
                 std::array before{drawn("", 1), drawn("", fine)};

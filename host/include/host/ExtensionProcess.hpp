@@ -60,7 +60,7 @@ class ExtensionProcess {
         std::vector<Request> requests, const std::function<void(Outcomes)>& deliver, int cancel = -1);
 
     /// How it ended, if it has; it is of no use then.
-    std::optional<std::string> ending();
+    std::optional<std::string> exitReason();
     /// False when there is nothing left to ask.
     bool isUsable() const { return pid_ > 0; }
     /// Why it is of no use.
@@ -87,11 +87,11 @@ class ExtensionProcess {
     bool receiveSome();
     std::string takeReplies(Exchange& exchange);
     std::string serve(Exchange& exchange, int cancel);
-    std::string farewell();
-    bool endsWithin(std::chrono::milliseconds allowed) const;
-    bool listen();
-    std::string lastWords();
-    void end();
+    std::string reap();
+    bool waitForExit(std::chrono::milliseconds allowed) const;
+    bool drainStderr();
+    std::string stderrTail();
+    void kill();
 
     pid_t pid_;
     std::chrono::milliseconds deadline_;
@@ -99,7 +99,7 @@ class ExtensionProcess {
     FileDescriptor output_;
     FileDescriptor errors_;
     std::string received_;
-    std::string said_;
+    std::string stderr_;
     std::string failure_;
     std::int64_t lastID_ = 0;
 };

@@ -23,11 +23,11 @@ Picture draw(
     View view, layout::Size size, double scale = 1, drawing::Corners corners = drawing::Corners::square,
     LinearGradient background = black) {
     Renderer renderer;
-    const auto placement = layout::layOut(
+    const auto displayList = layout::layOut(
         std::move(view).containerBackground(background),
         {.size = size, .margin = 0, .now = {0}},
         renderer.measuring());
-    return renderer.draw(placement, scale, corners);
+    return renderer.draw(displayList, scale, corners);
 }
 
 int redOf(std::uint32_t pixel) {
@@ -287,12 +287,12 @@ TEST(TextDrawing, KeepsACutTextFromRightToLeftInItsFrame) {
     const std::string title = "مراجعة المشروع الأسبوعية مع الفريق كله في المكتب";
     for (int width = 40; width < 200; width += 7) {
         Renderer renderer;
-        const auto placement = layout::layOut(
+        const auto displayList = layout::layOut(
             HStack({.spacing = 0}, Text(title).font(11).lineLimit(1), Spacer(0)).containerBackground(black),
             {.size = {static_cast<double>(width), 20}, .margin = 0, .now = {0}},
             renderer.measuring());
-        const auto& frame = std::get<layout::PlacedText>(placement.items.at(0)).frame;
-        const auto runs = inkRuns(renderer.draw(placement, 2));
+        const auto& frame = std::get<layout::PlacedText>(displayList.items.at(0)).frame;
+        const auto runs = inkRuns(renderer.draw(displayList, 2));
         ASSERT_FALSE(runs.empty());
         EXPECT_GE(runs.front().first, 2 * frame.x - 2) << width;
         EXPECT_LE(runs.back().second, 2 * (frame.x + frame.width) + 2) << width;
@@ -406,11 +406,11 @@ TEST(PNG, LeavesOpacityOutWhenThereIsNone) {
 
 TEST(SVG, HoldsOutlinesAndTheGradient) {
     Renderer renderer;
-    const auto placement = layout::layOut(
+    const auto displayList = layout::layOut(
         Symbol("cpu").foreground(red).containerBackground({{1, 1, 1}, {0, 0, 0}}),
         {.size = {20, 20}, .now = {0}},
         renderer.measuring());
-    const auto svg = renderer.svg(placement);
+    const auto svg = renderer.svg(displayList);
     ASSERT_TRUE(svg);
     EXPECT_NE(svg->find("<svg"), std::string::npos);
     EXPECT_NE(svg->find("linearGradient"), std::string::npos);

@@ -97,12 +97,12 @@ TEST(Stack, HoldsAtEveryWidth) {
     // Whatever the room, no child goes outside the stack unless even its least size does not fit.
     for (int width = 0; width <= 120; ++width) {
         FixedMeasuring measuring;
-        const auto placement = layOut(
+        const auto displayList = layOut(
             HStack({.spacing = 2}, text("abcdefgh").lineLimit(1), Spacer(), box(), text("xy").lineLimit(1)),
             {.size = {static_cast<double>(width), 12}, .margin = 0, .now = {0}},
             measuring);
         double end = 0;
-        for (const auto& item : placement.items) {
+        for (const auto& item : displayList.items) {
             const auto* words = std::get_if<layout::PlacedText>(&item);
             const auto* shape = std::get_if<layout::PlacedShape>(&item);
             const auto& frame = words ? words->frame : shape->frame;
@@ -169,9 +169,9 @@ TEST(Widget, ThatIsTooHighBeginsAtItsTopMargin) {
     FixedMeasuring measuring;
     Views rows;
     for (int i = 0; i < 20; ++i) rows.push_back(text("x"));
-    const auto placement = layOut(
+    const auto displayList = layOut(
         stack(VStackOptions{.spacing = 4}, std::move(rows)), {.size = {164, 164}, .now = {0}}, measuring);
-    EXPECT_EQ(std::get<layout::PlacedText>(placement.items.front()).frame.y, 16);
+    EXPECT_EQ(std::get<layout::PlacedText>(displayList.items.front()).frame.y, 16);
 }
 
 TEST(TextFit, ShrinksBeforeItIsCut) {
@@ -246,19 +246,19 @@ TEST(Modifiers, TheInnermostFontWins) {
 
 TEST(Links, ResolveToTheTopmostAreaOrTheWidgetsOwn) {
     FixedMeasuring measuring;
-    const auto placement = layOut(
+    const auto displayList = layOut(
         HStack({.spacing = 0}, box(), box().link("zelto://eq")).widgetURL("zelto://open?tab=home"),
         {.size = {40, 10}, .margin = 0, .now = {0}},
         measuring);
-    EXPECT_EQ(placement.linkAt({5, 5}), "zelto://open?tab=home");
-    EXPECT_EQ(placement.linkAt({25, 5}), "zelto://eq");
-    EXPECT_EQ(placement.linkAt({39.9, 9.9}), "zelto://eq");
+    EXPECT_EQ(displayList.linkAt({5, 5}), "zelto://open?tab=home");
+    EXPECT_EQ(displayList.linkAt({25, 5}), "zelto://eq");
+    EXPECT_EQ(displayList.linkAt({39.9, 9.9}), "zelto://eq");
 }
 
 TEST(Margins, SurroundTheContent) {
     FixedMeasuring measuring;
-    const auto placement = layOut(box(), {.size = {164, 164}, .now = {0}}, measuring);
-    EXPECT_EQ(std::get<layout::PlacedShape>(placement.items.at(0)).frame, (layout::Rect{16, 16, 132, 132}));
+    const auto displayList = layOut(box(), {.size = {164, 164}, .now = {0}}, measuring);
+    EXPECT_EQ(std::get<layout::PlacedShape>(displayList.items.at(0)).frame, (layout::Rect{16, 16, 132, 132}));
 }
 
 TEST(OneLine, EndsAtEveryMandatoryBreak) {
@@ -272,9 +272,9 @@ TEST(OneLine, EndsAtEveryMandatoryBreak) {
           "one\u0085two",
           "one\u2028two\nthree",
           "one\u2029two"}) {
-        const auto placement =
+        const auto displayList =
             layOut(Text(text).font(10).lineLimit(1), {.size = {164, 164}, .now = {0}}, measuring);
-        const auto& placed = std::get<layout::PlacedText>(placement.items.at(0));
+        const auto& placed = std::get<layout::PlacedText>(displayList.items.at(0));
         EXPECT_EQ(placed.text, "one…") << text;
         EXPECT_EQ(placed.frame.height, measuring.lineHeight({.size = 10})) << text;
     }
@@ -283,19 +283,19 @@ TEST(OneLine, EndsAtEveryMandatoryBreak) {
 TEST(Texts, AreWholeAlsoBehindANull) {
     FixedMeasuring measuring;
     for (const std::int64_t lines : {0, 1}) {
-        const auto placement = layOut(
+        const auto displayList = layOut(
             Text(std::string("ab\0cd", 5)).font(10).lineLimit(lines),
             {.size = {164, 164}, .now = {0}},
             measuring);
-        EXPECT_EQ(std::get<layout::PlacedText>(placement.items.at(0)).text, "abcd");
+        EXPECT_EQ(std::get<layout::PlacedText>(displayList.items.at(0)).text, "abcd");
     }
 }
 
 TEST(ScaledToFill, OfWhatHasNoSizeTakesWhatItIsOffered) {
     FixedMeasuring measuring;
-    const auto placement =
+    const auto displayList =
         layOut(Text("x").font(0).scaledToFill(), {.size = {164, 164}, .now = {0}}, measuring);
-    for (const auto& item : placement.items) {
+    for (const auto& item : displayList.items) {
         const auto& frame = std::get<layout::PlacedText>(item).frame;
         for (const double number : {frame.x, frame.y, frame.width, frame.height})
             EXPECT_TRUE(std::isfinite(number));

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "records/JSONDecoder.hpp"
-#include "texts/URL.hpp"
 #include "tests/support/Vectors.hpp"
+#include "texts/URL.hpp"
 
 namespace zelto::test {
 

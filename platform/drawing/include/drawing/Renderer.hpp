@@ -7,7 +7,7 @@
 #include <string>
 
 #include "drawing/Picture.hpp"
-#include "layout/Placement.hpp"
+#include "layout/DisplayList.hpp"
 #include "layout/TextMeasuring.hpp"
 
 namespace zelto::drawing {
@@ -19,13 +19,13 @@ inline constexpr double containerCornerRadius = 24;
 /// that cut them off by themselves.
 enum class Corners : std::uint8_t { square, rounded, outlined };
 
-/// A placement's place on a sheet.
+/// A displayList's place on a sheet.
 struct SheetItem {
     layout::Point origin;  // points
-    const layout::Placement* placement;
+    const layout::DisplayList* displayList;
 };
 
-/// Turns placements into pictures. Keeps fonts, set texts and masks from one picture to the next. For one
+/// Turns display lists into pictures. Keeps fonts, set texts and masks from one picture to the next. For one
 /// thread.
 class Renderer {
   public:
@@ -41,18 +41,19 @@ class Renderer {
     static std::optional<std::string> substituteFont();
 
     /// A picture at `scale` pixels a point.
-    Picture draw(const layout::Placement& placement, double scale, Corners corners = Corners::square);
+    Picture draw(const layout::DisplayList& displayList, double scale, Corners corners = Corners::square);
     /// The same into a picture whose pixels are used again when their number is right.
-    void draw(const layout::Placement& placement, double scale, Corners corners, Picture& into);
+    void draw(const layout::DisplayList& displayList, double scale, Corners corners, Picture& into);
     /// Draws what lies in `area` anew into a picture of the same size, scale and corners.
     void redraw(
-        const layout::Placement& placement, double scale, Corners corners, layout::Rect area, Picture& into);
+        const layout::DisplayList& displayList, double scale, Corners corners, layout::Rect area,
+        Picture& into);
 
     /// Widgets with rounded corners and shadows on a backdrop of `size` points.
     Picture drawSheet(std::span<const SheetItem> items, layout::Size size, double scale);
 
     /// An SVG document with everything as outlines; absent when Cairo refuses.
-    std::optional<std::string> svg(const layout::Placement& placement, Corners corners = Corners::square);
+    std::optional<std::string> svg(const layout::DisplayList& displayList, Corners corners = Corners::square);
 
   private:
     struct State;

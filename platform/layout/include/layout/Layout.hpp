@@ -1,6 +1,6 @@
 #pragma once
 
-#include "layout/Placement.hpp"
+#include "layout/DisplayList.hpp"
 #include "layout/TextMeasuring.hpp"
 
 namespace zelto::layout {
@@ -15,6 +15,6 @@ struct LayoutOptions {
 
 /// Lays a view out in a widget's room: a proposal goes in, frames come out. The content is centred within the
 /// margins.
-Placement layOut(const ui::View& view, const LayoutOptions& options, TextMeasuring& measuring);
+DisplayList layOut(const ui::View& view, const LayoutOptions& options, TextMeasuring& measuring);
 
 }  // namespace zelto::layout

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "drawing/Renderer.hpp"
-#include "layout/Placement.hpp"
+#include "layout/DisplayList.hpp"
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::desktop {
@@ -31,7 +31,7 @@ class TapArea : public Gtk::Button {
 
 /// What a widget shows, and where it can be tapped: its picture, with one area for all of it and one for each
 /// link. Drawn once for each entry; a countdown redraws its own rectangle once a second while it is seen.
-class Face : public Gtk::Fixed {
+class WidgetView : public Gtk::Fixed {
   public:
     struct Seams {
         drawing::Renderer& renderer;
@@ -39,8 +39,8 @@ class Face : public Gtk::Fixed {
         std::function<void(const std::string& url)> open;
         drawing::Corners corners = drawing::Corners::rounded;
     };
-    Face(Seams seams, double zoom);
-    ~Face() override;
+    WidgetView(Seams seams, double zoom);
+    ~WidgetView() override;
 
     /// Its name for assistive technology.
     void name(const std::string& displayName);
@@ -70,7 +70,7 @@ class Face : public Gtk::Fixed {
     layout::Size size_;
     std::string name_;
     std::optional<ArchivedEntry> entry_;
-    layout::Placement placement_;
+    layout::DisplayList displayList_;
     drawing::Picture picture_;
     double drawnScale_ = 0;
     TapArea whole_;

@@ -1,4 +1,4 @@
-#include "Face.hpp"
+#include "WidgetView.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -47,8 +47,9 @@ void addOutline(
         context->cobj(), {inset, inset, width - 2 * inset, height - 2 * inset}, radius - inset);
 }
 
-/// The countdowns' rectangle, if they are all that differs between two placements.
-std::optional<layout::Rect> countdownArea(const layout::Placement& before, const layout::Placement& after) {
+/// The countdowns' rectangle, if they are all that differs between two display lists.
+std::optional<layout::Rect> countdownArea(
+    const layout::DisplayList& before, const layout::DisplayList& after) {
     if (before.items.size() != after.items.size() || before.links != after.links) return std::nullopt;
     std::optional<layout::Rect> area;
     const auto cover = [&area](const layout::Rect& frame) {
@@ -80,7 +81,7 @@ std::optional<layout::Rect> countdownArea(const layout::Placement& before, const
 
 }  // namespace
 
-struct Face::Sources {
+struct WidgetView::Sources {
     MainSource tick, message;
 };
 
@@ -108,14 +109,14 @@ bool TapArea::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
     return true;
 }
 
-Face::Face(Seams seams, double zoom)
+WidgetView::WidgetView(Seams seams, double zoom)
     : seams_(std::move(seams)),
       zoom_(zoom),
       whole_(drawing::containerCornerRadius * zoom, false),
       sources_(std::make_unique<Sources>()) {
     put(whole_, 0, 0);
     whole_.signal_clicked().connect([this] {
-        if (placement_.widgetURL) seams_.open(*placement_.widgetURL);
+        if (displayList_.widgetURL) seams_.open(*displayList_.widgetURL);
     });
     whole_.show();
     get_accessible()->set_role(Atk::ROLE_GROUPING);
@@ -124,15 +125,15 @@ Face::Face(Seams seams, double zoom)
     });
 }
 
-Face::~Face() = default;
+WidgetView::~WidgetView() = default;
 
-void Face::name(const std::string& displayName) {
+void WidgetView::name(const std::string& displayName) {
     name_ = displayName;
     get_accessible()->set_name(displayName);
     whole_.get_accessible()->set_name(displayName);
 }
 
-void Face::resize(WidgetFamily family) {
+void WidgetView::resize(WidgetFamily family) {
     const ui::Size size = sizeOf(family);
     size_ = size;
     set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
@@ -140,55 +141,55 @@ void Face::resize(WidgetFamily family) {
     if (entry_) layOutAgain();
 }
 
-void Face::present(const ArchivedEntry& entry) {
+void WidgetView::present(const ArchivedEntry& entry) {
     entry_ = entry;
     layOutAgain();
 }
 
-void Face::layOutAgain() {
+void WidgetView::layOutAgain() {
     const Date now = seams_.now();
-    placement_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
+    displayList_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
     placeLinks();
     describe(now);
-    whole_.get_accessible()->set_role(placement_.widgetURL ? Atk::ROLE_LINK : Atk::ROLE_PANEL);
+    whole_.get_accessible()->set_role(displayList_.widgetURL ? Atk::ROLE_LINK : Atk::ROLE_PANEL);
     drawAll();
 }
 
 /// What is read of it aloud.
-void Face::describe(Date now) {
+void WidgetView::describe(Date now) {
     get_accessible()->set_description(ui::joined(ui::readingTexts(entry_->view, now)));
 }
 
-void Face::placeLinks() {
+void WidgetView::placeLinks() {
     // The areas stay while the links do, so that the focus does.
-    while (links_.size() > placement_.links.size()) links_.pop_back();
-    while (links_.size() < placement_.links.size()) {
+    while (links_.size() > displayList_.links.size()) links_.pop_back();
+    while (links_.size() < displayList_.links.size()) {
         const std::size_t index = links_.size();
         auto& link = links_.emplace_back(std::make_unique<TapArea>(linkCornerRadius * zoom_, true));
-        link->signal_clicked().connect([this, index] { seams_.open(placement_.links.at(index).url); });
+        link->signal_clicked().connect([this, index] { seams_.open(displayList_.links.at(index).url); });
         link->get_accessible()->set_role(Atk::ROLE_LINK);
         put(*link, 0, 0);
         link->show();
     }
     for (std::size_t i = 0; i < links_.size(); ++i) {
-        const auto& [frame, url, text] = placement_.links[i];
+        const auto& [frame, url, text] = displayList_.links[i];
         links_[i]->set_size_request(rounded(frame.width * zoom_), rounded(frame.height * zoom_));
         move(*links_[i], rounded(frame.x * zoom_), rounded(frame.y * zoom_));
         links_[i]->get_accessible()->set_name(text.empty() ? name_ : text);
     }
 }
 
-double Face::scale() const {
+double WidgetView::scale() const {
     return zoom_ * get_scale_factor();
 }
 
-void Face::drawAll() {
+void WidgetView::drawAll() {
     drawnScale_ = scale();
-    seams_.renderer.draw(placement_, drawnScale_, seams_.corners, picture_);
+    seams_.renderer.draw(displayList_, drawnScale_, seams_.corners, picture_);
     queue_draw();
 }
 
-void Face::say(const std::string& text) {
+void WidgetView::say(const std::string& text) {
     if (!message_) {
         message_ = std::make_unique<Gtk::Label>();
         message_->set_line_wrap();
@@ -206,12 +207,12 @@ void Face::say(const std::string& text) {
     sources_->message = MainSource::after(messageSeconds, [this] { message_->hide(); });
 }
 
-void Face::setSeen(bool isSeen) {
+void WidgetView::setSeen(bool isSeen) {
     isSeen_ = isSeen;
     if (isSeen && entry_) tick();
 }
 
-bool Face::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
+bool WidgetView::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
     if (entry_ && picture_.width > 0) {
         if (drawnScale_ != scale()) drawAll();
         context->set_operator(Cairo::OPERATOR_SOURCE);
@@ -230,11 +231,11 @@ bool Face::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
 
 /// Waits for the next second of a countdown, from the drawing of one second to the next: what is never drawn
 /// because nobody sees it stops by itself.
-void Face::waitForTick() {
+void WidgetView::waitForTick() {
     if (!isSeen_) return;
     const Date now = seams_.now();
     std::optional<Date> next;
-    for (const auto& item : placement_.items)
+    for (const auto& item : displayList_.items)
         if (const auto* countdown = std::get_if<layout::PlacedCountdown>(&item)) {
             const Date change = ui::nextTimerChange(countdown->end, now);
             next = next ? std::min(*next, change) : change;
@@ -242,18 +243,18 @@ void Face::waitForTick() {
     if (next) sources_->tick = MainSource::after(*next - now, [this] { tick(); });
 }
 
-void Face::tick() {
+void WidgetView::tick() {
     if (!isSeen_ || !entry_) return;
     const Date now = seams_.now();
-    auto before = std::move(placement_);
-    placement_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
+    auto before = std::move(displayList_);
+    displayList_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
     describe(now);
-    const auto area = countdownArea(before, placement_);
+    const auto area = countdownArea(before, displayList_);
     if (!area) {
-        if (before != placement_) layOutAgain();
+        if (before != displayList_) layOutAgain();
         return;
     }
-    seams_.renderer.redraw(placement_, drawnScale_, seams_.corners, *area, picture_);
+    seams_.renderer.redraw(displayList_, drawnScale_, seams_.corners, *area, picture_);
     // A pixel more on each side: frames need not lie on whole ones.
     queue_draw_area(
         static_cast<int>(area->x * zoom_) - 1,

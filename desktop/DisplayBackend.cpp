@@ -1,4 +1,4 @@
-#include "Surroundings.hpp"
+#include "DisplayBackend.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -10,9 +10,9 @@ namespace {
 
 constexpr double border = 16;  // points between the monitor's edge and the tiles
 
-Placing placingOf(GdkDisplay* display) {
-    if (GDK_IS_X11_DISPLAY(display)) return Placing::hints;
-    return gtk_layer_is_supported() ? Placing::layerShell : Placing::plain;
+WindowKind windowKindOf(GdkDisplay* display) {
+    if (GDK_IS_X11_DISPLAY(display)) return WindowKind::hints;
+    return gtk_layer_is_supported() ? WindowKind::layerShell : WindowKind::plain;
 }
 
 /// What the desktop asks texts to be enlarged by: how fractional scales are told on X11.
@@ -37,7 +37,7 @@ std::string nameOf(GdkMonitor* monitor) {
     return name;
 }
 
-Desk deskOf(GdkMonitor* monitor) {
+MonitorArea areaOf(GdkMonitor* monitor) {
     GdkRectangle area;
     gdk_monitor_get_workarea(monitor, &area);
     return {monitor, nameOf(monitor), area.x, area.y, area.width, area.height};
@@ -50,64 +50,65 @@ std::int64_t tilesIn(int length, double zoom) {
 
 }  // namespace
 
-Surroundings::Surroundings(std::optional<double> zoom)
-    : placing_(placingOf(gdk_display_get_default())), zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {
+DisplayBackend::DisplayBackend(std::optional<double> zoom)
+    : windowKind_(windowKindOf(gdk_display_get_default())),
+      zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {
     refresh();
 }
 
-bool Surroundings::isTranslucent() const {
+bool DisplayBackend::isTranslucent() const {
     return gdk_screen_is_composited(gdk_screen_get_default());
 }
 
-void Surroundings::refresh() {
+void DisplayBackend::refresh() {
     GdkDisplay* display = gdk_display_get_default();
     GdkMonitor* primary = gdk_display_get_primary_monitor(display);
-    if (gdk_display_get_n_monitors(display) > 0) desks_.clear();
+    if (gdk_display_get_n_monitors(display) > 0) areas_.clear();
     for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
         GdkMonitor* monitor = gdk_display_get_monitor(display, i);
-        desks_.insert(monitor == primary ? desks_.begin() : desks_.end(), deskOf(monitor));
+        areas_.insert(monitor == primary ? areas_.begin() : areas_.end(), areaOf(monitor));
     }
 }
 
-host::Monitors Surroundings::monitors() const {
+host::Monitors DisplayBackend::monitors() const {
     host::Monitors out;
-    for (const Desk& desk : desks_) out.push_back({desk.name, columns(desk), rows(desk)});
+    for (const MonitorArea& area : areas_) out.push_back({area.name, columns(area), rows(area)});
     return out;
 }
 
-std::optional<std::size_t> Surroundings::deskAt(int x, int y) const {
+std::optional<std::size_t> DisplayBackend::monitorAt(int x, int y) const {
     const GdkMonitor* monitor = gdk_display_get_monitor_at_point(gdk_display_get_default(), x, y);
-    const auto found = std::ranges::find(desks_, monitor, &Desk::monitor);
-    if (found == desks_.end()) return std::nullopt;
-    return static_cast<std::size_t>(found - desks_.begin());
+    const auto found = std::ranges::find(areas_, monitor, &MonitorArea::monitor);
+    if (found == areas_.end()) return std::nullopt;
+    return static_cast<std::size_t>(found - areas_.begin());
 }
 
-std::int64_t Surroundings::columns(const Desk& desk) const {
-    return tilesIn(desk.width, zoom_);
+std::int64_t DisplayBackend::columns(const MonitorArea& area) const {
+    return tilesIn(area.width, zoom_);
 }
 
-std::int64_t Surroundings::rows(const Desk& desk) const {
-    return tilesIn(desk.height, zoom_);
+std::int64_t DisplayBackend::rows(const MonitorArea& area) const {
+    return tilesIn(area.height, zoom_);
 }
 
-layout::Point Surroundings::position(host::Cell cell) const {
+layout::Point DisplayBackend::position(host::Cell cell) const {
     return {
         zoom_ * (border + static_cast<double>(cell.column) * host::tilePitch),
         zoom_ * (border + static_cast<double>(cell.row) * host::tilePitch)};
 }
 
-host::Slot Surroundings::slotAt(std::size_t index, layout::Point point, WidgetFamily family) const {
-    const Desk& desk = desks_[index];
+host::Slot DisplayBackend::slotAt(std::size_t index, layout::Point point, WidgetFamily family) const {
+    const MonitorArea& area = areas_[index];
     const host::Span span = host::spanOf(family);
     const auto nearest = [this](double position, std::int64_t tiles, std::int64_t covered) {
         const auto tile =
             static_cast<std::int64_t>(std::lround((position / zoom_ - border) / host::tilePitch));
         return std::clamp<std::int64_t>(tile, 0, std::max<std::int64_t>(tiles - covered, 0));
     };
-    return {index, {nearest(point.x, columns(desk), span.columns), nearest(point.y, rows(desk), span.rows)}};
+    return {index, {nearest(point.x, columns(area), span.columns), nearest(point.y, rows(area), span.rows)}};
 }
 
-void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const {
+void DisplayBackend::prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const {
     window.set_decorated(false);
     window.set_resizable(false);
     window.set_app_paintable(true);
@@ -115,7 +116,7 @@ void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool ta
     if (isTranslucent())
         if (const auto visual = window.get_screen()->get_rgba_visual())
             gtk_widget_set_visual(GTK_WIDGET(window.gobj()), visual->gobj());
-    if (placing_ == Placing::layerShell) {
+    if (windowKind_ == WindowKind::layerShell) {
         gtk_layer_init_for_window(window.gobj());
         gtk_layer_set_namespace(window.gobj(), name.c_str());
         gtk_layer_set_layer(window.gobj(), GTK_LAYER_SHELL_LAYER_BOTTOM);
@@ -128,7 +129,7 @@ void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool ta
                                                       : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
         return;
     }
-    if (placing_ != Placing::hints) return;
+    if (windowKind_ != WindowKind::hints) return;
     window.set_type_hint(Gdk::WINDOW_TYPE_HINT_DESKTOP);
     window.set_keep_below(true);
     window.stick();
@@ -138,16 +139,16 @@ void Surroundings::prepare(Gtk::Window& window, const std::string& name, bool ta
     window.set_focus_on_map(false);
 }
 
-void Surroundings::place(Gtk::Window& window, host::Slot slot) const {
-    const Desk& desk = desks_[slot.monitor];
+void DisplayBackend::place(Gtk::Window& window, host::Slot slot) const {
+    const MonitorArea& area = areas_[slot.monitor];
     const layout::Point position = this->position(slot.cell);
     const int x = static_cast<int>(std::lround(position.x)), y = static_cast<int>(std::lround(position.y));
-    if (placing_ == Placing::layerShell) {
-        gtk_layer_set_monitor(window.gobj(), desk.monitor);
+    if (windowKind_ == WindowKind::layerShell) {
+        gtk_layer_set_monitor(window.gobj(), area.monitor);
         gtk_layer_set_margin(window.gobj(), GTK_LAYER_SHELL_EDGE_LEFT, x);
         gtk_layer_set_margin(window.gobj(), GTK_LAYER_SHELL_EDGE_TOP, y);
     } else {
-        window.move(desk.x + x, desk.y + y);
+        window.move(area.x + x, area.y + y);
     }
 }
 

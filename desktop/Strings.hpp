@@ -3,7 +3,7 @@
 #include "widgetkit/WidgetFamily.hpp"
 
 // What the desktop says to people.
-namespace zelto::desktop::words {
+namespace zelto::desktop::strings {
 
 inline constexpr const char* galleryTitle = "Galeria de widgets";
 inline constexpr const char* galleryHint = "Clique ou arraste um widget para a área de trabalho.";
@@ -23,4 +23,4 @@ constexpr const char* nameOf(WidgetFamily family) {
     return "";
 }
 
-}  // namespace zelto::desktop::words
+}  // namespace zelto::desktop::strings

@@ -2,15 +2,15 @@
 
 #include <gtkmm/window.h>
 
-#include "Surroundings.hpp"
+#include "DisplayBackend.hpp"
 #include "drawing/Picture.hpp"
 
 namespace zelto::desktop {
 
 /// A translucent picture of a dragged widget on the place that it would take.
-class Ghost : public Gtk::Window {
+class DragIcon : public Gtk::Window {
   public:
-    Ghost(const Surroundings& surroundings, WidgetFamily family, const drawing::Picture& picture);
+    DragIcon(const DisplayBackend& backend, WidgetFamily family, const drawing::Picture& picture);
 
     void place(host::Slot slot);
 
@@ -19,7 +19,7 @@ class Ghost : public Gtk::Window {
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
 
   private:
-    const Surroundings& surroundings_;
+    const DisplayBackend& backend_;
     drawing::Picture picture_;
 };
 

@@ -13,22 +13,22 @@ namespace zelto::desktop {
 
 /// How windows come to lie on this display: by the compositor's layers, by the window manager's hints, or as
 /// plain windows where neither is to be had.
-enum class Placing { layerShell, hints, plain };
+enum class WindowKind { layerShell, hints, plain };
 
 /// A monitor's room for widgets, in the display's own units.
-struct Desk {
+struct MonitorArea {
     GdkMonitor* monitor;
     std::string name;
     int x, y, width, height;
-    bool operator==(const Desk&) const = default;
+    bool operator==(const MonitorArea&) const = default;
 };
 
 /// The display that the widgets are on. One point of a widget is `zoom` of the display's units.
-class Surroundings {
+class DisplayBackend {
   public:
-    explicit Surroundings(std::optional<double> zoom);
+    explicit DisplayBackend(std::optional<double> zoom);
 
-    Placing placing() const { return placing_; }
+    WindowKind windowKind() const { return windowKind_; }
     double zoom() const { return zoom_; }
     /// Whether windows can be seen through.
     bool isTranslucent() const;
@@ -36,16 +36,16 @@ class Surroundings {
     /// Looks at the monitors again. While there is none, the last ones count: windows have to be somewhere.
     void refresh();
     /// The monitors, the primary one first: slots count them.
-    const std::vector<Desk>& desks() const { return desks_; }
+    const std::vector<MonitorArea>& areas() const { return areas_; }
     /// How many tiles each has; at least one.
     host::Monitors monitors() const;
     /// The monitor that a point lies on, if it is one of those.
-    std::optional<std::size_t> deskAt(int x, int y) const;
+    std::optional<std::size_t> monitorAt(int x, int y) const;
 
     /// Where a tile begins on its monitor, in the display's units.
     layout::Point position(host::Cell cell) const;
     /// The tile whose beginning is nearest to a point on the monitor, and on which the widget fits.
-    host::Slot slotAt(std::size_t desk, layout::Point point, WidgetFamily family) const;
+    host::Slot slotAt(std::size_t area, layout::Point point, WidgetFamily family) const;
 
     /// Makes a window that is not shown yet lie below all others; `name` is for compositors.
     void prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const;
@@ -53,12 +53,12 @@ class Surroundings {
     void place(Gtk::Window& window, host::Slot slot) const;
 
   private:
-    std::int64_t columns(const Desk& desk) const;
-    std::int64_t rows(const Desk& desk) const;
+    std::int64_t columns(const MonitorArea& area) const;
+    std::int64_t rows(const MonitorArea& area) const;
 
-    Placing placing_;
+    WindowKind windowKind_;
     double zoom_;
-    std::vector<Desk> desks_;
+    std::vector<MonitorArea> areas_;
 };
 
 }  // namespace zelto::desktop

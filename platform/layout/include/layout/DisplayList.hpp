@@ -68,7 +68,7 @@ struct BeginRotation {
 struct End {
     bool operator==(const End&) const = default;
 };
-using PlacedItem = std::variant<
+using DisplayItem = std::variant<
     PlacedText, PlacedCountdown, PlacedSymbol, PlacedShape, PlacedImage, BeginClip, BeginRotation, End>;
 
 /// Where a tap opens a link of its own. `name` is what is read of it aloud.
@@ -79,19 +79,19 @@ struct LinkArea {
     bool operator==(const LinkArea&) const = default;
 };
 
-struct Placement {
+struct DisplayList {
     Size size;
     std::optional<ui::LinearGradient> background;
-    std::vector<PlacedItem> items;
+    std::vector<DisplayItem> items;
     std::vector<LinkArea> links;
     std::optional<std::string> widgetURL;
 
     /// The link that a tap at `point` opens: that of the topmost area, otherwise the widget's own.
     std::optional<std::string> linkAt(Point point) const;
-    bool operator==(const Placement&) const = default;
+    bool operator==(const DisplayList&) const = default;
 };
 
 /// One item a line, frames as "x,y width×height" with at most two decimals.
-std::string dump(const Placement& placement);
+std::string dump(const DisplayList& displayList);
 
 }  // namespace zelto::layout

@@ -1,4 +1,4 @@
-#include "layout/Placement.hpp"
+#include "layout/DisplayList.hpp"
 
 #include <cmath>
 
@@ -63,18 +63,18 @@ struct Line {
 
 }  // namespace
 
-std::optional<std::string> Placement::linkAt(Point point) const {
+std::optional<std::string> DisplayList::linkAt(Point point) const {
     for (auto area = links.rbegin(); area != links.rend(); ++area)
         if (area->frame.contains(point)) return area->url;
     return widgetURL;
 }
 
-std::string dump(const Placement& placement) {
-    std::string out = "size " + number(placement.size.width) + "×" + number(placement.size.height) + "\n";
-    for (const PlacedItem& item : placement.items) out += std::visit(Line{}, item) + "\n";
-    for (const LinkArea& link : placement.links)
+std::string dump(const DisplayList& displayList) {
+    std::string out = "size " + number(displayList.size.width) + "×" + number(displayList.size.height) + "\n";
+    for (const DisplayItem& item : displayList.items) out += std::visit(Line{}, item) + "\n";
+    for (const LinkArea& link : displayList.links)
         out += "link " + text(link.frame) + " " + link.url + " \"" + link.name + "\"\n";
-    if (placement.widgetURL) out += "widgetURL " + *placement.widgetURL + "\n";
+    if (displayList.widgetURL) out += "widgetURL " + *displayList.widgetURL + "\n";
     return out;
 }
 
