@@ -80,9 +80,11 @@ int print() {
              .diskFree = 112'400'000'000},
         .snapshot = nullptr};
     const Formatting formatting({"pt_BR", "America/Sao_Paulo"});
+    const EnvironmentValues environment{
+        WidgetFamily::systemMedium, formatting, [&entry] { return entry.date; }};
     drawing::Renderer renderer;
     const auto displayList = layout::layOut(
-        OverviewView{WidgetFamily::systemMedium, entry, formatting}.body(),
+        OverviewView{environment, entry}.body(),
         {.size = {344, 164}, .now = entry.date},
         renderer.measuring());
     std::cout << "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"344\" "

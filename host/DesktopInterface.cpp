@@ -27,73 +27,61 @@ Result<WidgetFamily> familyNamed(const std::string& name) {
     return Fault{.reason = "'" + name + "' is not systemSmall, systemMedium or systemLarge"};
 }
 
+using Done = bus::Result<void>;
+using Text = bus::Result<std::string>;
+using Host = std::function<WidgetHost&()>;
+
+/// What changes which widgets there are, and where.
+std::vector<bus::Method> layoutMethods(const Host& host) {
+    const auto add = [host](const std::string& kind, const std::string& family) -> Text {
+        const auto wanted = familyNamed(family);
+        return wanted ? onBus(host().add(kind, *wanted)) : refusal(wanted.fault());
+    };
+    const auto remove = [host](const std::string& id) -> Done { return onBus(host().remove(id)); };
+    const auto move = [host](
+                          const std::string& id,
+                          const std::string& monitor,
+                          std::int64_t column,
+                          std::int64_t row) -> Done {
+        std::optional<std::string> name;
+        if (!monitor.empty()) name = monitor;
+        return onBus(host().move(id, name, {column, row}));
+    };
+    const auto resize = [host](const std::string& id, const std::string& family) -> Done {
+        const auto wanted = familyNamed(family);
+        return wanted ? onBus(host().setFamily(id, *wanted)) : refusal(wanted.fault());
+    };
+    return {
+        method("add", {"kind", "family"}, {"id"}, add),
+        method("remove", {"id"}, {}, remove),
+        method("move", {"id", "monitor", "column", "row"}, {}, move),
+        method("resize", {"id", "family"}, {}, resize)};
+}
+
 }  // namespace
 
 bus::Interface desktopInterface(const DesktopActions& actions) {
-    using Done = bus::Result<void>;
-    using Text = bus::Result<std::string>;
-    const auto& host = actions.host;
-    return {
-        .service = std::string(desktopService),
-        .methods = {
-            method(
-                "reload",
-                {"kind"},
-                {},
-                [host](const std::string& kind) -> Done {
-                    if (!kind.empty()) return onBus(host().reloadKind(kind));
-                    host().reloadAll();
-                    return {};
-                }),
-            method(
-                "list",
-                {},
-                {"widgets"},
-                [host]() -> Text { return encodeJSON(host().widgets()).value_or("[]"); }),
-            method(
-                "add",
-                {"kind", "family"},
-                {"id"},
-                [host](const std::string& kind, const std::string& family) -> Text {
-                    const auto wanted = familyNamed(family);
-                    return wanted ? onBus(host().add(kind, *wanted)) : refusal(wanted.fault());
-                }),
-            method(
-                "remove",
-                {"id"},
-                {},
-                [host](const std::string& id) -> Done { return onBus(host().remove(id)); }),
-            method(
-                "move",
-                {"id", "monitor", "column", "row"},
-                {},
-                [host](
-                    const std::string& id, const std::string& monitor, std::int64_t column, std::int64_t row)
-                    -> Done {
-                    std::optional<std::string> name;
-                    if (!monitor.empty()) name = monitor;
-                    return onBus(host().move(id, name, {column, row}));
-                }),
-            method(
-                "resize",
-                {"id", "family"},
-                {},
-                [host](const std::string& id, const std::string& family) -> Done {
-                    const auto wanted = familyNamed(family);
-                    return wanted ? onBus(host().setFamily(id, *wanted)) : refusal(wanted.fault());
-                }),
-            method(
-                "gallery",
-                {},
-                {},
-                [show = actions.showGallery]() -> Done {
-                    show();
-                    return {};
-                }),
-            method("quit", {}, {}, [quit = actions.quit]() -> Done {
-                quit();
-                return {};
-            })}};
+    const Host& host = actions.host;
+    const auto reload = [host](const std::string& kind) -> Done {
+        if (!kind.empty()) return onBus(host().reloadKind(kind));
+        host().reloadAll();
+        return {};
+    };
+    const auto list = [host]() -> Text { return encodeJSON(host().widgets()).value_or("[]"); };
+    const auto gallery = [show = actions.showGallery]() -> Done {
+        show();
+        return {};
+    };
+    const auto quit = [end = actions.quit]() -> Done {
+        end();
+        return {};
+    };
+    bus::Interface out{.service = std::string(desktopService), .methods = layoutMethods(host)};
+    out.methods.push_back(method("reload", {"kind"}, {}, reload));
+    out.methods.push_back(method("list", {}, {"widgets"}, list));
+    out.methods.push_back(method("gallery", {}, {}, gallery));
+    out.methods.push_back(method("quit", {}, {}, quit));
+    return out;
 }
 
 bus::Result<bus::Listener> listenAsDesktop(

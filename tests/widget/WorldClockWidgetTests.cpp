@@ -45,18 +45,20 @@ TEST(WorldClockWidget, NamesCities) {
 
 TEST(WorldClockWidget, IsDayFromSixToSix) {
     const Formatting formatting({"pt_BR", "America/Sao_Paulo"});
+    const EnvironmentValues environment{medium, formatting, [] { return wednesday; }};
     for (const auto& [time, day] : std::vector<std::pair<const char*, bool>>{
              {"05:59", false}, {"06:00", true}, {"17:59", true}, {"18:00", false}, {"00:00", false}}) {
         const ZeltoEntry entry{*parseISO8601(std::string("2026-03-11T") + time + ":00-03:00"), {}, nullptr};
-        EXPECT_EQ((WorldClockView{medium, entry, formatting}.isDay("America/Sao_Paulo")), day) << time;
+        EXPECT_EQ((WorldClockView{environment, entry}.isDay("America/Sao_Paulo")), day) << time;
     }
 }
 
 TEST(WorldClockWidget, CrossesDaylightSavingAndHalfHours) {
     const Formatting formatting({"pt_BR", "Europe/Lisbon"});
+    const EnvironmentValues environment{medium, formatting, [] { return wednesday; }};
     const auto at = [&](const char* date, const char* zone) {
         const ZeltoEntry entry{*parseISO8601(date), {}, nullptr};
-        return WorldClockView{medium, entry, formatting}.time(zone);
+        return WorldClockView{environment, entry}.time(zone);
     };
     EXPECT_EQ(at("2026-03-29T00:59:00Z", "Europe/Lisbon"), "00:59");
     EXPECT_EQ(at("2026-03-29T01:00:00Z", "Europe/Lisbon"), "02:00");

@@ -1,5 +1,6 @@
 #include "Common/WidgetHeader.hpp"
 
+#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "ui/Building.hpp"
 
@@ -22,8 +23,13 @@ View OpenAppNote::body() const {
     return Label("exclamationmark.circle", "Abra o Zelto para atualizar").font(9).foreground(secondary);
 }
 
-View zeltoBackground(View view) {
-    return std::move(view).containerBackground(Palette::background);
+std::function<View(View)> zeltoRoot(std::string_view path) {
+    return [link = deepLink(path)](View view) {
+        return std::move(view)
+            .widgetURL(link)
+            .foreground(Palette::white)
+            .containerBackground(Palette::background);
+    };
 }
 
 }  // namespace zelto

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "ui/View.hpp"
 
@@ -22,7 +24,8 @@ struct OpenAppNote {
     ui::View body() const;
 };
 
-/// The treatment of every widget's root: the shared background under the whole widget.
-ui::View zeltoBackground(ui::View view);
+/// What every widget's root gets: the link to the app that a tap opens ("open?tab=fans"), the colour of its
+/// texts, and the shared background under the whole widget.
+std::function<ui::View(ui::View)> zeltoRoot(std::string_view path);
 
 }  // namespace zelto

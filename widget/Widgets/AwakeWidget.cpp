@@ -3,6 +3,7 @@
 #include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -10,13 +11,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration AwakeWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::awake,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return AwakeWidgetView{environment.family, entry}.body();
-               })
+WidgetConfiguration AwakeWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<AwakeWidgetView>(WidgetKinds::awake, {.sources = sources})
         .configurationDisplayName("Zelto · Manter acordado")
         .description("Impede o Mac de dormir. Toque para ligar ou desligar.")
         .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
@@ -33,14 +29,12 @@ View AwakeWidgetView::body() const {
                WidgetHeader{
                    .title = "Manter acordado", .icon = "cup.and.saucer.fill", .color = Palette::warning},
                statusRow(),
-               when(family != WidgetFamily::systemSmall, [&] { return buttonRow(); }))
-        .widgetURL(deepLink("awake?action=toggle"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+               when(environment.family != WidgetFamily::systemSmall, [&] { return buttonRow(); }))
+        .apply(zeltoRoot("awake?action=toggle"));
 }
 
 View AwakeWidgetView::statusRow() const {
-    const bool small = family == WidgetFamily::systemSmall;
+    const bool small = environment.family == WidgetFamily::systemSmall;
     return HStack(
                {.spacing = 10},
                Symbol(active() ? "cup.and.saucer.fill" : "moon.zzz.fill")

@@ -11,12 +11,11 @@ namespace zelto {
 
 /// Whether the computer is kept awake, for how long yet, and buttons to change that.
 struct AwakeWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct AwakeWidgetView {
-    WidgetFamily family;
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;

@@ -1,10 +1,10 @@
 #include "Widgets/BatteryWidget.hpp"
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/Ring.hpp"
 #include "Common/Rounding.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -12,13 +12,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration BatteryWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::battery,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return BatteryView{environment.family, entry}.body();
-               })
+WidgetConfiguration BatteryWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<BatteryView>(WidgetKinds::battery, {.sources = sources})
         .configurationDisplayName("Zelto · Bateria")
         .description("Carga, saúde, ciclos e limite de carga.")
         .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
@@ -39,15 +34,12 @@ const WidgetSnapshot::Battery* BatteryView::info() const {
 }
 
 View BatteryView::body() const {
-    return content()
-        .widgetURL(deepLink("open?tab=battery"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+    return content().apply(zeltoRoot("open?tab=battery"));
 }
 
 View BatteryView::content() const {
     if (!entry.live.battery) return Text("Este Mac não tem bateria.").font(11).foreground(secondary);
-    return family == WidgetFamily::systemSmall ? smallContent() : mediumContent();
+    return environment.family == WidgetFamily::systemSmall ? smallContent() : mediumContent();
 }
 
 View BatteryView::smallContent() const {

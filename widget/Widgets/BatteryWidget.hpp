@@ -11,12 +11,11 @@ namespace zelto {
 
 /// Charge, status and, in the medium family, details of the battery.
 struct BatteryWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct BatteryView {
-    WidgetFamily family;
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;

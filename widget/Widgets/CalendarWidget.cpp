@@ -3,6 +3,7 @@
 #include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "texts/Characters.hpp"
 #include "ui/Building.hpp"
@@ -11,13 +12,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration CalendarWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::calendar,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return CalendarWidgetView{environment, entry}.body();
-               })
+WidgetConfiguration CalendarWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<CalendarWidgetView>(WidgetKinds::calendar, {.sources = sources})
         .configurationDisplayName("Zelto · Agenda")
         .description("Próximos compromissos com botão para entrar na reunião.")
         .supportedFamilies({WidgetFamily::systemMedium, WidgetFamily::systemLarge});
@@ -25,19 +21,16 @@ WidgetConfiguration CalendarWidget::body() const {
 
 View CalendarWidgetView::body() const {
     return VStack({.alignment = HAlign::leading, .spacing = 6}, header(), content())
-        .widgetURL(deepLink("open?tab=calendar"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("open?tab=calendar"));
 }
 
 View CalendarWidgetView::header() const {
-    const Formatting& formatting = environment.formatting;
     return HStack(
         {.alignment = VAlign::firstTextBaseline, .spacing = 6},
-        Text(std::to_string(formatting.dayOfMonth(entry.date)))
+        Text(std::to_string(environment.formatting.dayOfMonth(entry.date)))
             .font(24, Weight::bold, Design::rounded)
             .foreground(Palette::accent),
-        Text(firstUpperCased(formatting.monthAndWeekday(entry.date)))
+        Text(firstUpperCased(environment.formatting.monthAndWeekday(entry.date)))
             .font(11, Weight::semibold)
             .foreground(Palette::white),
         Spacer(),
@@ -63,13 +56,13 @@ Views CalendarWidgetView::content() const {
 
 std::string EventLine::timeText() const {
     if (event.allDay) return "Dia todo";
-    const Formatting& formatting = environment.formatting;
-    std::string time = formatting.shortTime(event.start);
-    if (event.start <= now) return "Agora · até " + formatting.shortTime(event.end);
-    if (formatting.isSameDay(event.start, now)) return time;
+    std::string time = environment.formatting.shortTime(event.start);
+    if (event.start <= now) return "Agora · até " + environment.formatting.shortTime(event.end);
+    if (environment.formatting.isSameDay(event.start, now)) return time;
     // Tomorrow is told from the real current date, not from the entry's.
-    if (formatting.isSameDay(event.start, formatting.nextDay(environment.now()))) return "Amanhã · " + time;
-    return formatting.weekdayAndDay(event.start) + " · " + time;
+    if (environment.formatting.isSameDay(event.start, environment.formatting.nextDay(environment.now())))
+        return "Amanhã · " + time;
+    return environment.formatting.weekdayAndDay(event.start) + " · " + time;
 }
 
 std::string EventLine::joinLink(const URL& meeting) {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -12,13 +12,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration CareWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::care,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return CareWidgetView{environment, entry}.body();
-               })
+WidgetConfiguration CareWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<CareWidgetView>(WidgetKinds::care, {.sources = sources})
         .configurationDisplayName("Zelto · Cuidados")
         .description("Resultado da última análise do Mac.")
         .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
@@ -51,9 +46,7 @@ View CareWidgetView::body() const {
                    .color = Palette::accent,
                    .trailing = std::move(when)},
                content())
-        .widgetURL(deepLink("open?tab=home"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("open?tab=home"));
 }
 
 Views CareWidgetView::content() const {

@@ -11,8 +11,7 @@ namespace zelto {
 
 /// The result of the last health analysis.
 struct CareWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct CareWidgetView {

@@ -6,6 +6,7 @@
 #include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "imaging/Thumbnail.hpp"
 #include "texts/Characters.hpp"
@@ -60,13 +61,8 @@ View row(const WidgetSnapshot::Clip& clip) {
 
 }  // namespace
 
-WidgetConfiguration ClipboardWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::clipboard,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return ClipboardWidgetView{environment.family, entry}.body();
-               })
+WidgetConfiguration ClipboardWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<ClipboardWidgetView>(WidgetKinds::clipboard, {.sources = sources})
         .configurationDisplayName("Zelto · Copiados")
         .description("Últimos itens copiados. Toque num item para copiar de novo.")
         .supportedFamilies({WidgetFamily::systemMedium, WidgetFamily::systemLarge});
@@ -87,9 +83,7 @@ View ClipboardWidgetView::body() const {
                    .color = Palette::blue,
                    .trailing = "toque para copiar"},
                rows())
-        .widgetURL(deepLink("open?tab=clipboard"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("open?tab=clipboard"));
 }
 
 Views ClipboardWidgetView::rows() const {
@@ -97,7 +91,7 @@ Views ClipboardWidgetView::rows() const {
         return list(
             Spacer(), Text("Copie algo e ele aparece aqui.").font(11).foreground(secondary), Spacer());
     const std::span clips(entry.snapshot->clips);
-    const std::size_t limit = family == WidgetFamily::systemLarge ? 7 : 3;
+    const std::size_t limit = environment.family == WidgetFamily::systemLarge ? 7 : 3;
     return list(forEach(clips.first(std::min(limit, clips.size())), row), Spacer(0));
 }
 

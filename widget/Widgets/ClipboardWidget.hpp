@@ -10,12 +10,11 @@ namespace zelto {
 
 /// The latest clipboard items; a tap on one copies it again.
 struct ClipboardWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct ClipboardWidgetView {
-    WidgetFamily family;
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;

@@ -2,9 +2,9 @@
 
 #include <array>
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -20,13 +20,8 @@ constexpr double graphHeight = 34;  // points
 
 }  // namespace
 
-WidgetConfiguration EqualizerWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::equalizer,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues&) {
-                   return EqualizerWidgetView{entry}.body();
-               })
+WidgetConfiguration EqualizerWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<EqualizerWidgetView>(WidgetKinds::equalizer, {.sources = sources})
         .configurationDisplayName("Zelto · Equalizador")
         .description("Estado e preset do equalizador. Toque para ligar ou desligar.")
         .supportedFamilies({WidgetFamily::systemSmall});
@@ -52,9 +47,7 @@ View EqualizerWidgetView::body() const {
                when(
                    enabled && snap->eqOutput,
                    [&] { return Text(*snap->eqOutput).font(9).foreground(secondary).lineLimit(1); }))
-        .widgetURL(deepLink("eq"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("eq"));
 }
 
 }  // namespace zelto

@@ -8,11 +8,11 @@ namespace zelto {
 
 /// Whether the equalizer is on, its preset and its output.
 struct EqualizerWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct EqualizerWidgetView {
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;

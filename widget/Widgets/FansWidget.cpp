@@ -3,11 +3,11 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/Ring.hpp"
 #include "Common/Rounding.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -15,11 +15,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration FansWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::fans,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues&) { return FansWidgetView{entry}.body(); })
+WidgetConfiguration FansWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<FansWidgetView>(WidgetKinds::fans, {.sources = sources})
         .configurationDisplayName("Zelto · Ventoinhas")
         .description("Velocidade e modo das ventoinhas.")
         .supportedFamilies({WidgetFamily::systemSmall});
@@ -48,9 +45,7 @@ View FansWidgetView::body() const {
                {.spacing = 6},
                WidgetHeader{.title = "Ventoinhas", .icon = "fan", .color = Palette::blue},
                content())
-        .widgetURL(deepLink("open?tab=fans"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("open?tab=fans"));
 }
 
 Views FansWidgetView::content() const {

@@ -11,11 +11,11 @@ namespace zelto {
 
 /// The first fan's speed, the fan-control mode and the chip temperature.
 struct FansWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct FansWidgetView {
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;

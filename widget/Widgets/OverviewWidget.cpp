@@ -1,10 +1,10 @@
 #include "Widgets/OverviewWidget.hpp"
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/Ring.hpp"
 #include "Common/Rounding.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -12,31 +12,24 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration OverviewWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::overview,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return OverviewView{environment.family, entry, environment.formatting}.body();
-               })
+WidgetConfiguration OverviewWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<OverviewView>(WidgetKinds::overview, {.sources = sources})
         .configurationDisplayName("Zelto · Visão geral")
         .description("Bateria, CPU, memória e disco do seu Mac.")
         .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
 }
 
 View OverviewView::body() const {
-    const bool small = family == WidgetFamily::systemSmall;
+    const bool small = environment.family == WidgetFamily::systemSmall;
     return VStack(
                {.spacing = 8},
                WidgetHeader{
                    .title = "Zelto",
                    .icon = "waveform.path.ecg",
                    .color = Palette::accent,
-                   .trailing = formatting.shortTime(entry.date)},
+                   .trailing = environment.formatting.shortTime(entry.date)},
                small ? smallContent() : list(mediumContent()))
-        .widgetURL(deepLink("open?tab=home"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("open?tab=home"));
 }
 
 Views OverviewView::smallContent() const {
@@ -81,7 +74,7 @@ View OverviewView::mediumContent() const {
             live.disk,
             Palette::loadColor(live.disk),
             "Disco",
-            formatting.byteCount(static_cast<std::int64_t>(live.diskFree)) + " livres"));
+            environment.formatting.byteCount(static_cast<std::int64_t>(live.diskFree)) + " livres"));
 }
 
 }  // namespace zelto

@@ -8,14 +8,12 @@ namespace zelto {
 
 /// Battery, CPU, memory and disk at a glance, from live readings alone.
 struct OverviewWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct OverviewView {
-    WidgetFamily family;
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
-    const Formatting& formatting;
 
     ui::View body() const;
 

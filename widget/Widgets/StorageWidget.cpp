@@ -1,9 +1,9 @@
 #include "Widgets/StorageWidget.hpp"
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/Ring.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -11,13 +11,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration StorageWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::storage,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return StorageWidgetView{entry, environment.formatting}.body();
-               })
+WidgetConfiguration StorageWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<StorageWidgetView>(WidgetKinds::storage, {.sources = sources})
         .configurationDisplayName("Zelto · Armazenamento")
         .description("Espaço usado e livre no disco. Toque para limpar.")
         .supportedFamilies({WidgetFamily::systemSmall});
@@ -26,7 +21,7 @@ WidgetConfiguration StorageWidget::body() const {
 View StorageWidgetView::body() const {
     const LiveData& live = entry.live;
     const auto bytes = [&](std::uint64_t count) {
-        return formatting.byteCount(static_cast<std::int64_t>(count));
+        return environment.formatting.byteCount(static_cast<std::int64_t>(count));
     };
     // There is no tab for storage in the app: the system tab has what is needed.
     return VStack(
@@ -40,9 +35,7 @@ View StorageWidgetView::body() const {
                    .padding(Edges::horizontal, 12),
                Text(bytes(live.diskFree) + " livres").font(10, Weight::semibold),
                Text("de " + bytes(live.diskTotal)).font(9).foreground(secondary))
-        .widgetURL(deepLink("open?tab=system"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+        .apply(zeltoRoot("open?tab=system"));
 }
 
 }  // namespace zelto

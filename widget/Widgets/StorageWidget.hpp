@@ -8,13 +8,12 @@ namespace zelto {
 
 /// How full the start-up disk is.
 struct StorageWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct StorageWidgetView {
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
-    const Formatting& formatting;
 
     ui::View body() const;
 };

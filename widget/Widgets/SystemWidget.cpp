@@ -1,11 +1,11 @@
 #include "Widgets/SystemWidget.hpp"
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/Ring.hpp"
 #include "Common/Rounding.hpp"
 #include "Common/Sparkline.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
@@ -13,13 +13,8 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration SystemWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::system,
-               ZeltoProvider{.minuteByMinute = false, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return SystemWidgetView{environment.family, entry, environment.formatting}.body();
-               })
+WidgetConfiguration SystemWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<SystemWidgetView>(WidgetKinds::system, {.sources = sources})
         .configurationDisplayName("Zelto · Sistema")
         .description("CPU, GPU, memória e temperatura do chip.")
         .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
@@ -40,10 +35,8 @@ View SystemWidgetView::body() const {
                    .icon = "cpu",
                    .color = Palette::accent,
                    .trailing = temperature ? std::optional("chip " + *temperature) : std::nullopt},
-               family == WidgetFamily::systemSmall ? smallContent() : mediumContent())
-        .widgetURL(deepLink("open?tab=system"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+               environment.family == WidgetFamily::systemSmall ? smallContent() : mediumContent())
+        .apply(zeltoRoot("open?tab=system"));
 }
 
 Views SystemWidgetView::smallContent() const {
@@ -68,7 +61,7 @@ Views SystemWidgetView::mediumContent() const {
     const WidgetSnapshot* snap = entry.freshSnapshot();
     const auto used = [&]() -> std::optional<std::string> {
         if (!snap) return std::nullopt;
-        return formatting.byteCount(static_cast<std::int64_t>(snap->memoryUsed));
+        return environment.formatting.byteCount(static_cast<std::int64_t>(snap->memoryUsed));
     };
     return list(
         HStack(

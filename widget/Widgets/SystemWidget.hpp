@@ -11,14 +11,12 @@ namespace zelto {
 
 /// Processor, graphics, memory and chip temperature.
 struct SystemWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct SystemWidgetView {
-    WidgetFamily family;
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
-    const Formatting& formatting;
 
     ui::View body() const;
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "Common/DeepLink.hpp"
 #include "Common/Palette.hpp"
 #include "Common/WidgetHeader.hpp"
+#include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
 #include "shared/TimeZoneFlags.hpp"
 #include "ui/Building.hpp"
@@ -13,24 +13,20 @@ namespace zelto {
 
 using namespace ui;
 
-WidgetConfiguration WorldClockWidget::body() const {
-    return StaticConfiguration(
-               WidgetKinds::worldClock,
-               ZeltoProvider{.minuteByMinute = true, .sources = sources},
-               [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
-                   return WorldClockView{environment.family, entry, environment.formatting}.body();
-               })
+WidgetConfiguration WorldClockWidget::body(const ProviderSources& sources) const {
+    return zeltoConfiguration<WorldClockView>(
+               WidgetKinds::worldClock, {.minuteByMinute = true, .sources = sources})
         .configurationDisplayName("Zelto · Relógio mundial")
         .description("A hora nas cidades da sua aba Agenda.")
         .supportedFamilies({WidgetFamily::systemSmall, WidgetFamily::systemMedium});
 }
 
 std::string WorldClockView::time(const std::string& zone) const {
-    return formatting.shortTime(entry.date, zone);
+    return environment.formatting.shortTime(entry.date, zone);
 }
 
 bool WorldClockView::isDay(const std::string& zone) const {
-    const int hour = formatting.hour(entry.date, zone).value_or(12);
+    const int hour = environment.formatting.hour(entry.date, zone).value_or(12);
     return hour >= 6 && hour < 18;
 }
 
@@ -45,18 +41,19 @@ std::string WorldClockView::cityName(const std::string& zone) {
 }
 
 std::string WorldClockView::placeName(const std::string& zone) const {
-    if (zone == formatting.environment().timeZone)
-        if (const auto name = formatting.namelessZone()) return name->empty() ? "Hora local" : *name;
+    if (zone == environment.formatting.environment().timeZone)
+        if (const auto name = environment.formatting.namelessZone())
+            return name->empty() ? "Hora local" : *name;
     return cityName(zone);
 }
 
 std::vector<std::string> WorldClockView::zones() const {
-    std::vector<std::string> all{formatting.environment().timeZone};
+    std::vector<std::string> all{environment.formatting.environment().timeZone};
     if (entry.snapshot) {
         const auto& chosen = entry.snapshot->clockZones;
         all.insert(all.end(), chosen.begin(), chosen.end());
     }
-    all.resize(std::min<std::size_t>(all.size(), family == WidgetFamily::systemSmall ? 3 : 4));
+    all.resize(std::min<std::size_t>(all.size(), environment.family == WidgetFamily::systemSmall ? 3 : 4));
     return all;
 }
 
@@ -64,10 +61,8 @@ View WorldClockView::body() const {
     return VStack(
                {.alignment = HAlign::leading, .spacing = 6},
                WidgetHeader{.title = "Relógio mundial", .icon = "globe", .color = Palette::accent},
-               family == WidgetFamily::systemSmall ? smallContent() : list(mediumContent()))
-        .widgetURL(deepLink("open?tab=calendar"))
-        .foreground(Palette::white)
-        .apply(zeltoBackground);
+               environment.family == WidgetFamily::systemSmall ? smallContent() : list(mediumContent()))
+        .apply(zeltoRoot("open?tab=calendar"));
 }
 
 Views WorldClockView::smallContent() const {

@@ -11,14 +11,12 @@ namespace zelto {
 
 /// The time here and in the cities that the user chose.
 struct WorldClockWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct WorldClockView {
-    WidgetFamily family;
+    const EnvironmentValues& environment;
     const ZeltoEntry& entry;
-    const Formatting& formatting;
 
     ui::View body() const;
 

@@ -14,21 +14,21 @@
 
 namespace zelto {
 
-static_assert(WidgetBundle<ZeltoWidgetBundle> && Widget<OverviewWidget>);
+static_assert(WidgetBundle<ZeltoWidgetBundle> && Widget<OverviewWidget, ProviderSources>);
 
 std::vector<WidgetConfiguration> ZeltoWidgetBundle::body() const {
     return {
-        OverviewWidget{sources}.body(),
-        BatteryWidget{sources}.body(),
-        SystemWidget{sources}.body(),
-        StorageWidget{sources}.body(),
-        FansWidget{sources}.body(),
-        CalendarWidget{sources}.body(),
-        WorldClockWidget{sources}.body(),
-        ClipboardWidget{sources}.body(),
-        AwakeWidget{sources}.body(),
-        EqualizerWidget{sources}.body(),
-        CareWidget{sources}.body(),
+        OverviewWidget{}.body(sources),
+        BatteryWidget{}.body(sources),
+        SystemWidget{}.body(sources),
+        StorageWidget{}.body(sources),
+        FansWidget{}.body(sources),
+        CalendarWidget{}.body(sources),
+        WorldClockWidget{}.body(sources),
+        ClipboardWidget{}.body(sources),
+        AwakeWidget{}.body(sources),
+        EqualizerWidget{}.body(sources),
+        CareWidget{}.body(sources),
     };
 }
 

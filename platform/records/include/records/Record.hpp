@@ -83,10 +83,19 @@ template <class Class, class Member, Member Class::*member>
 void* memberAddress(void* record) {
     return &(static_cast<Class*>(record)->*member);
 }
+template <class Class, class Member, Member Class::*member>
+const void* constMemberAddress(const void* record) {
+    return &(static_cast<const Class*>(record)->*member);
+}
 
 template <class Class, class Member, Member Class::*member>
 constexpr Schema::Field field(std::string_view name) {
-    return {name, &schemaOf<Member>, &memberAddress<Class, Member, member>, IsOptional<Member>::value};
+    return {
+        name,
+        &schemaOf<Member>,
+        &memberAddress<Class, Member, member>,
+        &constMemberAddress<Class, Member, member>,
+        IsOptional<Member>::value};
 }
 
 /// The trailing 0 closes the comma-separated list, which may be empty.

@@ -36,6 +36,7 @@ struct Schema {
         std::string_view name;
         Reference schema;
         void* (*address)(void* record);
+        const void* (*member)(const void* record);
         bool isOptional;
     };
     struct Case {
@@ -60,9 +61,7 @@ struct Schema {
     std::span<const Field> fields = {};
     std::span<const Case> cases = {};
 
-    const void* address(const Field& field, const void* record) const {
-        return field.address(const_cast<void*>(record));
-    }
+    const void* address(const Field& field, const void* record) const { return field.member(record); }
 };
 
 }  // namespace zelto

@@ -81,10 +81,10 @@ requires std::invocable<const Content&, const typename Provider::Entry&, const E
         });
 }
 
-/// A type that configures one widget.
-template <class W>
-concept Widget = requires(const W& widget) {
-    { widget.body() } -> std::same_as<WidgetConfiguration>;
+/// A type that configures one widget, whose entries are made of some sources.
+template <class W, class Sources>
+concept Widget = requires(const W& widget, const Sources& sources) {
+    { widget.body(sources) } -> std::same_as<WidgetConfiguration>;
 };
 
 /// A type that lists widgets in gallery order.

@@ -11,8 +11,7 @@ namespace zelto {
 
 /// The next calendar events, with a button to join a meeting.
 struct CalendarWidget {
-    ProviderSources sources;
-    WidgetConfiguration body() const;
+    WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct CalendarWidgetView {
