@@ -24,8 +24,10 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// How long a process that was asked to end, by closing its input, or that closed its output, may take.
+/// How long a process that closed its output may take to be gone, so that its status can be told.
 constexpr std::chrono::milliseconds exitGrace{2000};
+/// How long one that is not needed any more may take: whoever ends the host waits for it.
+constexpr std::chrono::milliseconds dismissalGrace{250};
 
 struct Pipe {
     FileDescriptor read, write;
@@ -122,7 +124,7 @@ ExtensionProcess::~ExtensionProcess() {
     input_.reset();
     output_.reset();
     errors_.reset();
-    if (!waitForExit(exitGrace)) ::kill(pid_, SIGKILL);
+    if (!waitForExit(dismissalGrace)) ::kill(pid_, SIGKILL);
     waitpid(pid_, nullptr, 0);
 }
 

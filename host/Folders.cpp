@@ -1,7 +1,6 @@
 #include "host/Folders.hpp"
 
-#include <cstdlib>
-
+#include "foundation/EnvironmentVariable.hpp"
 #include "foundation/Files.hpp"
 
 namespace zelto::host {
@@ -17,13 +16,7 @@ Folders Folders::of(
 }
 
 Folders Folders::current() {
-    return of(
-        [](std::string_view name) -> std::optional<std::string> {
-            const char* value = std::getenv(std::string(name).c_str());
-            if (!value) return std::nullopt;
-            return value;
-        },
-        HomeLookup::system().home());
+    return of(environmentVariable, HomeLookup::system().home());
 }
 
 }  // namespace zelto::host

@@ -4,7 +4,6 @@
 #include <array>
 #include <cerrno>
 #include <gdk-pixbuf/gdk-pixbuf.h>
-#include <memory>
 #include <mutex>
 
 #include <fcntl.h>
@@ -12,6 +11,7 @@
 #include <unistd.h>
 
 #include "foundation/FileDescriptor.hpp"
+#include "foundation/Handle.hpp"
 
 namespace zelto::imaging {
 namespace {
@@ -21,11 +21,8 @@ constexpr std::int64_t mostBytes = 48'000'000;
 /// A file that is larger is not read at all.
 constexpr off_t largestFile = 64 * 1024 * 1024;
 
-struct Unref {
-    void operator()(void* object) const { g_object_unref(object); }
-};
-using Loader = std::unique_ptr<GdkPixbufLoader, Unref>;
-using Pixbuf = std::unique_ptr<GdkPixbuf, Unref>;
+using Loader = Handle<GdkPixbufLoader, g_object_unref>;
+using Pixbuf = Handle<GdkPixbuf, g_object_unref>;
 
 /// How far a file has come.
 struct Progress {

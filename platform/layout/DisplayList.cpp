@@ -63,12 +63,6 @@ struct Line {
 
 }  // namespace
 
-std::optional<std::string> DisplayList::linkAt(Point point) const {
-    for (auto area = links.rbegin(); area != links.rend(); ++area)
-        if (area->frame.contains(point)) return area->url;
-    return widgetURL;
-}
-
 std::string dump(const DisplayList& displayList) {
     std::string out = "size " + number(displayList.size.width) + "×" + number(displayList.size.height) + "\n";
     for (const DisplayItem& item : displayList.items) out += std::visit(Line{}, item) + "\n";

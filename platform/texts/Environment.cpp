@@ -1,10 +1,10 @@
 #include "texts/Environment.hpp"
 
 #include <array>
-#include <cstdlib>
 
 #include <unicode/uloc.h>
 
+#include "foundation/EnvironmentVariable.hpp"
 #include "texts/TimeZone.hpp"
 
 namespace zelto {
@@ -21,12 +21,7 @@ std::string localeOf(const std::function<std::optional<std::string>(std::string_
 }
 
 Environment Environment::current() {
-    const auto variable = [](std::string_view name) -> std::optional<std::string> {
-        const char* value = std::getenv(std::string(name).c_str());
-        if (!value) return std::nullopt;
-        return value;
-    };
-    return {localeOf(variable), identifierOf({.variable = variable("TZ")})};
+    return {localeOf(environmentVariable), identifierOf({.variable = environmentVariable("TZ")})};
 }
 
 bool isKnownLocale(const std::string& locale) {

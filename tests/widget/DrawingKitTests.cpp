@@ -49,8 +49,8 @@ TEST(ColorFromHex, ReadsSixDigitsAndFallsBackToBlue) {
         {"-", "#4F8DF7"},       {"FFF", "#000FFF"},       {"4C#F50", "#4F8DF7"},     {"0x10", "#4F8DF7"},
         {"+-1", "#4F8DF7"},     {"000000001", "#000001"}, {" 4CAF50", "#4F8DF7"},    {"4caf50", "#4CAF50"}};
     for (const auto& [text, color] : rows) {
-        EXPECT_EQ(ui::hexText(Palette::fromHex(text)), color) << text;
-        EXPECT_EQ(Palette::fromHex(text).opacity, 1);
+        EXPECT_EQ(ui::hexText(Palette::colorFromHex(text)), color) << text;
+        EXPECT_EQ(Palette::colorFromHex(text).opacity, 1);
     }
 }
 

@@ -28,10 +28,10 @@ ui::Color loadColor(double fraction) {
     return danger;
 }
 
-ui::Color fromHex(std::string_view text) {
-    while (text.starts_with('#')) text.remove_prefix(1);
-    while (text.ends_with('#')) text.remove_suffix(1);
-    const std::uint32_t value = hexNumber(text).value_or(fallback);
+ui::Color colorFromHex(std::string_view hex) {
+    while (hex.starts_with('#')) hex.remove_prefix(1);
+    while (hex.ends_with('#')) hex.remove_suffix(1);
+    const std::uint32_t value = hexNumber(hex).value_or(fallback);
     const auto component = [value](int shift) { return static_cast<double>(value >> shift & 0xFF) / 255; };
     return {component(16), component(8), component(0)};
 }

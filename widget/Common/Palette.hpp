@@ -25,8 +25,8 @@ inline constexpr ui::LinearGradient background{{0.12, 0.15, 0.18}, {0.04, 0.05, 
 /// danger.
 ui::Color loadColor(double fraction);
 
-/// A colour from six hexadecimal digits with or without number signs around them; of eight digits the first
-/// two are ignored. Any other text gives a medium blue.
-ui::Color fromHex(std::string_view text);
+/// Color(hex:): a colour from six hexadecimal digits with or without number signs around them; of eight
+/// digits the first two are ignored. Any other text gives a medium blue.
+ui::Color colorFromHex(std::string_view hex);
 
 }  // namespace zelto::Palette

@@ -72,7 +72,7 @@ std::string EventLine::joinLink(const URL& meeting) {
 View EventLine::body() const {
     return HStack(
         {.spacing = 6},
-        Filled(RoundedRectangle{2}, Palette::fromHex(event.colorHex)).frame({.width = 3, .height = 26}),
+        Filled(RoundedRectangle{2}, Palette::colorFromHex(event.colorHex)).frame({.width = 3, .height = 26}),
         VStack(
             {.alignment = HAlign::leading, .spacing = 1},
             Text(event.title).font(11, Weight::semibold).lineLimit(1).foreground(Palette::white),

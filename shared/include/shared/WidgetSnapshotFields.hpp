@@ -5,8 +5,7 @@
 #include "records/Record.hpp"
 #include "shared/WidgetSnapshot.hpp"
 
-// Records whose no-argument initialiser reads the clock or draws a random identifier are decoded into still
-// ones.
+// Of these there are many, and their no-argument initialiser draws random identifiers or reads the clock twice.
 template <>
 inline zelto::WidgetSnapshot::Clip zelto::blank<zelto::WidgetSnapshot::Clip>() {
     return {.id = UUID::nil(), .text = {}, .imagePath = {}, .date = {}, .pinned = false};

@@ -244,15 +244,19 @@ TEST(Modifiers, TheInnermostFontWins) {
     EXPECT_EQ(frames(Text("a").font(10).font(30), 5, 12), "text 0,0 5×12 \"a\" 10 #FFFFFF\n");
 }
 
-TEST(Links, ResolveToTheTopmostAreaOrTheWidgetsOwn) {
+TEST(Links, HaveTheFramesOfTheirViewsInTheOrderInWhichTheyAreDrawn) {
     FixedMeasuring measuring;
     const auto displayList = layOut(
-        HStack({.spacing = 0}, box(), box().link("zelto://eq")).widgetURL("zelto://open?tab=home"),
+        HStack({.spacing = 0}, box(), ZStack(box(), box().link("zelto://in")).link("zelto://eq"))
+            .widgetURL("zelto://open?tab=home"),
         {.size = {40, 10}, .margin = 0, .now = {0}},
         measuring);
-    EXPECT_EQ(displayList.linkAt({5, 5}), "zelto://open?tab=home");
-    EXPECT_EQ(displayList.linkAt({25, 5}), "zelto://eq");
-    EXPECT_EQ(displayList.linkAt({39.9, 9.9}), "zelto://eq");
+    EXPECT_EQ(displayList.widgetURL, "zelto://open?tab=home");
+    ASSERT_EQ(displayList.links.size(), 2U);
+    EXPECT_EQ(displayList.links[0].url, "zelto://eq");
+    EXPECT_EQ(displayList.links[0].frame, (layout::Rect{20, 0, 20, 10}));
+    // The inner one lies above the outer one.
+    EXPECT_EQ(displayList.links[1].url, "zelto://in");
 }
 
 TEST(Margins, SurroundTheContent) {

@@ -83,11 +83,10 @@ struct DisplayList {
     Size size;
     std::optional<ui::LinearGradient> background;
     std::vector<DisplayItem> items;
+    /// What a tap opens: the last area that it meets, otherwise the widget's own link.
     std::vector<LinkArea> links;
     std::optional<std::string> widgetURL;
 
-    /// The link that a tap at `point` opens: that of the topmost area, otherwise the widget's own.
-    std::optional<std::string> linkAt(Point point) const;
     bool operator==(const DisplayList&) const = default;
 };
 

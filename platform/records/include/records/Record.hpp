@@ -37,8 +37,8 @@ struct TokenName<UUID> {
 template <class T>
 struct ShortText;
 
-/// A value for a decoder to fill. Types whose no-argument initialiser reads the clock or draws random numbers
-/// specialise it.
+/// A value for a decoder to fill; what it holds in required members is never seen. Types that cannot be made
+/// without arguments specialise it, and those for which that would be expensive.
 template <class T>
 T blank() {
     return T{};
