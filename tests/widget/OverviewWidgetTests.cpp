@@ -35,10 +35,10 @@ std::string ring(const Look& look) {
 }
 
 TEST(OverviewWidget, LooksAsItShould) {
-    EXPECT_TRUE(matchesGolden("overview-small-charging", outline(small, with(73, true))));
-    EXPECT_TRUE(matchesGolden("overview-small-no-battery", outline(small, with({}, false))));
-    EXPECT_TRUE(matchesGolden("overview-medium-charging", outline(medium, with(73, true))));
-    EXPECT_TRUE(matchesGolden("overview-medium-no-battery", outline(medium, with({}, false))));
+    EXPECT_TRUE(matchesGolden("ZeltoWidget-systemSmall-charging", outline(small, with(73, true))));
+    EXPECT_TRUE(matchesGolden("ZeltoWidget-systemSmall-noBattery", outline(small, with({}, false))));
+    EXPECT_TRUE(matchesGolden("ZeltoWidget-systemMedium-charging", outline(medium, with(73, true))));
+    EXPECT_TRUE(matchesGolden("ZeltoWidget-systemMedium-noBattery", outline(medium, with({}, false))));
 }
 
 TEST(OverviewWidget, SmallRingTurnsToDangerAtTwentyPercentUnlessCharging) {

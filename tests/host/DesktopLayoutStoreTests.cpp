@@ -1,14 +1,9 @@
-#include <fstream>
-
 #include <gtest/gtest.h>
 
 #include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
-#include "host/EntryStore.hpp"
-#include "host/Folders.hpp"
 #include "tests/support/Ages.hpp"
 #include "tests/support/TemporaryFolder.hpp"
-#include "ui/Building.hpp"
 
 namespace zelto::host {
 namespace {
@@ -108,97 +103,6 @@ TEST_F(Layouts, AFileThatCannotBeWrittenIsReported) {
     DesktopLayoutStore store(blocker / "below");
     const auto saved = store.save({{battery}});
     EXPECT_EQ(saved.fault(), (Fault{.path = store.file(), .reason = "cannot be written"}));
-}
-
-struct Entries : testing::Test {
-    TemporaryFolder folder;
-    EntryStore store{folder.path() / "cache/zelto"};
-    const ArchivedTimeline timeline{{{Date{5}, ui::Text("olá")}}, Date{300}};
-    const std::string line = lineOf(timeline);
-
-    static std::string lineOf(const ArchivedTimeline& timeline) {
-        Reply reply{.id = 7};
-        reply.timeline = timeline;
-        return encodeReply(reply).value();
-    }
-};
-
-TEST_F(Entries, ComeBackAsTheyWereSaved) {
-    EXPECT_EQ(store.load(battery), std::nullopt);
-    EXPECT_TRUE(store.save(battery, line));
-    EXPECT_EQ(store.load(battery), timeline);
-    EXPECT_EQ(
-        std::filesystem::status(folder.path() / "cache/zelto").permissions(),
-        std::filesystem::perms::owner_all);
-}
-
-TEST_F(Entries, AreOfAKindAndAFamily) {
-    EXPECT_TRUE(store.save(battery, line));
-    auto other = battery;
-    other.family = WidgetFamily::systemMedium;
-    EXPECT_EQ(store.load(other), std::nullopt);
-    other = battery;
-    other.kind = "ZeltoFans";
-    EXPECT_EQ(store.load(other), std::nullopt);
-}
-
-TEST_F(Entries, NamesOfWidgetsStayInTheFolder) {
-    auto odd = battery;
-    odd.id = "../../Ü";
-    EXPECT_TRUE(store.save(odd, line));
-    EXPECT_TRUE(std::filesystem::exists(
-        folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.ZeltoBattery.systemSmall.json"));
-    EXPECT_EQ(store.load(odd), timeline);
-}
-
-TEST_F(Entries, AreReadAsAStrangers) {
-    EXPECT_TRUE(store.save(battery, line));
-    const auto file = folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.json";
-    const auto good = readFile(file).value();
-    for (const std::string& bad :
-         {std::string(), good.substr(0, good.size() / 2), std::string("{}"), std::string("\xFF")}) {
-        std::ofstream(file) << bad;
-        EXPECT_EQ(store.load(battery), std::nullopt);
-    }
-    // Out of bounds, without entries, out of order.
-    for (const ArchivedTimeline& bad :
-         {ArchivedTimeline{{{Date{5}, ui::Text(std::string(20'000, 'x'))}}, Date{300}},
-          ArchivedTimeline{{}, Date{300}},
-          ArchivedTimeline{{{Date{5}, ui::Text("")}, {Date{4}, ui::Text("")}}, Date{300}}}) {
-        EXPECT_TRUE(store.save(battery, lineOf(bad)));
-        EXPECT_EQ(store.load(battery), std::nullopt);
-    }
-}
-
-TEST_F(Entries, OfMoreThanTwoMegabytesAreNone) {
-    EXPECT_TRUE(store.save(battery, line));
-    std::filesystem::resize_file(
-        folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.json", std::uintmax_t{20} << 30);
-    EXPECT_EQ(store.load(battery), std::nullopt);
-    // Nor are they written.
-    EXPECT_FALSE(store.save(battery, std::string((std::size_t{2} << 20) + 1, ' ')));
-}
-
-TEST_F(Entries, OfWidgetsThatAreGoneAreDeleted) {
-    EXPECT_TRUE(store.save(battery, line));
-    EXPECT_TRUE(store.save(clock_, line));
-    folder.write("cache/zelto/.b.json.5E5A7C1E-0000-4000-8000-000000000000", "half");
-    store.keepOnly({clock_});
-    EXPECT_EQ(store.load(battery), std::nullopt);
-    EXPECT_EQ(store.load(clock_), timeline);
-    EXPECT_FALSE(
-        std::filesystem::exists(folder.path() / "cache/zelto/.b.json.5E5A7C1E-0000-4000-8000-000000000000"));
-}
-
-TEST(Folders, FollowTheEnvironmentIfItIsAbsolute) {
-    const auto of = [](std::optional<std::string> config, std::optional<std::string> cache) {
-        const auto folders = Folders::of(
-            [&](std::string_view name) { return name == "XDG_CONFIG_HOME" ? config : cache; }, "/home/ana");
-        return folders.configuration.string() + " " + folders.cache.string();
-    };
-    EXPECT_EQ(of(std::nullopt, std::nullopt), "/home/ana/.config/zelto /home/ana/.cache/zelto");
-    EXPECT_EQ(of("/c", "/k"), "/c/zelto /k/zelto");
-    EXPECT_EQ(of("", "relative"), "/home/ana/.config/zelto /home/ana/.cache/zelto");
 }
 
 }  // namespace
