@@ -7,9 +7,11 @@
 #include <poll.h>
 
 #include "foundation/Files.hpp"
+#include "records/JSONDecoder.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Process.hpp"
+#include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
 namespace {
@@ -184,7 +186,9 @@ TEST_P(DesktopOn, ALinkCommandGetsTheLink) {
 
 TEST_P(DesktopOn, TheFirstStartPlacesEveryWidgetOnce) {
     desktop.start();
-    ASSERT_TRUE(eventually([&] { return desktop.widgets().size() == 11; })) << desktop.log();
+    const auto offered =
+        decodeJSON<std::vector<WidgetDescription>>(desktop.zelto({"gallery", "--json"}).output).value();
+    ASSERT_TRUE(eventually([&] { return desktop.widgets().size() == offered.size(); })) << desktop.log();
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
     for (const PlacedWidget& each : desktop.widgets()) EXPECT_TRUE(desktop.call("remove", {each.id}));
     EXPECT_TRUE(desktop.widgets().empty());

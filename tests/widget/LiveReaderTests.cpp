@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "tests/support/LiveFields.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 #include "widget/Common/LiveReader.hpp"
 
@@ -175,6 +176,16 @@ TEST(LiveReader, PutsAReadingTogetherFromAFolderTree) {
     EXPECT_EQ(live.cpu, 0.25);
     EXPECT_NEAR(live.memory, 0.6, 0.01);
     EXPECT_GT(live.diskTotal, 0U);
+}
+
+TEST(LiveReader, TakesEveryReading) {
+    FakeMachine machine{
+        .sources = std::vector{source(50, 100)},
+        .ticks = {CPUTicks{}, CPUTicks{.user = 1, .system = 0, .idle = 1, .nice = 0}},
+        .memory = VirtualMemoryStatistics{.internal = 1, .purgeable = 0, .wired = 0, .compressor = 0},
+        .physical = 100'000,
+        .volume = VolumeCapacities{100, 50}};
+    EXPECT_EQ(untouched(LiveReader::read(machine.readings())), "");
 }
 
 TEST(LiveReader, FallsBackEverywhereOnAnEmptyMachine) {

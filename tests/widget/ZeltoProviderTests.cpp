@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "foundation/ISO8601.hpp"
+#include "tests/support/LiveFields.hpp"
 #include "widget/Common/ZeltoProvider.hpp"
 
 namespace zelto::test {
@@ -59,6 +60,10 @@ ZeltoEntry snapshotOf(const ZeltoProvider& provider, const TimelineProviderConte
 Timeline<ZeltoEntry> timelineOf(const ZeltoProvider& provider) {
     return once<Timeline<ZeltoEntry>>(
         [&](const auto& completion) { provider.getTimeline(context, completion); });
+}
+
+TEST(Placeholder, HasEveryReading) {
+    EXPECT_EQ(untouched(placeholderLiveData()), "");
 }
 
 TEST(Placeholder, TouchesNeitherTheFileNorTheReader) {
