@@ -68,7 +68,7 @@ Config changed(Config config, const std::string& text) {
         if (equals == text.size()) throw Failure(missingValue(name), badValue);
         const Schema& schema = field.schema();
         std::string value = text.substr(equals + 1);
-        if (schema.kind == Schema::Kind::token) {
+        if (schema.parse) {
             std::string quoted;
             appendJSONString(quoted, value);
             value = quoted;

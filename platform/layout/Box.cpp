@@ -86,7 +86,12 @@ std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherite
     if (!boxed) return build(view, modifiers - 1, inherited);
     const std::size_t index = boxes_.size();
     boxes_.push_back(
-        {.modifier = boxed, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
+        {.modifier = boxed,
+         .view = &view,
+         .inherited = inherited,
+         .children = {},
+         .stackChildren = {},
+         .answers = {}});
     const std::size_t child = build(view, modifiers - 1, inherited);
     boxes_[index].children.push_back(child);
     return index;
@@ -95,7 +100,12 @@ std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherite
 std::size_t BoxTree::buildNode(const ui::View& view, const Inherited& inherited) {
     const std::size_t index = boxes_.size();
     boxes_.push_back(
-        {.node = &view.node, .view = &view, .inherited = inherited, .children = {}, .answers = {}});
+        {.node = &view.node,
+         .view = &view,
+         .inherited = inherited,
+         .children = {},
+         .stackChildren = {},
+         .answers = {}});
     const ui::Views* children = ui::childrenOf(view.node);
     if (!children) return index;
     Inherited inside = inherited;
@@ -105,6 +115,8 @@ std::size_t BoxTree::buildNode(const ui::View& view, const Inherited& inherited)
     std::vector<std::size_t> indices;
     indices.reserve(children->size());
     for (const ui::View& child : *children) indices.push_back(build(child, child.modifiers.size(), inside));
+    if (inside.stackAxis != Axis::none)
+        for (const std::size_t child : indices) boxes_[index].stackChildren.push_back(stackChildOf(child));
     boxes_[index].children = std::move(indices);
     return index;
 }
@@ -165,7 +177,7 @@ Size BoxTree::answer(const Box& box, const ProposedSize& proposal) {
         }
         Size stack() const {
             ChildrenOf children(tree, box);
-            return layOutStack(tree.stackOf(box, proposal), children).size;
+            return layOutStack(stackOf(box, proposal), children).size;
         }
     };
     return std::visit(Answer{*this, box, proposal}, *box.node);
@@ -186,8 +198,8 @@ StackChild BoxTree::stackChildOf(std::size_t index) const {
         .shrinks = box.inherited.minimumScale<1, .isLimited = box.inherited.lineLimit> 0};
 }
 
-StackInput BoxTree::stackOf(const Box& box, const ProposedSize& proposal) const {
-    StackInput out{.alignment = {}, .spacing = {}, .children = {}, .proposal = proposal};
+StackInput BoxTree::stackOf(const Box& box, const ProposedSize& proposal) {
+    StackInput out{.alignment = {}, .spacing = {}, .children = box.stackChildren, .proposal = proposal};
     if (const auto* row = std::get_if<ui::node::HStack>(box.node)) {
         out.alignment = row->alignment;
         out.spacing = row->spacing;
@@ -196,8 +208,6 @@ StackInput BoxTree::stackOf(const Box& box, const ProposedSize& proposal) const 
         out.alignment = column.alignment;
         out.spacing = column.spacing;
     }
-    out.children.reserve(box.children.size());
-    for (const std::size_t child : box.children) out.children.push_back(stackChildOf(child));
     return out;
 }
 

@@ -37,6 +37,7 @@ struct Box {
     const ui::View* view = nullptr;  // that it comes from
     Inherited inherited;
     std::vector<std::size_t> children;
+    std::vector<StackChild> stackChildren;  // of a stack
     /// What it answered to each proposal so far.
     std::vector<std::pair<ProposedSize, Size>> answers;
 };
@@ -62,7 +63,7 @@ class BoxTree {
     Size answer(const Box& box, const ProposedSize& proposal);
     double firstBaselineOfNode(const Box& box, double height, const ProposedSize& proposal);
     TextFit fit(const std::string& text, const Box& box, const ProposedSize& proposal);
-    StackInput stackOf(const Box& box, const ProposedSize& proposal) const;
+    static StackInput stackOf(const Box& box, const ProposedSize& proposal);
     StackChild stackChildOf(std::size_t box) const;
 
     void emit(const Box& box, Rect frame, const ProposedSize& proposal);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <variant>
 #include <vector>
 
@@ -25,7 +26,7 @@ struct StackInput {
     std::variant<ui::VAlign, ui::HAlign> alignment;
     /// Between neighbours, in points; the default when absent.
     std::optional<double> spacing;
-    std::vector<StackChild> children;
+    std::span<const StackChild> children;
     ProposedSize proposal;
 };
 

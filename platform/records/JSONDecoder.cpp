@@ -89,8 +89,7 @@ class Sink {
             *static_cast<std::string*>(target.value) = value;
             return true;
         }
-        if (target.schema->kind != Kind::token && target.schema->kind != Kind::bytes)
-            return mismatch(target, "a string");
+        if (!target.schema->parse) return mismatch(target, "a string");
         return target.schema->parse(target.value, value) || fail("not " + std::string(target.schema->name));
     }
     bool binary(const nlohmann::json::binary_t&) { return false; }  // not a thing of JSON texts

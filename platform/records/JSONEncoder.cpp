@@ -77,6 +77,14 @@ class Writer {
         *at_++ = '"';
         *at_++ = ':';
     }
+    /// The same as a value.
+    void putName(std::string_view name) {
+        reserve(name.size() + 2);
+        *at_++ = '"';
+        std::memcpy(at_, name.data(), name.size());
+        at_ += name.size();
+        *at_++ = '"';
+    }
     template <class Integer>
     void putInteger(Integer value) {
         reserve(longestNumber);
@@ -195,6 +203,7 @@ bool Writer::putValue(const Schema& schema, const void* value) {
         case Kind::string: return putString(*static_cast<const std::string*>(value));
         case Kind::token:
         case Kind::bytes: return putToken(schema, value);
+        case Kind::enumeration: putName(schema.caseName(value)); return true;
         case Kind::optional:
             // Only a record can leave an absent value out.
             return schema.count(value) == 1 && putValue(schema.element(), schema.at(value, 0));

@@ -66,6 +66,7 @@ std::string valueText(const Schema& schema, const void* value) {
         }
         case Kind::string: return quoted(*static_cast<const std::string*>(value));
         case Kind::token: return printed(schema, value);
+        case Kind::enumeration: return std::string(schema.caseName(value));
         case Kind::bytes: return std::to_string(static_cast<const Bytes*>(value)->bytes.size()) + " bytes";
         case Kind::optional: return valueText(schema.element(), schema.at(value, 0));
         case Kind::list: {

@@ -1,16 +1,11 @@
 #include <gtest/gtest.h>
-#include <poll.h>
 
 #include "host/ZoneWatch.hpp"
+#include "tests/support/Readable.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::host {
 namespace {
-
-bool canBeRead(int fd, int milliseconds) {
-    pollfd waiting{fd, POLLIN, 0};
-    return poll(&waiting, 1, milliseconds) == 1;
-}
 
 TEST(ZoneWatch, NoticesThatTheSettingWasReplaced) {
     const test::TemporaryFolder folder;
@@ -20,7 +15,7 @@ TEST(ZoneWatch, NoticesThatTheSettingWasReplaced) {
     ZoneWatch watch(setting, data.path());
     EXPECT_FALSE(watch.take().setting);
     folder.write("hosts", "");
-    EXPECT_TRUE(canBeRead(watch.fd(), 0));
+    EXPECT_TRUE(test::canBeRead(watch.fd(), 0));
     EXPECT_FALSE(watch.take().setting);
     std::filesystem::create_symlink("/usr/share/zoneinfo/America/Sao_Paulo", folder.path() / "new");
     std::filesystem::rename(folder.path() / "new", setting);
@@ -34,7 +29,7 @@ TEST(ZoneWatch, NoticesAnUpgradeOfTheData) {
     EXPECT_FALSE(watch.take().data);
     data.write("zone.tab.new", "");
     std::filesystem::rename(data.path() / "zone.tab.new", data.path() / "zone.tab");
-    EXPECT_TRUE(canBeRead(watch.fd(), 0));
+    EXPECT_TRUE(test::canBeRead(watch.fd(), 0));
     const auto changes = watch.take();
     EXPECT_TRUE(changes.data);
     EXPECT_FALSE(changes.setting);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -25,6 +26,15 @@ struct ExtensionClient {
         out.family = family;
         return out;
     }
+};
+
+/// What those get who ask the extension by themselves.
+struct AskerSeams {
+    const ExtensionClient& client;
+    std::function<Date()> now;
+    std::function<void(const std::string& line)> log;
+    /// An answer came, or failed to: something may be new, or due.
+    std::function<void()> changed;
 };
 
 }  // namespace zelto::host

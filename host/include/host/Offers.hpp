@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,14 +13,7 @@ namespace zelto::host {
 /// Which widgets the extension offers: asked for until it tells. For one thread.
 class Offers {
   public:
-    struct Seams {
-        const ExtensionClient& client;
-        std::function<Date()> now;
-        std::function<void(const std::string& line)> log;
-        /// The widgets were told, or it is to be asked again later.
-        std::function<void()> changed;
-    };
-    explicit Offers(Seams seams) : seams_(std::move(seams)) {}
+    explicit Offers(AskerSeams seams) : seams_(std::move(seams)) {}
 
     /// Asks if it is time to.
     void tick(Date now);
@@ -37,7 +29,7 @@ class Offers {
     Result<void> check(const std::string& kind, WidgetFamily family) const;
 
   private:
-    Seams seams_;
+    AskerSeams seams_;
     std::vector<WidgetDescription> widgets_;
     bool isAsking_ = false;
     Date askAt_{};

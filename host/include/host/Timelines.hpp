@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -17,14 +16,7 @@ namespace zelto::host {
 /// now. For one thread.
 class Timelines {
   public:
-    struct Seams {
-        const ExtensionClient& client;
-        std::function<Date()> now;
-        std::function<void(const std::string& line)> log;
-        /// An answer came: something may be due.
-        std::function<void()> changed;
-    };
-    Timelines(EntryStore store, Seams seams) : store_(std::move(store)), seams_(std::move(seams)) {}
+    Timelines(EntryStore store, AskerSeams seams) : store_(std::move(store)), seams_(std::move(seams)) {}
 
     /// From now on these are the widgets. A new one, and one of another kind or family than before, shows
     /// what is stored of it and wants a fresh timeline. What is stored of one that is gone is deleted.
@@ -49,7 +41,7 @@ class Timelines {
     void failed(const PlacedWidget& widget, const std::string& why);
 
     EntryStore store_;
-    Seams seams_;
+    AskerSeams seams_;
     Schedule schedule_;
     std::vector<PlacedWidget> widgets_;
     std::map<std::string, std::string> failures_;  // of widgets whose last request failed, by id

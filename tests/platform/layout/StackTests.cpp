@@ -20,10 +20,10 @@ const FixedChild flexible{{0, 0}, {infinity, 10}}, text{{0, 10}, {60, 10}};
 
 /// The widths that a row gives its children, and the place where each begins: "10@0 20@18".
 std::string row(
-    std::vector<StackChild> kinds, std::vector<FixedChild> sizes, std::optional<double> width,
+    const std::vector<StackChild>& kinds, std::vector<FixedChild> sizes, std::optional<double> width,
     std::optional<double> spacing = {}) {
     FixedChildren children(std::move(sizes));
-    const StackInput input{ui::VAlign::top, spacing, std::move(kinds), {width, 50}};
+    const StackInput input{ui::VAlign::top, spacing, kinds, {width, 50}};
     const StackLayout layout = layOutStack(input, children);
     const auto origins = stackOrigins(input, layout, {0, 0, layout.size.width, 50}, children);
     std::string out;
@@ -63,7 +63,8 @@ TEST(Stack, TextsGiveWayInTheirOrder) {
 
 TEST(Stack, AColumnKnowsNoTurnsOfTexts) {
     FixedChildren children({{{10, 0}, {10, 60}}, {{10, 0}, {10, 60}}});
-    const StackInput input{ui::HAlign::center, 0, {shrinking, wrapping}, {50, 80}};
+    const std::vector kinds{shrinking, wrapping};
+    const StackInput input{ui::HAlign::center, 0, kinds, {50, 80}};
     const StackLayout layout = layOutStack(input, children);
     EXPECT_EQ(layout.sizes[0].height, 40);
     EXPECT_EQ(layout.sizes[1].height, 40);
@@ -73,7 +74,8 @@ TEST(Stack, AlignsAcross) {
     const std::vector<FixedChild> sizes{FixedChild::of(10, 20, 15), FixedChild::of(10, 8, 5)};
     const auto ys = [&](ui::VAlign alignment) {
         FixedChildren children(sizes);
-        const StackInput input{alignment, 0, {other, other}, {100, 50}};
+        const std::vector kinds{other, other};
+        const StackInput input{alignment, 0, kinds, {100, 50}};
         const StackLayout layout = layOutStack(input, children);
         const auto origins = stackOrigins(input, layout, {0, 0, 20, layout.size.height}, children);
         return std::vector<double>{layout.size.height, origins[0].y, origins[1].y};

@@ -4,6 +4,7 @@
 #include "ui/Shapes.hpp"
 
 // Cairo's context, by its name alone: its headers stay within the rooms that use it.
+// NOLINTNEXTLINE(bugprone-reserved-identifier): the library's own name.
 using cairo_t = struct _cairo;
 
 namespace zelto::drawing {

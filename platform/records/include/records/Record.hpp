@@ -228,9 +228,12 @@ struct MakeSchema<E> {
         if (parsed) *static_cast<E*>(value) = *parsed;
         return parsed.has_value();
     }
-    static void print(const void* value, std::string& out) { out += nameOf(*static_cast<const E*>(value)); }
+    static std::string_view caseName(const void* value) { return nameOf(*static_cast<const E*>(value)); }
     static constexpr Schema schema{
-        .kind = Schema::Kind::token, .name = Names<E>::expectation, .parse = &parse, .print = &print};
+        .kind = Schema::Kind::enumeration,
+        .name = Names<E>::expectation,
+        .parse = &parse,
+        .caseName = &caseName};
 };
 
 template <class T>

@@ -21,7 +21,8 @@ struct Schema {
         real,             // double
         date,             // Date, written as its seconds since the reference date
         string,           // std::string, UTF-8
-        token,            // written as a string with a grammar of its own: UUID, URL, an enumeration
+        token,            // written as a string with a grammar of its own: UUID, URL
+        enumeration,      // written as its case's name
         bytes,            // Bytes, written as base64 text
         optional,         // std::optional; `count` is 0 or 1
         list,             // std::vector
@@ -49,9 +50,12 @@ struct Schema {
     /// In messages "a UUID", "an integer"; for records and cases the type's own name.
     std::string_view name;
 
-    // token, bytes; a record that outlines show in short may have `print` alone
+    // token, bytes, enumeration
     bool (*parse)(void* value, std::string_view text) = nullptr;
+    // token, bytes; also a record that outlines show in short
     void (*print)(const void* value, std::string& out) = nullptr;
+    // enumeration
+    std::string_view (*caseName)(const void* value) = nullptr;
     // optional, list, choice
     Reference element = nullptr;
     void* (*append)(void* container) = nullptr;  // a blank element, also for an optional
