@@ -5,7 +5,8 @@
 #include "records/Record.hpp"
 #include "shared/WidgetSnapshot.hpp"
 
-// Of these there are many, and their no-argument initialiser draws random identifiers or reads the clock twice.
+// Of these there are many, and their no-argument initialiser draws random identifiers or reads the clock
+// twice.
 template <>
 inline zelto::WidgetSnapshot::Clip zelto::blank<zelto::WidgetSnapshot::Clip>() {
     return {.id = UUID::nil(), .text = {}, .imagePath = {}, .date = {}, .pinned = false};
