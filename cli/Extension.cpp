@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <map>
 #include <utility>
 
 #include "Failure.hpp"
@@ -22,12 +21,6 @@ host::ExtensionProgram programFor(const ExtensionOptions& options) {
     return program;
 }
 
-host::ExtensionProcess startProcess(const host::ExtensionProgram& program) {
-    auto process = host::ExtensionProcess::start(program);
-    if (!process) throw Failure(process.fault().text());
-    return *std::move(process);
-}
-
 /// "ZeltoWorldClock" is also called "worldClock"; case does not matter to a person.
 std::string memberName(const std::string& kind) {
     constexpr std::string_view prefix = "Zelto";
@@ -39,8 +32,9 @@ std::string memberName(const std::string& kind) {
 
 }  // namespace
 
+// What goes wrong is told by the outcomes; nobody reads a log.
 Extension::Extension(const ExtensionOptions& options)
-    : program_(programFor(options)), process_(startProcess(program_)) {}
+    : supervisor_({.program = programFor(options)}, [](const std::string&) {}) {}
 
 host::Outcomes Extension::ask(std::vector<Request> requests) {
     const Environment environment = Environment::current();
@@ -48,16 +42,10 @@ host::Outcomes Extension::ask(std::vector<Request> requests) {
         request.locale = environment.locale;
         request.timeZone = environment.timeZone;
     }
+    const std::size_t count = requests.size();
     host::Outcomes all;
-    std::map<std::size_t, Request> again;
-    const auto take = [&all](host::Outcomes outcomes) { all.merge(outcomes); };
-    process_.exchange(requests, [&](host::Outcomes outcomes) {
-        for (const auto& [place, outcome] : outcomes)
-            if (isUnanswered(outcome)) again[place] = requests[place];
-        std::erase_if(outcomes, [](const auto& each) { return isUnanswered(each.second); });
-        take(std::move(outcomes));
-    });
-    host::askApart(program_, again, take);
+    supervisor_.ask(std::move(requests), [&all](host::Outcomes outcomes) { all.merge(outcomes); });
+    host::runMainLoopUntil([&] { return all.size() == count; });
     return all;
 }
 

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "Commands.hpp"
-#include "host/ExtensionProcess.hpp"
+#include "host/ExtensionSupervisor.hpp"
 
 namespace zelto::cli {
 
@@ -15,15 +15,13 @@ class Extension {
 
     /// Raises Failure when they are not told.
     std::vector<WidgetDescription> widgets();
-    /// What became of each request, in this process's locale and zone. What the death of a process leaves
-    /// unanswered is asked again in processes of their own.
+    /// What became of each request, in this process's locale and zone.
     host::Outcomes ask(std::vector<Request> requests);
     /// The reply to one request; raises Failure when there is none.
     Reply ask(Request request);
 
   private:
-    host::ExtensionProgram program_;
-    host::ExtensionProcess process_;
+    host::ExtensionSupervisor supervisor_;
 };
 
 /// The widget that a person means: by its kind, or by the kind without its "Zelto" in any case ("battery");

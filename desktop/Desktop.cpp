@@ -16,15 +16,7 @@ Desktop::Desktop(DesktopOptions options)
     : options_(std::move(options)),
       backend_(options_.zoom),
       links_(options_.linkCommand),
-      worker_(std::make_unique<host::ExtensionWorker>(
-          options_.extension, host::ExtensionWorker::Seams{
-                                  .post =
-                                      [isThere = std::weak_ptr(life_)](std::function<void()> function) {
-                                          postToMainThread([isThere, function = std::move(function)] {
-                                              if (!isThere.expired()) function();
-                                          });
-                                      },
-                                  .log = options_.log})) {
+      supervisor_(std::make_unique<host::ExtensionSupervisor>(options_.extension, options_.log)) {
     host::DesktopLayoutStore layouts(options_.folders.configuration);
     std::error_code error;
     isFirstStart_ = !std::filesystem::exists(layouts.file(), error);
@@ -42,7 +34,7 @@ Desktop::Desktop(DesktopOptions options)
 }
 
 Desktop::~Desktop() {
-    worker_.reset();
+    supervisor_.reset();
 }
 
 host::HostSeams Desktop::seams() {
@@ -50,32 +42,32 @@ host::HostSeams Desktop::seams() {
         .now = &Date::now,
         .environment = &Environment::current,
         .ask =
-            [this](std::vector<Request> requests, host::ExtensionWorker::Completion completion) {
-                worker_->ask(std::move(requests), std::move(completion));
+            [this](std::vector<Request> requests, host::ExtensionSupervisor::Completion completion) {
+                supervisor_->ask(std::move(requests), std::move(completion));
             },
         .wakeAt = [this](std::optional<Date> instant) { timer_.arm(instant); },
         .log = options_.log};
 }
 
 void Desktop::watchClock() {
-    timerSource_ = MainSource::whenReadable(timer_.fd(), [this] {
+    timerSource_ = host::MainSource::whenReadable(timer_.fd(), [this] {
         switch (timer_.take()) {
             case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
             case host::WallTimer::Event::expired: host_->wake(); break;
             case host::WallTimer::Event::none: break;
         }
     });
-    zoneSource_ = MainSource::whenReadable(zone_.fd(), [this] {
+    zoneSource_ = host::MainSource::whenReadable(zone_.fd(), [this] {
         const auto changes = zone_.take();
         // What the extension has read of the zones stays with it: it is to start anew, also when the setting
         // is a file of its own; after an upgrade, once all is in place.
         if (changes.setting) {
-            worker_->restart();
+            supervisor_->restart();
             host_->environmentChanged();
         }
         if (changes.data)
-            zoneDataSource_ = MainSource::after(upgradeSeconds, [this] {
-                worker_->restart();
+            zoneDataSource_ = host::MainSource::after(upgradeSeconds, [this] {
+                supervisor_->restart();
                 host_->environmentChanged();
             });
     });
@@ -138,7 +130,7 @@ void Desktop::close(const std::string& id) {
     const std::shared_ptr<WidgetWindow> window = std::move(found->second);
     windows_.erase(found);
     window->hide();
-    postToMainThread([window] {});
+    host::postToMainThread([window] {});
 }
 
 void Desktop::shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) {
@@ -185,7 +177,7 @@ void Desktop::showGallery() {
         gallery_->signal_delete_event().connect([this](GdkEventAny*) {
             // Not from within its own signal.
             const std::shared_ptr<Gallery> closed = std::move(gallery_);
-            postToMainThread([closed] {});
+            host::postToMainThread([closed] {});
             return false;
         });
     }

@@ -8,11 +8,11 @@
 #include <vector>
 
 #include "Gallery.hpp"
-#include "MainThread.hpp"
 #include "WidgetWindow.hpp"
-#include "host/ExtensionWorker.hpp"
+#include "host/ExtensionSupervisor.hpp"
 #include "host/Folders.hpp"
 #include "host/LinkOpener.hpp"
+#include "host/MainLoop.hpp"
 #include "host/WallTimer.hpp"
 #include "host/ZoneWatch.hpp"
 
@@ -60,14 +60,13 @@ class Desktop : public host::HostObserver {
     host::LinkOpener links_;
     host::WallTimer timer_;
     host::ZoneWatch zone_;
-    MainSource timerSource_, zoneSource_, zoneDataSource_;
+    host::MainSource timerSource_, zoneSource_, zoneDataSource_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;
     bool isFirstStart_ = false;
     // Ends first: its completions speak to all of the above.
     std::unique_ptr<host::WidgetHost> host_;
-    std::shared_ptr<int> life_ = std::make_shared<int>();
-    std::unique_ptr<host::ExtensionWorker> worker_;
+    std::unique_ptr<host::ExtensionSupervisor> supervisor_;
 };
 
 }  // namespace zelto::desktop

@@ -153,7 +153,7 @@ int run(int argc, char** argv) {
     const auto additions = additionsOf(options);
     if (!additions) return 2;
 
-    // What was read and decoded on other threads would otherwise stay with arenas of their own.
+    // The libraries' threads would otherwise keep arenas of their own.
     mallopt(M_ARENA_MAX, 1);
     std::signal(SIGPIPE, SIG_IGN);
     const auto address = options.bus.empty() ? bus::Address::session() : bus::Address::at(options.bus);
@@ -165,7 +165,7 @@ int run(int argc, char** argv) {
         {.host = [&desktop]() -> host::WidgetHost& { return desktop->host(); },
          .showGallery = [&desktop] { desktop->showGallery(); },
          .quit = [] { gtk_main_quit(); }},
-        desktop::postToMainThread);
+        host::postToMainThread);
     if (!listener) {
         const bus::Error& error = listener.fault();
         if (error.kind == bus::ErrorKind::nameTaken) return handOver(address, options.gallery, *additions);

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <gtkmm/cssprovider.h>
 
-#include "MainThread.hpp"
 #include "PaintPicture.hpp"
 #include "drawing/Paths.hpp"
+#include "host/MainLoop.hpp"
 #include "layout/Layout.hpp"
 #include "ui/Reading.hpp"
 #include "ui/TimerText.hpp"
@@ -82,7 +82,7 @@ std::optional<layout::Rect> countdownArea(
 }  // namespace
 
 struct WidgetView::Sources {
-    MainSource tick, message;
+    host::MainSource tick, message;
 };
 
 TapArea::TapArea(double cornerRadius, bool showsHover)
@@ -204,7 +204,7 @@ void WidgetView::say(const std::string& text) {
     int least = 0, natural = 0;
     message_->get_preferred_height_for_width(width, least, natural);
     move(*message_, rounded(12 * zoom_), rounded(size_.height * zoom_) - natural - rounded(12 * zoom_));
-    sources_->message = MainSource::after(messageSeconds, [this] { message_->hide(); });
+    sources_->message = host::MainSource::after(messageSeconds, [this] { message_->hide(); });
 }
 
 void WidgetView::setSeen(bool isSeen) {
@@ -240,7 +240,7 @@ void WidgetView::waitForTick() {
             const Date change = ui::nextTimerChange(countdown->end, now);
             next = next ? std::min(*next, change) : change;
         }
-    if (next) sources_->tick = MainSource::after(*next - now, [this] { tick(); });
+    if (next) sources_->tick = host::MainSource::after(*next - now, [this] { tick(); });
 }
 
 void WidgetView::tick() {

@@ -5,9 +5,9 @@
 #include <gtkmm/checkmenuitem.h>
 #include <gtkmm/separatormenuitem.h>
 
-#include "MainThread.hpp"
 #include "Outline.hpp"
 #include "Strings.hpp"
+#include "host/MainLoop.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -135,7 +135,7 @@ bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
 
 /// A compositor closes what was on a monitor that went away; the widget comes back on another one.
 bool WidgetWindow::on_delete_event(GdkEventAny*) {
-    postToMainThread([this, isThere = std::weak_ptr(life_)] {
+    host::postToMainThread([this, isThere = std::weak_ptr(life_)] {
         if (isThere.expired()) return;
         hide();
         seams_.closed();

@@ -1,62 +1,40 @@
 #include "host/ExtensionProcess.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
-#include <mutex>
-#include <thread>
 #include <utility>
 
-#include <fcntl.h>
-#include <poll.h>
-#include <spawn.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
-#include <system_error>
+#include <gio/gio.h>
+#include <gio/gunixinputstream.h>
+#include <gio/gunixoutputstream.h>
+#include <glib-unix.h>
 #include <unistd.h>
 
+#include "foundation/Handle.hpp"
+#include "host/MainLoop.hpp"
 #include "records/JSONEncoder.hpp"
 
 namespace zelto::host {
 namespace {
 
-using Clock = std::chrono::steady_clock;
+using Subprocess = Handle<GSubprocess, g_object_unref>;
 
-/// How long a process that closed its output may take to be gone, so that its status can be told.
-constexpr std::chrono::milliseconds exitGrace{2000};
-/// How long one that is not needed any more may take: whoever ends the host waits for it.
-constexpr std::chrono::milliseconds dismissalGrace{250};
+/// How long a process that closed its output may take to be gone, so that its status can be told, and one
+/// that is not needed any more, in seconds.
+constexpr double exitGrace = 2, dismissalGrace = 0.25;
+/// What has been answered waits so long for the rest, in seconds.
+constexpr double together = 1;
+/// How much of what it says on its standard error is kept, in bytes.
+constexpr std::size_t longestTail = 1024;
 
-struct Pipe {
-    FileDescriptor read, write;
-    static std::optional<Pipe> make() {
-        std::array<int, 2> ends{};
-        if (pipe2(ends.data(), O_CLOEXEC) != 0) return std::nullopt;
-        return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
+std::string describe(GSubprocess* process) {
+    if (g_subprocess_get_if_signaled(process)) {
+        const int signal = g_subprocess_get_term_sig(process);
+        return "the widget extension died (signal " + std::to_string(signal) + ", " + strsignal(signal) + ")";
     }
-};
-
-void makeNonBlocking(int fd) {
-    fcntl(fd, F_SETFL, fcntl(fd, F_GETFL) | O_NONBLOCK);
-}
-
-bool isReadable(int fd) {
-    pollfd waiting{fd, POLLIN, 0};
-    return poll(&waiting, 1, 0) > 0;
-}
-
-int remaining(Clock::time_point deadline) {
-    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
-    return static_cast<int>(std::max<decltype(left)>(left, 0));
-}
-
-std::string describe(int status) {
-    if (WIFSIGNALED(status))
-        return "the widget extension died (signal " + std::to_string(WTERMSIG(status)) + ", " +
-               strsignal(WTERMSIG(status)) + ")";
-    return "the widget extension ended by itself (status " + std::to_string(WEXITSTATUS(status)) + ")";
+    return "the widget extension ended by itself (status " +
+           std::to_string(g_subprocess_get_exit_status(process)) + ")";
 }
 
 Outcome outcomeOf(Reply reply, std::string line) {
@@ -64,262 +42,252 @@ Outcome outcomeOf(Reply reply, std::string line) {
     return CheckedReply{std::move(reply), std::move(line)};
 }
 
+/// Calls a function once the process is gone.
+void whenGone(GSubprocess* process, std::function<void()> function) {
+    g_subprocess_wait_async(
+        process,
+        nullptr,
+        [](GObject* source, GAsyncResult* result, gpointer data) {
+            const std::unique_ptr<std::function<void()>> called(static_cast<std::function<void()>*>(data));
+            g_subprocess_wait_finish(G_SUBPROCESS(source), result, nullptr);
+            (*called)();
+        },
+        new std::function<void()>(std::move(function)));
+}
+
+/// What can be read now; absent at the end.
+std::optional<std::string> readSome(int fd) {
+    std::array<char, 64 * 1024> buffer;
+    const ssize_t count = read(fd, buffer.data(), buffer.size());
+    if (count > 0) return std::string(buffer.data(), static_cast<std::size_t>(count));
+    if (count < 0 && (errno == EAGAIN || errno == EINTR)) return "";
+    return std::nullopt;
+}
+
 }  // namespace
 
-/// The requests of one exchange and what became of them.
-struct ExtensionProcess::Exchange {
+struct ExtensionProcess::State : std::enable_shared_from_this<State> {
+    State(Subprocess started, std::chrono::milliseconds allowed)
+        : subprocess(std::move(started)),
+          deadline(std::chrono::duration<double>(allowed).count()),
+          input(g_unix_output_stream_get_fd(
+              G_UNIX_OUTPUT_STREAM(g_subprocess_get_stdin_pipe(subprocess.get())))),
+          output(g_unix_input_stream_get_fd(
+              G_UNIX_INPUT_STREAM(g_subprocess_get_stdout_pipe(subprocess.get())))),
+          errors(g_unix_input_stream_get_fd(
+              G_UNIX_INPUT_STREAM(g_subprocess_get_stderr_pipe(subprocess.get())))) {
+        for (const int fd : {input, output, errors}) g_unix_set_fd_nonblocking(fd, TRUE, nullptr);
+    }
+
+    /// A function of this object's for the loop, for as long as there is this object.
+    std::function<void()> whileThere(void (State::*function)()) {
+        return [self = weak_from_this(), function] {
+            if (const auto state = self.lock()) (*state.*function)();
+        };
+    }
+    void watch() {
+        readable = MainSource::whenReadable(output, whileThere(&State::receive));
+        errorsReadable = MainSource::whenReadable(errors, whileThere(&State::listen));
+    }
+    void unwatch() {
+        for (MainSource* source :
+             {&readable, &writable, &errorsReadable, &deadlineTimer, &quietTimer, &exitTimer})
+            source->reset();
+    }
+
+    void send() {
+        const ssize_t count = write(input, pending.data(), pending.size());
+        // A broken input shows on the output too, as its end.
+        if (count < 0 && errno != EAGAIN && errno != EINTR) pending.clear();
+        if (count > 0) pending.erase(0, static_cast<std::size_t>(count));
+        if (pending.empty()) writable.reset();
+    }
+
+    void receive() {
+        const auto bytes = readSome(output);
+        if (!bytes) {
+            outputEnded();
+            return;
+        }
+        received += *bytes;
+        if (const auto taken = takeReplies(); !taken) {
+            g_subprocess_force_exit(subprocess.get());
+            over(taken.fault().text());
+            return;
+        }
+        if (open.empty())
+            flush();
+        else
+            quietTimer = MainSource::after(together, whileThere(&State::flush));
+    }
+
+    /// Moves whole lines to the requests that wait for them.
+    Result<void> takeReplies() {
+        std::size_t begin = 0;
+        for (auto end = received.find('\n', searched); end != std::string::npos;
+             end = received.find('\n', begin)) {
+            std::string line = received.substr(begin, end - begin);
+            begin = end + 1;
+            auto reply = decodeReply(line);
+            if (!reply)
+                return Fault{.reason = "the widget extension sent an invalid reply: " + reply.fault().text()};
+            const auto waiting = reply->id ? open.find(*reply->id) : open.end();
+            if (waiting == open.end())
+                return Fault{.reason = "the widget extension answered an unknown request"};
+            answered.emplace(waiting->second, outcomeOf(*std::move(reply), std::move(line)));
+            open.erase(waiting);
+        }
+        received.erase(0, begin);
+        searched = received.size();
+        static_assert(longestLine == std::size_t{32} << 20);
+        if (received.size() > longestLine)
+            return Fault{.reason = "the widget extension sent a reply longer than 32 MiB"};
+        return {};
+    }
+
+    void listen() {
+        const auto bytes = readSome(errors);
+        if (!bytes) {
+            errorsReadable.reset();
+            return;
+        }
+        said += *bytes;
+        if (said.size() > longestTail) said.erase(0, said.size() - longestTail);
+    }
+
+    /// The end of what it said, once it is gone, to be put behind the report of that.
+    std::string stderrTail() {
+        // No more than a pipe holds: somebody else may have it open still.
+        for (int i = 0; i < 2; ++i) listen();
+        std::string tail = std::exchange(said, {});
+        while (tail.ends_with('\n')) tail.pop_back();
+        // One line of log, whatever it said.
+        for (char& c : tail)
+            if (static_cast<unsigned char>(c) < ' ') c = ' ';
+        return tail.empty() ? "" : "; its last words: " + tail;
+    }
+
+    /// A process that ends closes its output a little before it is gone.
+    void outputEnded() {
+        readable.reset();
+        g_output_stream_close(g_subprocess_get_stdin_pipe(subprocess.get()), nullptr, nullptr);
+        writable.reset();
+        exitTimer = MainSource::after(exitGrace, whileThere(&State::outlivedItsOutput));
+        whenGone(subprocess.get(), whileThere(&State::gone));
+    }
+    void gone() { over(describe(subprocess.get()) + stderrTail()); }
+    void outlivedItsOutput() {
+        g_subprocess_force_exit(subprocess.get());
+        over("the widget extension closed its output" + stderrTail());
+    }
+    void deadlinePassed() {
+        g_subprocess_force_exit(subprocess.get());
+        over("the widget extension did not answer in time" + stderrTail());
+    }
+
+    /// It is of no use from here on.
+    void over(std::string reason) {
+        if (!exitReason.empty()) return;
+        exitReason = std::move(reason);
+        unwatch();
+        for (const auto& [id, place] : std::exchange(open, {}))
+            answered.emplace(place, NoReply{exitReason, true});
+        flush();
+    }
+
+    void flush() {
+        if (open.empty()) {
+            deadlineTimer.reset();
+            quietTimer.reset();
+        }
+        if (answered.empty()) return;
+        const auto to = open.empty() ? std::exchange(deliver, nullptr) : deliver;
+        if (to) to(std::exchange(answered, {}));
+    }
+
+    Subprocess subprocess;
+    double deadline;  // of an exchange, in seconds
+    int input, output, errors;
+    MainSource readable, writable, errorsReadable, deadlineTimer, quietTimer, exitTimer;
+    std::string pending;                       // what is still to be sent
+    std::string received;                      // what is not a whole line yet
+    std::size_t searched = 0;                  // of that, for its end
+    std::string said, exitReason;              // on its standard error; why it is of no use
     std::map<std::int64_t, std::size_t> open;  // the place of each request that has no answer yet, by its id
     Outcomes answered;                         // and not handed over yet
-    std::string pending;                       // what is still to be sent
-    Clock::time_point deadline;
+    std::function<void(Outcomes)> deliver;
+    std::int64_t lastID = 0;
 };
 
 Result<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program) {
-    auto toChild = Pipe::make(), fromChild = Pipe::make(), errors = Pipe::make();
-    if (!toChild || !fromChild || !errors)
-        return Fault{.reason = std::string("no pipe for the widget extension: ") + std::strerror(errno)};
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, toChild->read.get(), STDIN_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, fromChild->write.get(), STDOUT_FILENO);
-    posix_spawn_file_actions_adddup2(&actions, errors->write.get(), STDERR_FILENO);
-
     std::vector<std::string> words{program.path.string()};
     words.insert(words.end(), program.arguments.begin(), program.arguments.end());
-    std::vector<char*> argv;
+    std::vector<gchar*> argv;
     for (auto& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
-    pid_t pid = -1;
-    const int error = posix_spawn(&pid, program.path.c_str(), &actions, nullptr, argv.data(), environ);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0)
-        return Fault{
-            .reason =
-                "cannot start the widget extension " + program.path.string() + ": " + std::strerror(error)};
-    makeNonBlocking(toChild->write.get());
-    makeNonBlocking(fromChild->read.get());
-    makeNonBlocking(errors->read.get());
-    return ExtensionProcess(
-        pid,
-        program.deadline,
-        std::move(toChild->write),
-        std::move(fromChild->read),
-        std::move(errors->read));
+    GError* error = nullptr;
+    Subprocess started(g_subprocess_newv(
+        argv.data(),
+        static_cast<GSubprocessFlags>(
+            G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE),
+        &error));
+    if (!started) {
+        // The library's message repeats the path and has quotes of its own.
+        const std::string reason =
+            access(words.front().c_str(), X_OK) != 0 ? std::strerror(errno) : error->message;
+        g_clear_error(&error);
+        return Fault{.reason = "cannot start the widget extension " + words.front() + ": " + reason};
+    }
+    auto state = std::make_shared<State>(std::move(started), program.deadline);
+    state->watch();
+    return ExtensionProcess(std::move(state));
 }
 
-ExtensionProcess::ExtensionProcess(ExtensionProcess&& other) noexcept
-    : pid_(std::exchange(other.pid_, -1)),
-      deadline_(other.deadline_),
-      input_(std::move(other.input_)),
-      output_(std::move(other.output_)),
-      errors_(std::move(other.errors_)),
-      received_(std::move(other.received_)),
-      stderr_(std::move(other.stderr_)),
-      failure_(std::move(other.failure_)),
-      lastID_(other.lastID_) {}
+ExtensionProcess::ExtensionProcess(std::shared_ptr<State> state) : state_(std::move(state)) {}
+ExtensionProcess::ExtensionProcess(ExtensionProcess&&) noexcept = default;
+ExtensionProcess& ExtensionProcess::operator=(ExtensionProcess&&) noexcept = default;
 
 ExtensionProcess::~ExtensionProcess() {
-    if (pid_ < 0) return;
-    // Without its ends it has nothing to wait for.
-    input_.reset();
-    output_.reset();
-    errors_.reset();
-    if (!waitForExit(dismissalGrace)) ::kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
+    if (!state_) return;
+    state_->unwatch();
+    state_->deliver = nullptr;
+    g_subprocess_force_exit(state_->subprocess.get());
 }
 
-bool ExtensionProcess::waitForExit(std::chrono::milliseconds allowed) const {
-    const FileDescriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid_, 0)));
-    const auto deadline = Clock::now() + allowed;
-    pollfd gone{process.get(), POLLIN, 0};
-    int ready = 0;
-    do ready = poll(&gone, 1, remaining(deadline));
-    while (ready < 0 && errno == EINTR);
-    return ready > 0;
+const std::string& ExtensionProcess::exitReason() const {
+    return state_->exitReason;
 }
 
-std::string ExtensionProcess::reap() {
-    input_.reset();
-    // A process that ends closes its output a little before it is gone.
-    if (!waitForExit(exitGrace)) {
-        kill();
-        return "the widget extension closed its output" + stderrTail();
-    }
-    int status = 0;
-    waitpid(pid_, &status, 0);
-    pid_ = -1;
-    return describe(status) + stderrTail();
+void ExtensionProcess::dismiss() && {
+    const auto state = std::exchange(state_, nullptr);
+    state->unwatch();
+    g_output_stream_close(g_subprocess_get_stdin_pipe(state->subprocess.get()), nullptr, nullptr);
+    // The timer goes away with the process.
+    const auto timer = std::make_shared<MainSource>(
+        MainSource::after(dismissalGrace, [state] { g_subprocess_force_exit(state->subprocess.get()); }));
+    whenGone(state->subprocess.get(), [timer] { timer->reset(); });
 }
 
-/// Takes some of what it says on its standard error, and keeps the end of it.
-bool ExtensionProcess::drainStderr() {
-    constexpr std::size_t most = 1024;
-    std::array<char, 4096> buffer;
-    const ssize_t count = read(errors_.get(), buffer.data(), buffer.size());
-    if (count <= 0) return false;
-    stderr_.append(buffer.data(), static_cast<std::size_t>(count));
-    if (stderr_.size() > most) stderr_.erase(0, stderr_.size() - most);
-    return true;
-}
-
-/// The end of what it said, once it is gone, to be put behind the report of that.
-std::string ExtensionProcess::stderrTail() {
-    // No more than a pipe holds: somebody else may have it open still.
-    for (int i = 0; i < 32 && drainStderr(); ++i) {
-    }
-    std::string words = std::exchange(stderr_, {});
-    while (words.ends_with('\n')) words.pop_back();
-    // One line of log, whatever it said.
-    for (char& c : words)
-        if (static_cast<unsigned char>(c) < ' ') c = ' ';
-    return words.empty() ? "" : "; its last words: " + words;
-}
-
-void ExtensionProcess::kill() {
-    ::kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-    pid_ = -1;
-}
-
-std::optional<std::string> ExtensionProcess::exitReason() {
-    if (pid_ < 0) return "the widget extension has ended";
-    pollfd output{output_.get(), POLLIN, 0};
-    // Nothing was asked: whatever comes is its end, or as bad.
-    if (poll(&output, 1, 0) <= 0) return std::nullopt;
-    return reap();
-}
-
-bool ExtensionProcess::sendSome(std::string& pending) {
-    const ssize_t count = write(input_.get(), pending.data(), pending.size());
-    if (count < 0) return errno == EAGAIN || errno == EINTR;
-    pending.erase(0, static_cast<std::size_t>(count));
-    return true;
-}
-
-bool ExtensionProcess::receiveSome() {
-    std::array<char, 64 * 1024> buffer;
-    const ssize_t count = read(output_.get(), buffer.data(), buffer.size());
-    if (count < 0) return errno == EAGAIN || errno == EINTR;
-    received_.append(buffer.data(), static_cast<std::size_t>(count));
-    return count > 0;
-}
-
-/// Moves whole lines to the requests that wait for them; tells what is wrong with one that makes no sense.
-std::string ExtensionProcess::takeReplies(Exchange& exchange) {
-    std::size_t begin = 0;
-    for (auto end = received_.find('\n'); end != std::string::npos; end = received_.find('\n', begin)) {
-        std::string line = received_.substr(begin, end - begin);
-        auto reply = decodeReply(line);
-        begin = end + 1;
-        if (!reply) return "the widget extension sent an invalid reply: " + reply.fault().text();
-        const auto waiting = reply->id ? exchange.open.find(*reply->id) : exchange.open.end();
-        if (waiting == exchange.open.end()) return "the widget extension answered an unknown request";
-        exchange.answered.emplace(waiting->second, outcomeOf(*std::move(reply), std::move(line)));
-        exchange.open.erase(waiting);
-    }
-    received_.erase(0, begin);
-    static_assert(longestLine == std::size_t{32} << 20);
-    return received_.size() > longestLine ? "the widget extension sent a reply longer than 32 MiB" : "";
-}
-
-/// Sends and receives until something is worth telling: all is answered, nothing came for a while though
-/// something has been answered, or the process is of no use any more, which is told by why.
-std::string ExtensionProcess::serve(Exchange& exchange, int cancel) {
-    /// What has been answered waits so long for the rest.
-    constexpr std::chrono::milliseconds together{1000};
-    auto quietUntil = Clock::now() + together;
-    while (!exchange.open.empty()) {
-        const auto now = Clock::now();
-        if (now >= exchange.deadline) {
-            kill();
-            return "the widget extension did not answer in time" + stderrTail();
-        }
-        if (!exchange.answered.empty() && now >= quietUntil) return "";
-        std::array<pollfd, 4> ends{
-            pollfd{output_.get(), POLLIN, 0},
-            pollfd{exchange.pending.empty() ? -1 : input_.get(), POLLOUT, 0},
-            pollfd{cancel, POLLIN, 0},
-            pollfd{errors_.get(), POLLIN, 0}};
-        const auto until =
-            exchange.answered.empty() ? exchange.deadline : std::min(exchange.deadline, quietUntil);
-        const int ready = poll(ends.data(), ends.size(), remaining(until) + 1);
-        if (ready < 0 && errno != EINTR)
-            return std::string("cannot wait for the widget extension: ") + std::strerror(errno);
-        if (ready <= 0) continue;
-        if (ends[2].revents != 0) return "the request was cancelled";
-        if (ends[3].revents != 0 && !drainStderr()) errors_.reset();
-        // A broken input shows on the output too, as its end.
-        if (ends[1].revents != 0 && !sendSome(exchange.pending)) exchange.pending.clear();
-        std::string failure;
-        if (ends[0].revents != 0) {
-            if (!receiveSome()) failure = reap();
-            quietUntil = Clock::now() + together;
-        }
-        if (const std::string nonsense = takeReplies(exchange); !nonsense.empty()) failure = nonsense;
-        if (!failure.empty()) return failure;
-    }
-    return "";
-}
-
-void ExtensionProcess::exchange(
-    std::vector<Request> requests, const std::function<void(Outcomes)>& deliver, int cancel) {
-    Exchange exchange;
-    exchange.deadline = Clock::now() + deadline_;
+void ExtensionProcess::exchange(std::vector<Request> requests, std::function<void(Outcomes)> deliver) {
+    State& state = *state_;
+    state.deliver = std::move(deliver);
     for (std::size_t place = 0; place < requests.size(); ++place) {
-        requests[place].id = ++lastID_;
-        if (const auto line = encodeJSON(requests[place])) {
-            exchange.pending += *line + '\n';
-            exchange.open[requests[place].id] = place;
+        requests[place].id = ++state.lastID;
+        if (!state.exitReason.empty()) {
+            state.answered.emplace(place, NoReply{state.exitReason, true});
+        } else if (const auto line = encodeJSON(requests[place])) {
+            state.pending += *line + '\n';
+            state.open[requests[place].id] = place;
         } else {
-            exchange.answered.emplace(place, NoReply{"a request that is not UTF-8"});
+            state.answered.emplace(place, NoReply{"a request that is not UTF-8"});
         }
     }
-    std::string failure = pid_ < 0 ? "the widget extension has ended" : "";
-    while (failure.empty() && !exchange.open.empty()) {
-        failure = serve(exchange, cancel);
-        if (failure.empty() && !exchange.open.empty()) deliver(std::exchange(exchange.answered, {}));
+    if (state.open.empty()) {
+        state.quietTimer = MainSource::after(0, state.whileThere(&State::flush));
+        return;
     }
-    if (!failure.empty() && pid_ > 0) kill();
-    failure_ = failure;
-    for (const auto& [id, place] : exchange.open) exchange.answered.emplace(place, NoReply{failure, true});
-    if (!exchange.answered.empty()) deliver(std::move(exchange.answered));
-}
-
-void askApart(
-    const ExtensionProgram& program, const std::map<std::size_t, Request>& requests,
-    const std::function<void(Outcomes)>& deliver, int cancel) {
-    constexpr std::size_t mostAtOnce = 16;
-    std::mutex mutex;
-    auto next = requests.begin();
-    const auto hand = [&](std::size_t place, Outcome outcome) {
-        const std::lock_guard lock(mutex);
-        Outcomes one;
-        one.emplace(place, std::move(outcome));
-        deliver(std::move(one));
-    };
-    const auto workOff = [&] {
-        while (true) {
-            std::unique_lock lock(mutex);
-            if (next == requests.end() || isReadable(cancel)) return;
-            const auto& [place, request] = *next++;
-            lock.unlock();
-            auto process = ExtensionProcess::start(program);
-            if (process)
-                process->exchange(
-                    {request},
-                    [&hand, at = place](Outcomes outcomes) { hand(at, std::move(outcomes.begin()->second)); },
-                    cancel);
-            else
-                hand(place, NoReply{process.fault().text(), true});
-        }
-    };
-    std::vector<std::jthread> others;
-    try {
-        while (others.size() + 1 < std::min(requests.size(), mostAtOnce)) others.emplace_back(workOff);
-    } catch (const std::system_error&) {
-        // Those that there are take longer.
-    }
-    workOff();
+    state.deadlineTimer = MainSource::after(state.deadline, state.whileThere(&State::deadlinePassed));
+    state.writable = MainSource::whenWritable(state.input, state.whileThere(&State::send));
 }
 
 std::filesystem::path installedExtension() {

@@ -246,8 +246,10 @@ bool appendJSONString(std::string& out, std::string_view text) {
     return Writer(out).putString(text);
 }
 
-bool encodeJSON(const Schema& schema, const void* value, std::string& out) {
-    return Writer(out).putValue(schema, value);
+std::optional<std::string> encodeJSON(const Schema& schema, const void* value) {
+    std::string out;
+    if (!Writer(out).putValue(schema, value)) return std::nullopt;
+    return out;
 }
 
 }  // namespace zelto

@@ -9,16 +9,13 @@
 
 namespace zelto {
 
-/// Appends a value as compact JSON, keys in table order, absent optionals left out, slashes escaped. False
-/// when a number is not finite or a string is not UTF-8; `out` is then of no use.
-bool encodeJSON(const Schema& schema, const void* value, std::string& out);
+/// A value as compact JSON, keys in table order, absent optionals left out, slashes escaped; absent when a
+/// number is not finite or a string is not UTF-8.
+std::optional<std::string> encodeJSON(const Schema& schema, const void* value);
 
-/// The value as a JSON document; absent when it cannot be written.
 template <class T>
 std::optional<std::string> encodeJSON(const T& value) {
-    std::optional<std::string> out(std::in_place);
-    if (!encodeJSON(schemaOf<T>(), &value, *out)) out.reset();
-    return out;
+    return encodeJSON(schemaOf<T>(), &value);
 }
 
 /// Appends `text` as a JSON string; false when it is not UTF-8.

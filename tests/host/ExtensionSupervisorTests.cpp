@@ -1,15 +1,18 @@
 // The extension's keeper with real processes: the extension itself, and programs that misbehave.
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdlib>
-#include <mutex>
-#include <thread>
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include "foundation/FileDescriptor.hpp"
 #include "foundation/Files.hpp"
-#include "host/ExtensionWorker.hpp"
+#include "host/ExtensionSupervisor.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -19,53 +22,18 @@ namespace {
 using namespace std::chrono_literals;
 using test::programFolder;
 
-/// A queue that the test runs by itself, as a host's main loop does.
-class Loop {
-  public:
-    void post(std::function<void()> function) {
-        const std::lock_guard lock(mutex_);
-        waiting_.push_back(std::move(function));
-        changed_.notify_all();
-    }
-    void runOne() {
-        std::function<void()> next;
-        {
-            std::unique_lock lock(mutex_);
-            if (!changed_.wait_for(lock, 60s, [this] { return !waiting_.empty(); }))
-                throw std::runtime_error("nothing happened");
-            next = std::move(waiting_.front());
-            waiting_.pop_front();
-        }
-        next();
-    }
-
-  private:
-    std::mutex mutex_;
-    std::condition_variable changed_;
-    std::deque<std::function<void()>> waiting_;
-};
-
-struct Worker : testing::Test {
+struct Supervisor : testing::Test {
     test::TemporaryFolder folder;
-    Loop loop;
-    std::mutex mutex;
     std::vector<std::string> log;
     ExtensionOptions options{
         .program = {.path = programFolder() / "zelto-widgets", .arguments = {"--home", "/no/such/home"}},
         .firstPause = 0.001,
         .longestPause = 0.008};
-    std::unique_ptr<ExtensionWorker> worker;
+    std::unique_ptr<ExtensionSupervisor> supervisor;
 
     void make() {
-        worker = std::make_unique<ExtensionWorker>(
-            options,
-            ExtensionWorker::Seams{
-                .post = [this](std::function<void()> function) { loop.post(std::move(function)); },
-                .log =
-                    [this](const std::string& line) {
-                        const std::lock_guard lock(mutex);
-                        log.push_back(line);
-                    }});
+        supervisor = std::make_unique<ExtensionSupervisor>(
+            options, [this](const std::string& line) { log.push_back(line); });
     }
     /// A program in the extension's place.
     void standIn(const std::string& script) {
@@ -76,17 +44,13 @@ struct Worker : testing::Test {
     Outcomes ask(std::vector<Request> requests) {
         const std::size_t count = requests.size();
         Outcomes got;
-        worker->ask(std::move(requests), [&](Outcomes outcomes) { got.merge(outcomes); });
-        while (got.size() < count) loop.runOne();
+        supervisor->ask(std::move(requests), [&](Outcomes outcomes) { got.merge(outcomes); });
+        runMainLoopUntil([&] { return got.size() == count; });
         return got;
     }
     std::string errorOf(std::vector<Request> requests = {{.request = RequestKind::bundle}}) {
         const auto outcomes = ask(std::move(requests));
         return outcomes.at(0) ? "" : outcomes.at(0).fault().reason;
-    }
-    std::vector<std::string> logged() {
-        const std::lock_guard lock(mutex);
-        return log;
     }
 };
 
@@ -98,7 +62,7 @@ Request placeholder(const std::string& kind) {
 /// Of which no single one is to blame when all of them fail.
 const std::vector<Request> several{bundle, placeholder("ZeltoFans")};
 
-TEST_F(Worker, AsksTheRealExtensionSideBySide) {
+TEST_F(Supervisor, AsksTheRealExtensionSideBySide) {
     make();
     const auto outcomes = ask({bundle, placeholder("ZeltoFans"), placeholder("ZeltoNothing")});
     ASSERT_EQ(outcomes.size(), 3U);
@@ -106,71 +70,77 @@ TEST_F(Worker, AsksTheRealExtensionSideBySide) {
     EXPECT_TRUE(outcomes.at(1)->reply.entry);
     EXPECT_FALSE(outcomes.at(2));
     EXPECT_NE(outcomes.at(2).fault().reason, "");
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Worker, GivesEachAskerItsOwn) {
+TEST_F(Supervisor, GivesEachAskerItsOwn) {
     make();
     std::vector<std::size_t> sizes;
     for (const std::size_t count : {1U, 3U, 2U})
-        worker->ask(std::vector<Request>(count, bundle), [&](const Outcomes& outcomes) {
+        supervisor->ask(std::vector<Request>(count, bundle), [&](const Outcomes& outcomes) {
             sizes.push_back(outcomes.size());
         });
-    for (int i = 0; i < 3; ++i) loop.runOne();
+    runMainLoopUntil([&] { return sizes.size() == 3; });
     EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 3, 2}));
 }
 
-TEST_F(Worker, EndsAProcessThatNobodyNeeds) {
+TEST_F(Supervisor, EndsAProcessThatNobodyNeeds) {
     options.idle = 1ms;
     // The process marks its end.
     const auto mark = folder.path() / "ended";
+    ASSERT_EQ(mkfifo(mark.c_str(), 0600), 0);
+    const FileDescriptor reader(open(mark.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     standIn(
-        "'" + (programFolder() / "zelto-widgets").string() + "' --home /no/such/home; mkfifo '" +
-        mark.string() + "'; echo over > '" + mark.string() + "'");
+        "'" + (programFolder() / "zelto-widgets").string() + "' --home /no/such/home; echo over > '" +
+        mark.string() + "'");
     EXPECT_EQ(errorOf(), "");
-    // Opening the mark waits for it; before it exists there is nothing to open.
-    while (!std::filesystem::exists(mark)) std::this_thread::yield();
-    EXPECT_EQ(std::system(("read line < '" + mark.string() + "' && [ \"$line\" = over ]").c_str()), 0);
+    std::string said;
+    const auto source = MainSource::whenReadable(reader.get(), [&] {
+        std::array<char, 16> buffer;
+        if (const auto count = read(reader.get(), buffer.data(), buffer.size()); count > 0)
+            said.append(buffer.data(), static_cast<std::size_t>(count));
+    });
+    runMainLoopUntil([&] { return said == "over\n"; });
     EXPECT_EQ(errorOf(), "");
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Worker, AHangIsEndedByTheDeadline) {
+TEST_F(Supervisor, AHangIsEndedByTheDeadline) {
     options.program.deadline = 20ms;
     standIn("while read line; do :; done");
     EXPECT_EQ(errorOf(), "the widget extension did not answer in time");
     // One request's own outcome tells all there is to tell.
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Worker, AnOutputThatIsClosedIsAnEnd) {
+TEST_F(Supervisor, AnOutputThatIsClosedIsAnEnd) {
     standIn("exec cat > /dev/null");
     EXPECT_EQ(errorOf(), "the widget extension ended by itself (status 0)");
 }
 
-TEST_F(Worker, NonsenseEndsTheProcess) {
+TEST_F(Supervisor, NonsenseEndsTheProcess) {
     standIn("read line; echo hello; exec cat > /dev/null");
-    EXPECT_TRUE(errorOf().starts_with("the widget extension sent an invalid reply: ")) << logged().back();
+    EXPECT_TRUE(errorOf().starts_with("the widget extension sent an invalid reply: ")) << log.back();
 }
 
-TEST_F(Worker, ALineWithoutAnEndIsNonsense) {
+TEST_F(Supervisor, ALineWithoutAnEndIsNonsense) {
     standIn("read line; exec cat /dev/zero");
     EXPECT_EQ(errorOf(), "the widget extension sent a reply longer than 32 MiB");
 }
 
-TEST_F(Worker, LastWordsGoToTheLog) {
+TEST_F(Supervisor, LastWordsGoToTheLog) {
     standIn("read line; echo 'first line' >&2; printf 'out of\\tluck\\n' >&2; exit 3");
     EXPECT_EQ(
         errorOf(several),
         "the widget extension ended by itself (status 3); its last words: first line out of luck");
     EXPECT_EQ(
-        logged(),
+        log,
         std::vector<std::string>{
             "the widget extension ended by itself (status 3); its last words: first line out of "
             "luck; to be started again after 0.001 s"});
 }
 
-TEST_F(Worker, AnExtensionThatTalksMuchOnTheSideIsHeardToItsEnd) {
+TEST_F(Supervisor, AnExtensionThatTalksMuchOnTheSideIsHeardToItsEnd) {
     // More than a pipe holds, before it answers.
     standIn(
         "head -c 300000 /dev/zero | tr '\\0' x >&2; exec '" + (programFolder() / "zelto-widgets").string() +
@@ -178,26 +148,32 @@ TEST_F(Worker, AnExtensionThatTalksMuchOnTheSideIsHeardToItsEnd) {
     EXPECT_EQ(errorOf(), "");
 }
 
-TEST_F(Worker, AnExtensionThatNeverStopsTalkingIsEndedByTheDeadline) {
+TEST_F(Supervisor, AnExtensionThatNeverStopsTalkingIsEndedByTheDeadline) {
     options.program.deadline = 50ms;
     standIn("while :; do echo y >&2; done");
     EXPECT_TRUE(errorOf().starts_with("the widget extension did not answer in time; its last words: y y"));
 }
 
-TEST_F(Worker, AnExtensionThatDoesNotEndIsEnded) {
+TEST_F(Supervisor, TheDeadlineHoldsWhileItTalks) {
+    options.program.deadline = 50ms;
+    standIn("read line; while :; do printf x; done");
+    EXPECT_EQ(errorOf(), "the widget extension did not answer in time");
+}
+
+TEST_F(Supervisor, AnExtensionThatDoesNotEndIsEnded) {
     standIn(
         "trap '' TERM; '" + (programFolder() / "zelto-widgets").string() +
         "' --home /no/such/home; exec >&- 2>&-; while :; do :; done");
     EXPECT_EQ(errorOf(), "");
-    worker.reset();
+    supervisor.reset();
 }
 
-TEST_F(Worker, AnErrorWithoutAReasonIsOne) {
+TEST_F(Supervisor, AnErrorWithoutAReasonIsOne) {
     standIn("read line; echo '{\"id\":1,\"error\":\"\"}'; exec cat");
     EXPECT_EQ(errorOf(), "an error without a reason");
 }
 
-TEST_F(Worker, PausesGrowWithDeathsAndShrinkWithAnswers) {
+TEST_F(Supervisor, PausesGrowWithDeathsAndShrinkWithAnswers) {
     const auto broken = folder.write("broken", "");
     standIn(
         "if [ -e '" + broken.string() + "' ]; then read line; exit 1; fi; exec '" +
@@ -207,11 +183,11 @@ TEST_F(Worker, PausesGrowWithDeathsAndShrinkWithAnswers) {
     EXPECT_EQ(errorOf(several), "");
     EXPECT_EQ(errorOf(several), "");
     std::vector<std::string> pauses;
-    for (const std::string& line : logged()) pauses.push_back(line.substr(line.rfind("after ") + 6));
+    for (const std::string& line : log) pauses.push_back(line.substr(line.rfind("after ") + 6));
     EXPECT_EQ(pauses, (std::vector<std::string>{"0.001 s", "0.002 s", "0.004 s", "0.008 s", "0.008 s"}));
 }
 
-TEST_F(Worker, ADeathWhileNothingIsAskedIsMadeGood) {
+TEST_F(Supervisor, ADeathWhileNothingIsAskedIsMadeGood) {
     const auto pid = folder.path() / "pid";
     standIn(
         "echo $$ > '" + pid.string() + "'; exec '" + (programFolder() / "zelto-widgets").string() +
@@ -221,8 +197,8 @@ TEST_F(Worker, ADeathWhileNothingIsAskedIsMadeGood) {
     // Whether its end shows before the question or in the middle of it, the one after that is answered.
     errorOf();
     EXPECT_EQ(errorOf(), "");
-    ASSERT_EQ(logged().size(), 1U);
-    EXPECT_TRUE(logged()[0].starts_with("the widget extension died (signal 9, Killed)")) << logged()[0];
+    ASSERT_EQ(log.size(), 1U);
+    EXPECT_TRUE(log[0].starts_with("the widget extension died (signal 9, Killed)")) << log[0];
 }
 
 /// A stand-in that answers every placeholder but one for a widget called Deadly.
@@ -236,7 +212,7 @@ std::size_t linesIn(const std::filesystem::path& file) {
     return static_cast<std::size_t>(std::ranges::count(readFile(file).value_or(""), '\n'));
 }
 
-TEST_F(Worker, ADeathCostsTheRequestThatCausesIt) {
+TEST_F(Supervisor, ADeathCostsTheRequestThatCausesIt) {
     const auto starts = folder.path() / "starts";
     standIn(exceptDeadly("kill -9 $$", starts));
     const std::vector<Request> all{
@@ -245,7 +221,7 @@ TEST_F(Worker, ADeathCostsTheRequestThatCausesIt) {
     for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(outcomes.at(place)) << place;
     EXPECT_EQ(outcomes.at(1).fault().reason, "the widget extension died (signal 9, Killed)");
     // Its own outcome tells all there is to tell.
-    EXPECT_TRUE(logged().empty()) << logged()[0];
+    EXPECT_TRUE(log.empty()) << log[0];
     // Once for all, and once for each that was left.
     EXPECT_EQ(linesIn(starts), 1U + 3U);
 
@@ -256,10 +232,10 @@ TEST_F(Worker, ADeathCostsTheRequestThatCausesIt) {
         for (const std::size_t place : {0U, 2U, 3U}) EXPECT_TRUE(again.at(place)) << place;
     }
     EXPECT_EQ(linesIn(starts), 4U + 1U + 3U);
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Worker, AHangCostsTheRequestThatCausesIt) {
+TEST_F(Supervisor, AHangCostsTheRequestThatCausesIt) {
     options.program.deadline = 300ms;
     standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
     const auto outcomes = ask({placeholder("A"), placeholder("Deadly"), placeholder("B")});
@@ -268,48 +244,48 @@ TEST_F(Worker, AHangCostsTheRequestThatCausesIt) {
     EXPECT_TRUE(outcomes.at(2));
 }
 
-TEST_F(Worker, WhatIsAnsweredDoesNotWaitForAHang) {
+TEST_F(Supervisor, WhatIsAnsweredDoesNotWaitForAHang) {
     options.program.deadline = 60s;
     standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
     Outcomes got;
-    worker->ask({placeholder("A"), placeholder("Deadly")}, [&](Outcomes outcomes) { got.merge(outcomes); });
-    loop.runOne();
+    supervisor->ask(
+        {placeholder("A"), placeholder("Deadly")}, [&](Outcomes outcomes) { got.merge(outcomes); });
+    runMainLoopUntil([&] { return !got.empty(); });
     EXPECT_TRUE(got.contains(0));
     EXPECT_FALSE(got.contains(1));
 }
 
-TEST_F(Worker, ADeadlyRequestAloneKeepsNobodyWaiting) {
+TEST_F(Supervisor, ADeadlyRequestAloneKeepsNobodyWaiting) {
     options.firstPause = options.longestPause = 60;
     const auto starts = folder.path() / "starts";
     standIn(exceptDeadly("kill -9 $$", starts));
     for (int i = 0; i < 4; ++i) EXPECT_FALSE(ask({placeholder("Deadly")}).at(0));
     EXPECT_TRUE(ask({placeholder("A")}).at(0));
-    EXPECT_TRUE(logged().empty()) << logged()[0];
+    EXPECT_TRUE(log.empty()) << log[0];
     // Once together and once apart, then apart alone, and a process for the other.
     EXPECT_EQ(linesIn(starts), 2U + 3U + 1U);
 }
 
-TEST_F(Worker, AHangThatIsAskedAgainKeepsNobodyWaiting) {
+TEST_F(Supervisor, AHangThatIsAskedAgainKeepsNobodyWaiting) {
     options.program.deadline = 300ms;
     standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
     EXPECT_FALSE(ask({placeholder("Deadly")}).at(0));
     // It hangs again, for long enough that the other's answer cannot have waited for it.
     std::vector<std::string> order;
-    worker->ask({placeholder("Deadly")}, [&](const Outcomes&) { order.emplace_back("deadly"); });
-    worker->ask({placeholder("A")}, [&](const Outcomes&) { order.emplace_back("other"); });
-    loop.runOne();
-    loop.runOne();
+    supervisor->ask({placeholder("Deadly")}, [&](const Outcomes&) { order.emplace_back("deadly"); });
+    supervisor->ask({placeholder("A")}, [&](const Outcomes&) { order.emplace_back("other"); });
+    runMainLoopUntil([&] { return order.size() == 2; });
     EXPECT_EQ(order, (std::vector<std::string>{"other", "deadly"}));
 }
 
-TEST_F(Worker, WithoutADeathThereIsOneProcess) {
+TEST_F(Supervisor, WithoutADeathThereIsOneProcess) {
     const auto starts = folder.path() / "starts";
     standIn(exceptDeadly("kill -9 $$", starts));
     for (int round = 0; round < 3; ++round) ask({placeholder("A"), placeholder("B"), placeholder("C")});
     EXPECT_EQ(linesIn(starts), 1U);
 }
 
-TEST_F(Worker, AReplyOutOfBoundsCostsItsRequestAlone) {
+TEST_F(Supervisor, AReplyOutOfBoundsCostsItsRequestAlone) {
     const auto starts = folder.path() / "starts";
     standIn(exceptDeadly(
         "id=${line#*:}; id=${id%%,*}; long=$(head -c 20000 /dev/zero | tr '\\0' x); "
@@ -323,33 +299,33 @@ TEST_F(Worker, AReplyOutOfBoundsCostsItsRequestAlone) {
         EXPECT_TRUE(outcomes.at(2));
     }
     EXPECT_EQ(linesIn(starts), 1U);
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Worker, ARestartIsANewProcess) {
+TEST_F(Supervisor, ARestartIsANewProcess) {
     const auto starts = folder.path() / "starts";
     standIn(exceptDeadly("kill -9 $$", starts));
     ask({placeholder("A")});
-    worker->restart();
+    supervisor->restart();
     ask({placeholder("A")});
     ask({placeholder("A")});
     EXPECT_EQ(linesIn(starts), 2U);
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
-TEST_F(Worker, AProgramThatIsNotThereIsReported) {
+TEST_F(Supervisor, AProgramThatIsNotThereIsReported) {
     options.program.path = "/no/such/program";
     make();
     EXPECT_EQ(errorOf(), "cannot start the widget extension /no/such/program: No such file or directory");
 }
 
-TEST_F(Worker, EndsWithoutWaitingForAnswers) {
+TEST_F(Supervisor, EndsWithoutWaitingForAnswers) {
     standIn("while read line; do :; done");
-    worker->ask({bundle}, [](const Outcomes&) {});
+    supervisor->ask({bundle}, [](const Outcomes&) {});
     const auto before = std::chrono::steady_clock::now();
-    worker.reset();
+    supervisor.reset();
     EXPECT_LT(std::chrono::steady_clock::now() - before, options.program.deadline);
-    EXPECT_TRUE(logged().empty());
+    EXPECT_TRUE(log.empty());
 }
 
 }  // namespace
