@@ -84,8 +84,8 @@ void Desktop::watchMonitors() {
 }
 
 void Desktop::monitorsChanged() {
-    backend_.refresh();
-    host_->setMonitors(backend_.monitors());
+    // Without a monitor windows stay as they are, hidden where the compositor closed them.
+    if (backend_.refresh()) host_->setMonitors(backend_.monitors());
 }
 
 void Desktop::arranged(const std::vector<host::ArrangedWidget>& widgets) {

@@ -60,14 +60,19 @@ bool DisplayBackend::isTranslucent() const {
     return gdk_screen_is_composited(gdk_screen_get_default());
 }
 
-void DisplayBackend::refresh() {
+bool DisplayBackend::refresh() {
     GdkDisplay* display = gdk_display_get_default();
+    if (gdk_display_get_n_monitors(display) == 0) {
+        for (MonitorArea& area : areas_) area.monitor = nullptr;
+        return false;
+    }
     GdkMonitor* primary = gdk_display_get_primary_monitor(display);
-    if (gdk_display_get_n_monitors(display) > 0) areas_.clear();
+    areas_.clear();
     for (int i = 0; i < gdk_display_get_n_monitors(display); ++i) {
         GdkMonitor* monitor = gdk_display_get_monitor(display, i);
         areas_.insert(monitor == primary ? areas_.begin() : areas_.end(), areaOf(monitor));
     }
+    return true;
 }
 
 host::Monitors DisplayBackend::monitors() const {

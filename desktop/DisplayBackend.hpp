@@ -33,8 +33,9 @@ class DisplayBackend {
     /// Whether windows can be seen through.
     bool isTranslucent() const;
 
-    /// Looks at the monitors again. While there is none, the last ones count: windows have to be somewhere.
-    void refresh();
+    /// Looks at the monitors again. False while there is none; the last ones then keep their slots, so that
+    /// what still speaks of them finds them.
+    bool refresh();
     /// The monitors, the primary one first: slots count them.
     const std::vector<MonitorArea>& areas() const { return areas_; }
     /// How many tiles each has; at least one.

@@ -41,10 +41,17 @@ TileGrid othersBeside(
     return grid;
 }
 
+bool fits(Cell cell, WidgetFamily family, const Monitor& monitor) {
+    const Span span = spanOf(family);
+    return cell.column + span.columns <= monitor.columns && cell.row + span.rows <= monitor.rows;
+}
+
 /// The widget where it is, or where there is room when it cannot stand there.
 PlacedWidget settled(PlacedWidget widget, const DesktopLayout& layout, const Monitors& monitors) {
     const TileGrid grid = othersBeside(widget, layout, columnsOf(widget.monitor, monitors), monitors);
-    if (grid.isFree(widget.cell(), widget.family)) return widget;
+    const auto monitor = monitors.empty() ? std::nullopt : indexOf(widget.monitor, monitors);
+    const bool isWithin = !monitor || fits(widget.cell(), widget.family, monitors[*monitor]);
+    if (isWithin && grid.isFree(widget.cell(), widget.family)) return widget;
     const Cell room = grid.firstFree(widget.family);
     widget.column = room.column;
     widget.row = room.row;
@@ -54,11 +61,6 @@ PlacedWidget settled(PlacedWidget widget, const DesktopLayout& layout, const Mon
 DesktopLayout with(DesktopLayout layout, const PlacedWidget& changed) {
     *std::ranges::find(layout.widgets, changed.id, &PlacedWidget::id) = changed;
     return layout;
-}
-
-bool fits(Cell cell, WidgetFamily family, const Monitor& monitor) {
-    const Span span = spanOf(family);
-    return cell.column + span.columns <= monitor.columns && cell.row + span.rows <= monitor.rows;
 }
 
 /// The nearest place that is on the monitor.

@@ -85,10 +85,6 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
             if (const auto state = self.lock()) (*state.*function)();
         };
     }
-    void watch() {
-        readable = MainSource::whenReadable(output, whileThere(&State::receive));
-        errorsReadable = MainSource::whenReadable(errors, whileThere(&State::listen));
-    }
     void unwatch() {
         for (MainSource* source :
              {&readable, &writable, &errorsReadable, &deadlineTimer, &quietTimer, &exitTimer})
@@ -170,8 +166,9 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
     /// A process that ends closes its output a little before it is gone.
     void outputEnded() {
         readable.reset();
-        g_output_stream_close(g_subprocess_get_stdin_pipe(subprocess.get()), nullptr, nullptr);
         writable.reset();
+        g_output_stream_close(g_subprocess_get_stdin_pipe(subprocess.get()), nullptr, nullptr);
+        input = -1;
         exitTimer = MainSource::after(exitGrace, whileThere(&State::outlivedItsOutput));
         whenGone(subprocess.get(), whileThere(&State::gone));
     }
@@ -196,10 +193,8 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
     }
 
     void flush() {
-        if (open.empty()) {
-            deadlineTimer.reset();
-            quietTimer.reset();
-        }
+        if (open.empty())
+            for (MainSource* source : {&deadlineTimer, &quietTimer, &errorsReadable}) source->reset();
         if (answered.empty()) return;
         const auto to = open.empty() ? std::exchange(deliver, nullptr) : deliver;
         if (to) to(std::exchange(answered, {}));
@@ -239,19 +234,20 @@ Result<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program
         return Fault{.reason = "cannot start the widget extension " + words.front() + ": " + reason};
     }
     auto state = std::make_shared<State>(std::move(started), program.deadline);
-    state->watch();
+    state->readable = MainSource::whenReadable(state->output, state->whileThere(&State::receive));
     return ExtensionProcess(std::move(state));
 }
 
 ExtensionProcess::ExtensionProcess(std::shared_ptr<State> state) : state_(std::move(state)) {}
 ExtensionProcess::ExtensionProcess(ExtensionProcess&&) noexcept = default;
-ExtensionProcess& ExtensionProcess::operator=(ExtensionProcess&&) noexcept = default;
 
 ExtensionProcess::~ExtensionProcess() {
     if (!state_) return;
     state_->unwatch();
     state_->deliver = nullptr;
     g_subprocess_force_exit(state_->subprocess.get());
+    // Killed by another thread of the library: it is not to outlive this one.
+    g_subprocess_wait(state_->subprocess.get(), nullptr, nullptr);
 }
 
 const std::string& ExtensionProcess::exitReason() const {
@@ -287,7 +283,10 @@ void ExtensionProcess::exchange(std::vector<Request> requests, std::function<voi
         return;
     }
     state.deadlineTimer = MainSource::after(state.deadline, state.whileThere(&State::deadlinePassed));
-    state.writable = MainSource::whenWritable(state.input, state.whileThere(&State::send));
+    // Only who is waited for is listened to.
+    state.errorsReadable = MainSource::whenReadable(state.errors, state.whileThere(&State::listen));
+    if (state.input >= 0)
+        state.writable = MainSource::whenWritable(state.input, state.whileThere(&State::send));
 }
 
 std::filesystem::path installedExtension() {

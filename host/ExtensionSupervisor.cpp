@@ -39,6 +39,8 @@ class ExtensionSupervisor::Round {
     /// What that has left, or what is not asked beside others at all, by its places.
     std::set<std::size_t> unanswered = {};
     bool othersWereAnswered = false;
+    /// How many are not back yet from the process that was asked all of it.
+    std::size_t left = 0;
 
   private:
     std::deque<Work> works_;
@@ -69,10 +71,20 @@ void ExtensionSupervisor::ask(std::vector<Request> requests, Completion completi
     if (!isBusy_) schedule();
 }
 
+bool ExtensionSupervisor::needsStart() const {
+    if (process_ && process_->exitReason().empty() && !isStale_) return false;
+    // What is asked apart has processes of its own.
+    return std::ranges::any_of(waiting_, [this](const Work& work) {
+        return std::ranges::any_of(
+            work.requests, [this](const Request& each) { return !deadly_.contains(subjectOf(each)); });
+    });
+}
+
 void ExtensionSupervisor::schedule() {
     idle_.reset();
     if (!waiting_.empty())
-        next_ = MainSource::after(seconds(startableAt_ - Clock::now()), [this] { startRound(); });
+        next_ = MainSource::after(
+            needsStart() ? seconds(startableAt_ - Clock::now()) : 0, [this] { startRound(); });
     else if (process_)
         idle_ = MainSource::after(seconds(options_.idle), [this] {
             std::move(*process_).dismiss();
@@ -81,6 +93,14 @@ void ExtensionSupervisor::schedule() {
 }
 
 void ExtensionSupervisor::startRound() {
+    if (process_ && !process_->exitReason().empty()) {
+        // It ended while nothing was asked.
+        const std::string how = process_->exitReason();
+        process_.reset();
+        backOff(how);
+        schedule();
+        return;
+    }
     const auto round = std::make_shared<Round>(std::exchange(waiting_, {}));
     std::vector<Request> together;
     std::vector<std::size_t> places;
@@ -92,31 +112,35 @@ void ExtensionSupervisor::startRound() {
             places.push_back(place);
         }
     }
-    const auto started = together.empty() ? Result<void>() : startProcess();
-    if (!started || together.empty()) {
-        Outcomes none;
-        for (const std::size_t place : places) none.emplace(place, NoReply{started.fault().text(), true});
-        if (!none.empty()) round->deliver(std::move(none));
+    if (together.empty()) {
         askApart(round);
         schedule();
         return;
     }
+    if (const auto started = startProcess(); !started) {
+        Outcomes none;
+        for (std::size_t place = 0; place < round->requests.size(); ++place)
+            none.emplace(place, NoReply{started.fault().text(), true});
+        round->deliver(std::move(none));
+        schedule();
+        return;
+    }
     isBusy_ = true;
-    process_->exchange(
-        std::move(together), [this, round, places, left = places.size()](Outcomes&& outcomes) mutable {
-            left -= outcomes.size();
-            Outcomes answered;
-            for (auto& [i, outcome] : outcomes) {
-                if (isUnanswered(outcome))
-                    round->unanswered.insert(places[i]);
-                else
-                    answered.emplace(places[i], std::move(outcome));
-            }
-            round->othersWereAnswered = round->othersWereAnswered || !answered.empty();
-            const bool isLast = left == 0;
-            if (!answered.empty()) round->deliver(std::move(answered));
-            if (isLast) finishRound(round);
-        });
+    round->left = together.size();
+    process_->exchange(std::move(together), [this, round, places](Outcomes&& outcomes) {
+        round->left -= outcomes.size();
+        Outcomes answered;
+        for (auto& [i, outcome] : outcomes) {
+            if (isUnanswered(outcome))
+                round->unanswered.insert(places[i]);
+            else
+                answered.emplace(places[i], std::move(outcome));
+        }
+        round->othersWereAnswered = round->othersWereAnswered || !answered.empty();
+        const bool isLast = round->left == 0;
+        if (!answered.empty()) round->deliver(std::move(answered));
+        if (isLast) finishRound(round);
+    });
 }
 
 void ExtensionSupervisor::finishRound(const std::shared_ptr<Round>& round) {
@@ -132,11 +156,6 @@ void ExtensionSupervisor::finishRound(const std::shared_ptr<Round>& round) {
 
 Result<void> ExtensionSupervisor::startProcess() {
     if (std::exchange(isStale_, false)) process_.reset();
-    if (process_ && !process_->exitReason().empty()) {
-        const std::string how = process_->exitReason();
-        process_.reset();
-        backOff(how);
-    }
     if (process_) return {};
     auto started = ExtensionProcess::start(options_.program);
     if (!started) {

@@ -143,6 +143,10 @@ TEST(DesktopLayout, AWidgetThatGrowsMovesWhereItCannotStay) {
     EXPECT_EQ(belonging(layout.resized("d", systemMedium, two)), "a 0,0 | b 1,0 | c 3,1 | d B:3,1");
     EXPECT_EQ(layout.resized("b", systemMedium, two)->find("b")->family, systemMedium);
     EXPECT_EQ(belonging(layout.resized("x", systemSmall, two)), "no placed widget 'x'");
+    // Over the lower edge.
+    const DesktopLayout low{{widget("a", systemSmall, {0, 2}), widget("b", systemSmall, {0, 9}, "gone")}};
+    EXPECT_EQ(belonging(low.resized("a", systemLarge, two)), "a 0,0 | b gone:0,9");
+    EXPECT_EQ(belonging(low.resized("b", systemLarge, two)), "a 0,2 | b gone:0,9");
 }
 
 TEST(DesktopLayout, RemovesWhatIsThere) {

@@ -255,6 +255,28 @@ TEST_F(Supervisor, WhatIsAnsweredDoesNotWaitForAHang) {
     EXPECT_FALSE(got.contains(1));
 }
 
+TEST_F(Supervisor, WhatComesLaterDoesNotWaitForAHangThatIsOver) {
+    // Longer than the answers wait for the rest.
+    options.program.deadline = 1500ms;
+    standIn(exceptDeadly("while :; do read line; done", folder.path() / "starts"));
+    const auto outcomes = ask({placeholder("A"), placeholder("Deadly"), placeholder("B")});
+    EXPECT_TRUE(outcomes.at(0));
+    EXPECT_EQ(outcomes.at(1).fault().reason, "the widget extension did not answer in time");
+    EXPECT_TRUE(outcomes.at(2));
+    EXPECT_TRUE(ask({placeholder("A")}).at(0));
+}
+
+TEST_F(Supervisor, ApartDeathsDoNotHoldUpAHealthyProcess) {
+    options.firstPause = options.longestPause = 60;
+    standIn(exceptDeadly("kill -9 $$", folder.path() / "starts"));
+    EXPECT_TRUE(ask({placeholder("A"), placeholder("Deadly1"), placeholder("Deadly2")}).at(0));
+    EXPECT_TRUE(ask({placeholder("A")}).at(0));
+    EXPECT_FALSE(ask({placeholder("Deadly1"), placeholder("Deadly2")}).at(0));
+    ASSERT_EQ(log.size(), 1U);
+    EXPECT_TRUE(log[0].ends_with("to be started again after 60 s")) << log[0];
+    EXPECT_TRUE(ask({placeholder("A")}).at(0));
+}
+
 TEST_F(Supervisor, ADeadlyRequestAloneKeepsNobodyWaiting) {
     options.firstPause = options.longestPause = 60;
     const auto starts = folder.path() / "starts";

@@ -46,7 +46,7 @@ class ExtensionProcess {
     static Result<ExtensionProcess> start(const ExtensionProgram& program);
 
     ExtensionProcess(ExtensionProcess&&) noexcept;
-    ExtensionProcess& operator=(ExtensionProcess&&) noexcept;
+    ExtensionProcess& operator=(ExtensionProcess&&) = delete;
     ~ExtensionProcess();
 
     /// Sends requests side by side, their ids given here, and hands over what became of each, once, from the

@@ -64,6 +64,8 @@ class ExtensionSupervisor {
     static Subject subjectOf(const Request& request) { return {request.kind, request.family}; }
 
     void schedule();
+    /// Whether what waits needs a process that is not there.
+    bool needsStart() const;
     void startRound();
     void finishRound(const std::shared_ptr<Round>& round);
     Result<void> startProcess();
