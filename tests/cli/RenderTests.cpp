@@ -19,9 +19,9 @@ namespace {
 /// How many looks the extension offers.
 std::ptrdiff_t offeredFamilies() {
     const auto gallery = run({programFolder() / "zelto", "gallery", "--json"});
+    const auto offered = decodeJSON<std::vector<WidgetDescription>>(gallery.output);
     std::ptrdiff_t count = 0;
-    for (const auto& widget : decodeJSON<std::vector<WidgetDescription>>(gallery.output).value())
-        count += std::ssize(widget.families);
+    for (const auto& widget : *offered) count += std::ssize(widget.families);
     return count;
 }
 
