@@ -245,6 +245,8 @@ ExtensionProcess::~ExtensionProcess() {
     if (!state_) return;
     state_->unwatch();
     state_->deliver = nullptr;
+    // What is over was killed then, or is gone; whether it can be is not to hold up the loop.
+    if (!state_->exitReason.empty()) return;
     g_subprocess_force_exit(state_->subprocess.get());
     // Killed by another thread of the library: it is not to outlive this one.
     g_subprocess_wait(state_->subprocess.get(), nullptr, nullptr);
