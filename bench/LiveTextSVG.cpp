@@ -11,6 +11,10 @@
 #include "widget/Widgets/OverviewWidget.hpp"
 
 namespace zelto {
+
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 std::string paintOf(const char* attribute, const ui::Color& color) {

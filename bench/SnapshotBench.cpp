@@ -9,6 +9,9 @@
 #include "shared/WidgetSnapshotFields.hpp"
 
 namespace zelto {
+
+using namespace records;
+using namespace shared;
 namespace {
 
 /// The sample with more of everything until the document has about `bytes` bytes.

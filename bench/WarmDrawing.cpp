@@ -12,6 +12,10 @@
 
 int main(int argc, char** argv) {
     using namespace zelto;
+    using namespace zelto::shared;
+    using namespace zelto::texts;
+    using namespace zelto::widget;
+    using namespace zelto::widgetkit;
     constexpr Date date{794941500};  // 2026-03-11T14:05:00-03:00
     const int rounds = argc > 1 ? std::atoi(argv[1]) : 1;
     const ProviderSources sources{

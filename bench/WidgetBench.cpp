@@ -9,6 +9,11 @@
 #include "widgetkit/Messages.hpp"
 
 namespace zelto {
+
+using namespace shared;
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 constexpr Date date{794941500};  // 2026-03-11T14:05:00-03:00

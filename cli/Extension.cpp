@@ -36,9 +36,9 @@ std::string memberName(const std::string& kind) {
 Extension::Extension(const ExtensionOptions& options)
     : supervisor_({.program = programFor(options)}, [](const std::string&) {}) {}
 
-host::Outcomes Extension::ask(std::vector<Request> requests) {
-    const Environment environment = Environment::current();
-    for (Request& request : requests) {
+host::Outcomes Extension::ask(std::vector<widgetkit::Request> requests) {
+    const texts::Environment environment = texts::Environment::current();
+    for (widgetkit::Request& request : requests) {
         request.locale = environment.locale;
         request.timeZone = environment.timeZone;
     }
@@ -49,28 +49,29 @@ host::Outcomes Extension::ask(std::vector<Request> requests) {
     return all;
 }
 
-Reply Extension::ask(Request request) {
+widgetkit::Reply Extension::ask(widgetkit::Request request) {
     host::Outcome outcome = ask(std::vector{std::move(request)}).at(0);
     if (!outcome) throw Failure(outcome.fault().reason);
     return std::move(outcome->reply);
 }
 
-std::vector<WidgetDescription> Extension::widgets() {
-    auto reply = ask(Request{.request = RequestKind::bundle});
+std::vector<widgetkit::WidgetDescription> Extension::widgets() {
+    auto reply = ask(widgetkit::Request{.request = widgetkit::RequestKind::bundle});
     if (!reply.widgets) throw Failure("the widget extension did not list its widgets");
     return *std::move(reply.widgets);
 }
 
-const WidgetDescription& findWidget(const std::vector<WidgetDescription>& widgets, const std::string& name) {
+const widgetkit::WidgetDescription& findWidget(
+    const std::vector<widgetkit::WidgetDescription>& widgets, const std::string& name) {
     std::string names;
-    for (const WidgetDescription& widget : widgets) {
+    for (const widgetkit::WidgetDescription& widget : widgets) {
         if (widget.kind == name || memberName(widget.kind) == memberName(name)) return widget;
         names += (names.empty() ? "" : ", ") + widget.kind;
     }
     throw Failure("no widget '" + name + "'; there are " + names);
 }
 
-void requireFamily(const WidgetDescription& widget, WidgetFamily family) {
+void requireFamily(const widgetkit::WidgetDescription& widget, widgetkit::WidgetFamily family) {
     if (std::ranges::find(widget.families, family) == widget.families.end())
         throw Failure(
             "--family: " + widget.kind + " offers " + familyNames(widget.families) + ", not " +

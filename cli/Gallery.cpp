@@ -11,10 +11,10 @@ namespace zelto::cli {
 void gallery(const GalleryOptions& options) {
     const auto widgets = Extension(options.extension).widgets();
     if (options.json) {
-        std::cout << encodeJSON(widgets).value_or("") << '\n';
+        std::cout << records::encodeJSON(widgets).value_or("") << '\n';
         return;
     }
-    for (const WidgetDescription& widget : widgets)
+    for (const widgetkit::WidgetDescription& widget : widgets)
         std::cout << widget.kind << "  " << familyNames(widget.families) << "\n    " << widget.displayName
                   << "\n    " << widget.description << '\n';
 }

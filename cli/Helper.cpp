@@ -45,8 +45,8 @@ T valueOf(bus::Result<T> result) {
     return *std::move(result);
 }
 
-HelperConnection connectionFor(const HelperOptions& options) {
-    return HelperConnection(
+helper::HelperConnection connectionFor(const HelperOptions& options) {
+    return helper::HelperConnection(
         options.bus.empty() ? bus::Address::system() : bus::Address::at(options.bus),
         std::chrono::milliseconds(std::llround(options.deadline * 1000)));
 }
@@ -61,19 +61,19 @@ Config changed(Config config, const std::string& text) {
     const auto equals = std::min(text.find('='), text.size());
     const std::string name = text.substr(0, equals);
     std::string names;
-    for (const Schema::Field& field : schemaOf<Config>().fields) {
+    for (const records::Schema::Field& field : records::schemaOf<Config>().fields) {
         names += names.empty() ? "" : ", ";
         names += field.name;
         if (field.name != name) continue;
         if (equals == text.size()) throw Failure(missingValue(name), badValue);
-        const Schema& schema = field.schema();
+        const records::Schema& schema = field.schema();
         std::string value = text.substr(equals + 1);
         if (schema.parse) {
             std::string quoted;
-            appendJSONString(quoted, value);
+            records::appendJSONString(quoted, value);
             value = quoted;
         }
-        if (!decodeJSON(value, schema, field.address(&config), 1))
+        if (!records::decodeJSON(value, schema, field.address(&config), 1))
             throw Failure(
                 name + ": '" + text.substr(equals + 1) + "' is not " + std::string(schema.name), badValue);
         return config;
@@ -85,13 +85,13 @@ void require(bool holds, const char* text) {
     if (!holds) throw Failure(text, badValue);
 }
 
-void check(const ChargeConfig& config) {
+void check(const shared::ChargeConfig& config) {
     require(config.limit >= 1 && config.limit <= 100, "limit: must be a percentage from 1 to 100");
     require(
         config.sailing >= 0 && config.sailing <= config.limit, "sailing: must lie between 0 and the limit");
 }
 
-void check(const FanConfig& config) {
+void check(const shared::FanConfig& config) {
     const auto isTemperature = [](double value) { return value >= 0 && value <= 120; };
     require(isTemperature(config.startTemperature), "startTemperature: must lie between 0 and 120 °C");
     require(isTemperature(config.maxTemperature), "maxTemperature: must lie between 0 and 120 °C");
@@ -102,12 +102,12 @@ void check(const FanConfig& config) {
 
 template <class Config>
 void set(
-    const HelperOptions& options, Config HelperStatus::*inForce,
-    bus::Result<std::string> (HelperConnection::*operation)(const Config&)) {
+    const HelperOptions& options, Config shared::HelperStatus::*inForce,
+    bus::Result<std::string> (helper::HelperConnection::*operation)(const Config&)) {
     // What is wrong with the changes alone is said before anybody is asked.
     Config config;
     for (const std::string& text : options.changes) config = changed(std::move(config), text);
-    HelperConnection helper = connectionFor(options);
+    helper::HelperConnection helper = connectionFor(options);
     config = valueOf(helper.status()).*inForce;
     for (const std::string& text : options.changes) config = changed(std::move(config), text);
     check(config);
@@ -127,15 +127,15 @@ std::string text(double value) {
 
 template <class E>
 std::string text(E value) {
-    return std::string(nameOf(value));
+    return std::string(records::nameOf(value));
 }
 
-void print(const HelperStatus& status) {
+void print(const shared::HelperStatus& status) {
     const auto row = [](const char* name, const std::string& value) {
         std::cout << std::left << std::setw(20) << name << value << '\n';
     };
-    const ChargeConfig& charge = status.chargeConfig;
-    const FanConfig& fan = status.fanConfig;
+    const shared::ChargeConfig& charge = status.chargeConfig;
+    const shared::FanConfig& fan = status.fanConfig;
     row("version", status.version);
     row("charge control", text(status.chargeBackend));
     row("charge limit",
@@ -152,7 +152,7 @@ void print(const HelperStatus& status) {
     if (status.lastError) row("last error", *status.lastError);
     if (status.fans.empty()) return;
     std::cout << "\nfan    actual   target  minimum  maximum  manual\n" << std::fixed << std::setprecision(0);
-    for (const FanStatus& each : status.fans)
+    for (const shared::FanStatus& each : status.fans)
         std::cout << std::left << std::setw(4) << each.index << std::right << std::setw(9) << each.actual
                   << std::setw(9) << each.target << std::setw(9) << each.minimum << std::setw(9)
                   << each.maximum << std::setw(8) << text(each.manual) << '\n';
@@ -167,22 +167,22 @@ std::string helperExitTexts() {
 }
 
 void helperStatus(const HelperOptions& options) {
-    const HelperStatus status = valueOf(connectionFor(options).status());
+    const shared::HelperStatus status = valueOf(connectionFor(options).status());
     if (options.json)
-        std::cout << encodeJSON(status).value_or("") << '\n';
+        std::cout << records::encodeJSON(status).value_or("") << '\n';
     else
         print(status);
-    if (status.version != HelperConstants::version)
+    if (status.version != shared::HelperConstants::version)
         std::cerr << "zelto: the helper is version " << status.version << ", this build expects "
-                  << HelperConstants::version << '\n';
+                  << shared::HelperConstants::version << '\n';
 }
 
 void helperSetCharge(const HelperOptions& options) {
-    set(options, &HelperStatus::chargeConfig, &HelperConnection::setChargeConfig);
+    set(options, &shared::HelperStatus::chargeConfig, &helper::HelperConnection::setChargeConfig);
 }
 
 void helperSetFan(const HelperOptions& options) {
-    set(options, &HelperStatus::fanConfig, &HelperConnection::setFanConfig);
+    set(options, &shared::HelperStatus::fanConfig, &helper::HelperConnection::setFanConfig);
 }
 
 void helperReset(const HelperOptions& options) {

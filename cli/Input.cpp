@@ -73,18 +73,19 @@ Date parseDate(const std::string& text, const std::string& option) {
         option + ": '" + text + "' is neither a date like 2026-03-11T14:05:00-03:00 nor seconds since 2001");
 }
 
-WidgetFamily parseFamily(const std::string& text) {
-    if (const auto family = familyCalled(text)) return *family;
+widgetkit::WidgetFamily parseFamily(const std::string& text) {
+    if (const auto family = widgetkit::familyCalled(text)) return *family;
     throw Failure("--family: '" + text + "' is not small, medium or large");
 }
 
-std::string familyName(WidgetFamily family) {
-    return std::string(shortNameOf(family));
+std::string familyName(widgetkit::WidgetFamily family) {
+    return std::string(widgetkit::shortNameOf(family));
 }
 
-std::string familyNames(const std::vector<WidgetFamily>& offered) {
+std::string familyNames(const std::vector<widgetkit::WidgetFamily>& offered) {
     std::string out;
-    for (const WidgetFamily family : offered) out += (out.empty() ? "" : ", ") + familyName(family);
+    for (const widgetkit::WidgetFamily family : offered)
+        out += (out.empty() ? "" : ", ") + familyName(family);
     return out;
 }
 

@@ -19,12 +19,12 @@ void writeOutput(const std::string& path, const std::string& bytes);
 Date parseDate(const std::string& text, const std::string& option);
 
 /// "small", "medium" or "large". Raises Failure.
-WidgetFamily parseFamily(const std::string& text);
+widgetkit::WidgetFamily parseFamily(const std::string& text);
 
 /// "small", "medium" or "large".
-std::string familyName(WidgetFamily family);
+std::string familyName(widgetkit::WidgetFamily family);
 
 /// "small, medium"
-std::string familyNames(const std::vector<WidgetFamily>& families);
+std::string familyNames(const std::vector<widgetkit::WidgetFamily>& families);
 
 }  // namespace zelto::cli

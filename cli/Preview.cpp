@@ -25,31 +25,31 @@ namespace {
 
 template <class T>
 T decodeInput(const std::string& path) {
-    auto value = decodeJSON<T>(readInput(path));
+    auto value = records::decodeJSON<T>(readInput(path));
     if (!value) throw Failure((path == "-" ? "standard input" : path) + ": " + value.fault().text());
     return *std::move(value);
 }
 
-std::optional<WidgetSnapshot> snapshotFor(const PreviewOptions& options, Date date) {
+std::optional<shared::WidgetSnapshot> snapshotFor(const PreviewOptions& options, Date date) {
     if (options.noSnapshot) return std::nullopt;
-    if (options.sample) return WidgetSnapshot::sample(date);
-    if (options.snapshot.empty()) return WidgetSnapshot::load();
-    return decodeInput<WidgetSnapshot>(options.snapshot);
+    if (options.sample) return shared::WidgetSnapshot::sample(date);
+    if (options.snapshot.empty()) return shared::WidgetSnapshot::load();
+    return decodeInput<shared::WidgetSnapshot>(options.snapshot);
 }
 
-LiveData liveDataFor(const PreviewOptions& options) {
-    if (options.placeholder) return placeholderLiveData();
-    if (options.live.empty()) return LiveReader::read(SystemReadings::ofLinux());
-    return decodeInput<LiveData>(options.live);
+widget::LiveData liveDataFor(const PreviewOptions& options) {
+    if (options.placeholder) return widget::placeholderLiveData();
+    if (options.live.empty()) return widget::LiveReader::read(system::SystemReadings::ofLinux());
+    return decodeInput<widget::LiveData>(options.live);
 }
 
-Environment environmentFor(const PreviewOptions& options) {
-    Environment environment = Environment::current();
+texts::Environment environmentFor(const PreviewOptions& options) {
+    texts::Environment environment = texts::Environment::current();
     if (!options.locale.empty()) environment.locale = options.locale;
     if (!options.timeZone.empty()) environment.timeZone = options.timeZone;
-    if (!isKnownLocale(environment.locale))
+    if (!texts::isKnownLocale(environment.locale))
         throw Failure("--locale: '" + environment.locale + "' is not known");
-    if (!TimeZone::find(environment.timeZone))
+    if (!texts::TimeZone::find(environment.timeZone))
         throw Failure("--time-zone: '" + environment.timeZone + "' is not known");
     return environment;
 }
@@ -65,11 +65,11 @@ std::string formatFor(const PreviewOptions& options) {
 
 /// Drawn as a host would, from what an extension would hand out; texts and outlines are the widget's own.
 std::string drawn(
-    ArchivedEntry entry, WidgetFamily family, Date now, const std::string& format,
+    widgetkit::ArchivedEntry entry, widgetkit::WidgetFamily family, Date now, const std::string& format,
     const PreviewOptions& options) {
-    const ui::Size size = sizeOf(family);
-    keepToBudget(entry.view, size.width);
-    if (const auto checked = check(entry.view); !checked)
+    const ui::Size size = widgetkit::sizeOf(family);
+    widgetkit::keepToBudget(entry.view, size.width);
+    if (const auto checked = widgetkit::check(entry.view); !checked)
         throw Failure("the view cannot be drawn: " + checked.fault().text());
     drawing::Renderer renderer;
     const auto displayList = layout::layOut(entry.view, {.size = size, .now = now}, renderer.measuring());
@@ -83,8 +83,8 @@ std::string drawn(
 }  // namespace
 
 void preview(const PreviewOptions& options) {
-    const WidgetFamily family = parseFamily(options.family);
-    const Environment environment = environmentFor(options);
+    const widgetkit::WidgetFamily family = parseFamily(options.family);
+    const texts::Environment environment = environmentFor(options);
     const std::string format = formatFor(options);
     if (options.accessibility && format != "text") throw Failure("--accessibility: only with --format text");
     if (options.corners && format != "png" && format != "svg") throw Failure("--corners: only for pictures");
@@ -95,19 +95,19 @@ void preview(const PreviewOptions& options) {
     const Date now = options.now.empty() ? date : parseDate(options.now, "--now");
 
     // The widget is asked through its own configuration, with sources that give what the options say.
-    std::optional<ArchivedEntry> entry;
-    const ProviderSources sources{
+    std::optional<widgetkit::ArchivedEntry> entry;
+    const widget::ProviderSources sources{
         .now = [&] { return date; },
         .live = [&] { return liveDataFor(options); },
         .snapshot = [&] { return snapshotFor(options, date); }};
-    const auto widgets = ZeltoWidgetBundle{sources}.body();
-    std::vector<WidgetDescription> descriptions;
+    const auto widgets = widget::ZeltoWidgetBundle{sources}.body();
+    std::vector<widgetkit::WidgetDescription> descriptions;
     for (const auto& widget : widgets) descriptions.push_back(widget.info());
-    const WidgetDescription& found = findWidget(descriptions, options.kind);
+    const widgetkit::WidgetDescription& found = findWidget(descriptions, options.kind);
     requireFamily(found, family);
     const auto& widget = widgets[static_cast<std::size_t>(&found - descriptions.data())];
 
-    const Formatting formatting(environment);
+    const texts::Formatting formatting(environment);
     entry = widget.snapshot({family, false}, {family, formatting, [&] { return now; }});
     std::string out;
     if (options.accessibility)
@@ -115,7 +115,7 @@ void preview(const PreviewOptions& options) {
     else if (format == "text")
         out = ui::outline(entry->view);
     else if (format == "json")
-        out = encodeJSON(*entry).value_or("") + "\n";
+        out = records::encodeJSON(*entry).value_or("") + "\n";
     else
         out = drawn(*std::move(entry), family, now, format, options);
     writeOutput(options.output.empty() ? "-" : options.output, out);

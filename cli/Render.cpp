@@ -17,7 +17,7 @@ namespace {
 
 struct Look {
     std::string kind;
-    WidgetFamily family;
+    widgetkit::WidgetFamily family;
     layout::DisplayList displayList;
 };
 
@@ -33,13 +33,14 @@ Looks askForLooks(const RenderOptions& options, drawing::Renderer& renderer) {
     std::vector<std::string> kinds;
     for (const auto& name : options.kinds) kinds.push_back(findWidget(widgets, name).kind);
 
-    std::vector<Request> requests;
-    for (const WidgetDescription& widget : widgets) {
+    std::vector<widgetkit::Request> requests;
+    for (const widgetkit::WidgetDescription& widget : widgets) {
         if (!kinds.empty() && std::ranges::find(kinds, widget.kind) == kinds.end()) continue;
         // Previews are what the gallery asks for: a snapshot. Everything else is what a placed widget shows.
-        for (const WidgetFamily family : widget.families)
+        for (const widgetkit::WidgetFamily family : widget.families)
             requests.push_back(
-                {.request = options.preview ? RequestKind::snapshot : RequestKind::timeline,
+                {.request =
+                     options.preview ? widgetkit::RequestKind::snapshot : widgetkit::RequestKind::timeline,
                  .kind = widget.kind,
                  .family = family,
                  .preview = options.preview});
@@ -47,16 +48,16 @@ Looks askForLooks(const RenderOptions& options, drawing::Renderer& renderer) {
     Looks out;
     for (const auto& [place, outcome] : extension.ask(requests)) {
         const std::string& kind = *requests[place].kind;
-        const WidgetFamily family = *requests[place].family;
+        const widgetkit::WidgetFamily family = *requests[place].family;
         if (!outcome || (!outcome->reply.entry && !outcome->reply.timeline)) {
             std::string& missing =
                 out.faults[outcome ? "an answer without an entry" : outcome.fault().reason];
             missing += (missing.empty() ? "" : ", ") + kind + " (" + familyName(family) + ")";
             continue;
         }
-        const Reply& reply = outcome->reply;
-        const ArchivedEntry& entry = reply.entry ? *reply.entry : reply.timeline->entries.front();
-        const ui::Size size = sizeOf(family);
+        const widgetkit::Reply& reply = outcome->reply;
+        const widgetkit::ArchivedEntry& entry = reply.entry ? *reply.entry : reply.timeline->entries.front();
+        const ui::Size size = widgetkit::sizeOf(family);
         out.looks.push_back(
             {kind,
              family,
@@ -82,7 +83,7 @@ void render(const RenderOptions& options) {
     std::error_code error;
     std::filesystem::create_directories(folder, error);
     if (error) throw Failure(folder.string() + ": " + error.message());
-    std::vector<WidgetFamily> families;
+    std::vector<widgetkit::WidgetFamily> families;
     for (const Look& look : looks) families.push_back(look.family);
     SheetGrid grid(families);
     std::vector<drawing::SheetItem> sheet;

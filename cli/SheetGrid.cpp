@@ -15,19 +15,19 @@ double edge(std::int64_t tiles) {
     return 2 * border + static_cast<double>(tiles) * host::tilePitch - host::tileGap;
 }
 
-host::Cell placeOn(host::TileGrid& grid, WidgetFamily family) {
+host::Cell placeOn(host::TileGrid& grid, widgetkit::WidgetFamily family) {
     const host::Cell cell = grid.firstFree(family);
     grid.take(cell, family);
     return cell;
 }
 
-std::int64_t columnsFor(const std::vector<WidgetFamily>& families) {
+std::int64_t columnsFor(const std::vector<widgetkit::WidgetFamily>& families) {
     std::int64_t best = 1;
     auto least = std::tuple(std::numeric_limits<std::int64_t>::max(), 0.0);
     for (std::int64_t columns = 1; columns <= mostColumns; ++columns) {
         host::TileGrid grid(columns);
         std::int64_t taken = 0;
-        for (const WidgetFamily family : families) {
+        for (const widgetkit::WidgetFamily family : families) {
             placeOn(grid, family);
             const host::Span span = host::spanOf(family);
             taken += span.columns * span.rows;
@@ -46,9 +46,9 @@ std::int64_t columnsFor(const std::vector<WidgetFamily>& families) {
 
 }  // namespace
 
-SheetGrid::SheetGrid(const std::vector<WidgetFamily>& families) : grid_(columnsFor(families)) {}
+SheetGrid::SheetGrid(const std::vector<widgetkit::WidgetFamily>& families) : grid_(columnsFor(families)) {}
 
-layout::Point SheetGrid::place(WidgetFamily family) {
+layout::Point SheetGrid::place(widgetkit::WidgetFamily family) {
     const host::Cell cell = placeOn(grid_, family);
     return {
         border + static_cast<double>(cell.column) * host::tilePitch,

@@ -20,17 +20,17 @@ std::string counted(std::size_t count, const char* one, const char* many) {
 }  // namespace
 
 void snapshotSample() {
-    std::cout << encodeJSON(WidgetSnapshot::sample()).value_or("") << '\n';
+    std::cout << records::encodeJSON(shared::WidgetSnapshot::sample()).value_or("") << '\n';
 }
 
 void snapshotCheck(const std::string& file) {
-    const std::string path = file.empty() ? WidgetSnapshot::url().string() : file;
+    const std::string path = file.empty() ? shared::WidgetSnapshot::url().string() : file;
     const std::string name = path == "-" ? "standard input" : path;
-    const std::string bytes = readInput(path, WidgetSnapshot::largestDocument);
-    static_assert(WidgetSnapshot::largestDocument == std::size_t{16} << 20);
-    if (bytes.size() > WidgetSnapshot::largestDocument)
+    const std::string bytes = readInput(path, shared::WidgetSnapshot::largestDocument);
+    static_assert(shared::WidgetSnapshot::largestDocument == std::size_t{16} << 20);
+    if (bytes.size() > shared::WidgetSnapshot::largestDocument)
         throw Failure(name + ": larger than 16 MiB, which no widget reads");
-    const auto snapshot = decodeJSON<WidgetSnapshot>(bytes);
+    const auto snapshot = records::decodeJSON<shared::WidgetSnapshot>(bytes);
     if (!snapshot) throw Failure(name + ": " + snapshot.fault().text());
     std::cout << "ok: taken " << iso8601(snapshot->date) << ", "
               << (snapshot->battery ? "battery " + std::to_string(snapshot->battery->percent) + "%"

@@ -13,7 +13,7 @@
 namespace zelto::cli {
 namespace {
 
-using Kind = Schema::Kind;
+using Kind = records::Schema::Kind;
 
 /// How many of a list are sure to be looked at, and shown where there is room.
 constexpr std::size_t mostItems = 1000;
@@ -30,7 +30,7 @@ class Notes {
   public:
     std::vector<std::string> lines;
 
-    void walk(const Schema& schema, const void* value, const std::string& place) {
+    void walk(const records::Schema& schema, const void* value, const std::string& place) {
         switch (schema.kind) {
             case Kind::record:
                 for (const auto& field : schema.fields)
@@ -48,8 +48,9 @@ class Notes {
                     walk(schema.element(), schema.at(value, i), place + "[" + std::to_string(i) + "]");
                 break;
             case Kind::string:
-                static_assert(ViewBudget().textBytes == 1024);
-                if (jsonLength(*static_cast<const std::string*>(value)) > ViewBudget().textBytes)
+                static_assert(widgetkit::ViewBudget().textBytes == 1024);
+                if (records::jsonLength(*static_cast<const std::string*>(value)) >
+                    widgetkit::ViewBudget().textBytes)
                     note(place, "longer than 1,024 bytes; the widgets show its beginning");
                 break;
             case Kind::date:
@@ -64,12 +65,12 @@ class Notes {
 
 }  // namespace
 
-std::vector<std::string> notesOn(const WidgetSnapshot& snapshot) {
+std::vector<std::string> notesOn(const shared::WidgetSnapshot& snapshot) {
     Notes notes;
-    notes.walk(schemaOf<WidgetSnapshot>(), &snapshot, "");
+    notes.walk(records::schemaOf<shared::WidgetSnapshot>(), &snapshot, "");
 
-    constexpr ViewBudget budget;
-    const double width = sizeOf(WidgetFamily::systemMedium).width;
+    constexpr widgetkit::ViewBudget budget;
+    const double width = widgetkit::sizeOf(widgetkit::WidgetFamily::systemMedium).width;
     if (const auto most = static_cast<std::size_t>(4 * std::ceil(width / budget.pointsPerStep));
         snapshot.cpuHistory.size() > most)
         notes.note(
@@ -82,15 +83,16 @@ std::vector<std::string> notesOn(const WidgetSnapshot& snapshot) {
           {"careItems", snapshot.careItems.size()}})
         if (count > mostItems) notes.note(name, "more than 1,000; the last ones may be left out");
     std::size_t titles = 0;
-    for (const auto& item : snapshot.careItems) titles += std::min(jsonLength(item.title), budget.textBytes);
-    static_assert(ViewBudget().allTextBytes == std::size_t{48} << 10);
+    for (const auto& item : snapshot.careItems)
+        titles += std::min(records::jsonLength(item.title), budget.textBytes);
+    static_assert(widgetkit::ViewBudget().allTextBytes == std::size_t{48} << 10);
     if (titles > budget.allTextBytes)
         notes.note("careItems", "titles of more than 48 KiB together; the last ones are cut");
     if (!snapshot.fans.empty() && !(std::fabs(snapshot.fans[0].actual) < 0x1p63))
         notes.note("fans[0].actual", "beyond 64 bits; the fans widget keeps its last picture");
     for (std::size_t i = 0; i < snapshot.events.size(); ++i) {
         const auto& url = snapshot.events[i].meetingURL;
-        if (url && jsonLength(EventLine::joinLink(*url)) > budget.linkBytes)
+        if (url && records::jsonLength(widget::EventLine::joinLink(*url)) > budget.linkBytes)
             notes.note(
                 "events[" + std::to_string(i) + "].meetingURL",
                 "too long for a link; its button opens the calendar tab");

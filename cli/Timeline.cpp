@@ -11,19 +11,22 @@
 namespace zelto::cli {
 
 void timeline(const TimelineOptions& options) {
-    const WidgetFamily family = parseFamily(options.family);
+    const widgetkit::WidgetFamily family = parseFamily(options.family);
     Extension extension(options.extension);
     const auto widgets = extension.widgets();
-    const WidgetDescription& widget = findWidget(widgets, options.kind);
+    const widgetkit::WidgetDescription& widget = findWidget(widgets, options.kind);
     requireFamily(widget, family);
-    const Reply reply = extension.ask(Request{
-        .request = RequestKind::timeline, .kind = widget.kind, .family = family, .preview = options.preview});
+    const widgetkit::Reply reply = extension.ask(widgetkit::Request{
+        .request = widgetkit::RequestKind::timeline,
+        .kind = widget.kind,
+        .family = family,
+        .preview = options.preview});
     if (!reply.timeline) throw Failure("the widget extension did not answer with a timeline");
     if (options.json) {
-        std::cout << encodeJSON(*reply.timeline).value_or("") << '\n';
+        std::cout << records::encodeJSON(*reply.timeline).value_or("") << '\n';
         return;
     }
-    for (const ArchivedEntry& entry : reply.timeline->entries)
+    for (const widgetkit::ArchivedEntry& entry : reply.timeline->entries)
         std::cout << "entry " << iso8601(entry.date) << '\n';
     std::cout << "reload after " << iso8601(reply.timeline->reloadAfter) << "\n\n"
               << ui::outline(reply.timeline->entries.front().view);

@@ -40,9 +40,10 @@ Desktop::~Desktop() {
 host::HostSeams Desktop::seams() {
     return {
         .now = &Date::now,
-        .environment = &Environment::current,
+        .environment = &texts::Environment::current,
         .ask =
-            [this](std::vector<Request> requests, host::ExtensionSupervisor::Completion completion) {
+            [this](
+                std::vector<widgetkit::Request> requests, host::ExtensionSupervisor::Completion completion) {
                 supervisor_->ask(std::move(requests), std::move(completion));
             },
         .wakeAt = [this](std::optional<Date> instant) { timer_.arm(instant); },
@@ -133,23 +134,23 @@ void Desktop::close(const std::string& id) {
     host::postToMainThread([window] {});
 }
 
-void Desktop::shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) {
+void Desktop::shows(const host::PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) {
     if (const auto found = windows_.find(widget.id); found != windows_.end())
         found->second->view().present(entry);
 }
 
-void Desktop::offers(const std::vector<WidgetDescription>& widgets) {
+void Desktop::offers(const std::vector<widgetkit::WidgetDescription>& widgets) {
     for (const auto& [id, window] : windows_)
         if (const auto* description = host_->offers().find(window->kind())) window->describe(*description);
     if (gallery_) gallery_->offer(widgets);
     // Whoever starts this for the first time sees what there is.
     if (!isFirstStart_ || !host_->widgets().empty()) return;
     isFirstStart_ = false;
-    for (const WidgetDescription& widget : widgets)
+    for (const widgetkit::WidgetDescription& widget : widgets)
         if (!widget.families.empty()) add(widget.kind, widget.families.front(), std::nullopt);
 }
 
-void Desktop::add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell) {
+void Desktop::add(const std::string& kind, widgetkit::WidgetFamily family, std::optional<host::Cell> cell) {
     if (const auto added = host_->add(kind, family, cell); !added) options_.log(added.fault().text());
 }
 
@@ -169,10 +170,11 @@ void Desktop::showGallery() {
                 .backend = backend_,
                 .renderer = renderer_,
                 .now = &Date::now,
-                .add =
-                    [this](const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell) {
-                        add(kind, family, cell);
-                    }},
+                .add = [this](
+                           const std::string& kind,
+                           widgetkit::WidgetFamily family,
+                           std::optional<host::Cell>
+                               cell) { add(kind, family, cell); }},
             host_->offers().widgets());
         gallery_->signal_delete_event().connect([this](GdkEventAny*) {
             // Not from within its own signal.

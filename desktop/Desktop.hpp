@@ -24,7 +24,7 @@ struct DesktopOptions {
     std::string linkCommand;
     std::optional<double> zoom;
     /// Widgets to be added, by kind and family.
-    std::vector<std::pair<std::string, WidgetFamily>> additions;
+    std::vector<std::pair<std::string, widgetkit::WidgetFamily>> additions;
     bool showsGallery = false;
     std::function<void(const std::string&)> log;
 };
@@ -41,8 +41,8 @@ class Desktop : public host::HostObserver {
 
   private:
     void arranged(const std::vector<host::ArrangedWidget>& widgets) override;
-    void shows(const host::PlacedWidget& widget, const ArchivedEntry& entry) override;
-    void offers(const std::vector<WidgetDescription>& widgets) override;
+    void shows(const host::PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) override;
+    void offers(const std::vector<widgetkit::WidgetDescription>& widgets) override;
 
     host::HostSeams seams();
     void watchMonitors();
@@ -52,7 +52,7 @@ class Desktop : public host::HostObserver {
     WidgetWindow& windowOf(const host::PlacedWidget& widget);
     void close(const std::string& id);
     void openLink(const std::string& id, const std::string& url);
-    void add(const std::string& kind, WidgetFamily family, std::optional<host::Cell> cell);
+    void add(const std::string& kind, widgetkit::WidgetFamily family, std::optional<host::Cell> cell);
 
     DesktopOptions options_;
     DisplayBackend backend_;

@@ -27,7 +27,7 @@ void log(const std::string& line) {
     std::fprintf(stderr, "zelto-desktop: %s\n", line.c_str());
 }
 
-using Additions = std::vector<std::pair<std::string, WidgetFamily>>;
+using Additions = std::vector<std::pair<std::string, widgetkit::WidgetFamily>>;
 
 struct Options {
     desktop::DesktopOptions desktop;
@@ -94,7 +94,7 @@ int handOver(const bus::Address& address, bool wantsGallery, const Additions& ad
         isDone = false;
     };
     for (const auto& [kind, family] : additions)
-        note(running.call<std::string>("add", deadline, kind, std::string(nameOf(family))));
+        note(running.call<std::string>("add", deadline, kind, std::string(records::nameOf(family))));
     if (wantsGallery || additions.empty()) note(running.call<void>("gallery", deadline));
     return isDone ? 0 : 1;
 }

@@ -102,7 +102,8 @@ layout::Point DisplayBackend::position(host::Cell cell) const {
         zoom_ * (border + static_cast<double>(cell.row) * host::tilePitch)};
 }
 
-host::Slot DisplayBackend::slotAt(std::size_t index, layout::Point point, WidgetFamily family) const {
+host::Slot DisplayBackend::slotAt(
+    std::size_t index, layout::Point point, widgetkit::WidgetFamily family) const {
     const MonitorArea& area = areas_[index];
     const host::Span span = host::spanOf(family);
     const auto nearest = [this](double position, std::int64_t tiles, std::int64_t covered) {

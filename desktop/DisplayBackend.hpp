@@ -46,7 +46,7 @@ class DisplayBackend {
     /// Where a tile begins on its monitor, in the display's units.
     layout::Point position(host::Cell cell) const;
     /// The tile whose beginning is nearest to a point on the monitor, and on which the widget fits.
-    host::Slot slotAt(std::size_t area, layout::Point point, WidgetFamily family) const;
+    host::Slot slotAt(std::size_t area, layout::Point point, widgetkit::WidgetFamily family) const;
 
     /// Makes a window that is not shown yet lie below all others; `name` is for compositors.
     void prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const;

@@ -7,12 +7,13 @@
 
 namespace zelto::desktop {
 
-DragIcon::DragIcon(const DisplayBackend& backend, WidgetFamily family, const drawing::Picture& picture)
+DragIcon::DragIcon(
+    const DisplayBackend& backend, widgetkit::WidgetFamily family, const drawing::Picture& picture)
     : Gtk::Window(backend.windowKind() == WindowKind::hints ? Gtk::WINDOW_POPUP : Gtk::WINDOW_TOPLEVEL),
       backend_(backend),
       picture_(picture) {
     backend.prepare(*this, "zelto-ghost", false);
-    const ui::Size size = sizeOf(family);
+    const ui::Size size = widgetkit::sizeOf(family);
     set_size_request(
         static_cast<int>(std::lround(size.width * backend.zoom())),
         static_cast<int>(std::lround(size.height * backend.zoom())));

@@ -10,7 +10,7 @@ namespace zelto::desktop {
 /// A translucent picture of a dragged widget on the place that it would take.
 class DragIcon : public Gtk::Window {
   public:
-    DragIcon(const DisplayBackend& backend, WidgetFamily family, const drawing::Picture& picture);
+    DragIcon(const DisplayBackend& backend, widgetkit::WidgetFamily family, const drawing::Picture& picture);
 
     void place(host::Slot slot);
 

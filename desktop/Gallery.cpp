@@ -42,10 +42,10 @@ Gtk::Label* label(const std::string& text, const char* style) {
 /// One family of one widget: its picture on a button. The picture is asked for when the gallery opens.
 class Gallery::Preview : public Gtk::Button {
   public:
-    Preview(Gallery& gallery, const WidgetDescription& widget, WidgetFamily family)
+    Preview(Gallery& gallery, const widgetkit::WidgetDescription& widget, widgetkit::WidgetFamily family)
         : seams_(gallery.seams_), kind_(widget.kind), family_(family) {
         auto* box = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 6));
-        const ui::Size size = sizeOf(family);
+        const ui::Size size = widgetkit::sizeOf(family);
         const double zoom = seams_.backend.zoom();
         canvas_.set_size_request(
             static_cast<int>(std::lround(size.width * zoom)),
@@ -65,14 +65,16 @@ class Gallery::Preview : public Gtk::Button {
         drag_->signal_drag_update().connect([this](double dx, double dy) { dragged(dx, dy); });
         drag_->signal_drag_end().connect([this](double, double) { dropped(); });
         seams_.previews.ask(
-            kind_, family, [this, isThere = std::weak_ptr(life_)](const std::optional<ArchivedEntry>& entry) {
+            kind_,
+            family,
+            [this, isThere = std::weak_ptr(life_)](const std::optional<widgetkit::ArchivedEntry>& entry) {
                 if (!isThere.expired() && entry) show(*entry);
             });
     }
 
   private:
-    void show(const ArchivedEntry& entry) {
-        const ui::Size size = sizeOf(family_);
+    void show(const widgetkit::ArchivedEntry& entry) {
+        const ui::Size size = widgetkit::sizeOf(family_);
         const auto displayList =
             layout::layOut(entry.view, {.size = size, .now = seams_.now()}, seams_.renderer.measuring());
         picture_ = seams_.renderer.draw(
@@ -93,7 +95,7 @@ class Gallery::Preview : public Gtk::Button {
         gdk_device_get_position(pointer, nullptr, &x, &y);
         if (seams_.backend.areas().empty()) return std::nullopt;
         const MonitorArea& area = seams_.backend.areas().front();
-        const ui::Size size = sizeOf(family_);
+        const ui::Size size = widgetkit::sizeOf(family_);
         const double zoom = seams_.backend.zoom();
         const layout::Point corner{x - area.x - size.width * zoom / 2, y - area.y - size.height * zoom / 2};
         return seams_.backend.slotAt(0, corner, family_);
@@ -120,7 +122,7 @@ class Gallery::Preview : public Gtk::Button {
 
     Seams& seams_;
     std::string kind_;
-    WidgetFamily family_;
+    widgetkit::WidgetFamily family_;
     Gtk::DrawingArea canvas_;
     drawing::Picture picture_;
     Glib::RefPtr<Gtk::GestureDrag> drag_;
@@ -129,7 +131,8 @@ class Gallery::Preview : public Gtk::Button {
     std::shared_ptr<int> life_ = std::make_shared<int>();
 };
 
-Gallery::Gallery(Seams seams, const std::vector<WidgetDescription>& offered) : seams_(std::move(seams)) {
+Gallery::Gallery(Seams seams, const std::vector<widgetkit::WidgetDescription>& offered)
+    : seams_(std::move(seams)) {
     set_title(strings::galleryTitle);
     addStyle(*this);
     set_default_size(800, 760);
@@ -145,17 +148,17 @@ Gallery::Gallery(Seams seams, const std::vector<WidgetDescription>& offered) : s
 
 Gallery::~Gallery() = default;
 
-void Gallery::offer(const std::vector<WidgetDescription>& widgets) {
+void Gallery::offer(const std::vector<widgetkit::WidgetDescription>& widgets) {
     previews_.clear();
     for (Gtk::Widget* child : list_.get_children()) list_.remove(*child);
     list_.pack_start(
         *label(widgets.empty() ? strings::galleryEmpty : strings::galleryHint, "dim"), Gtk::PACK_SHRINK);
-    for (const WidgetDescription& widget : widgets) {
+    for (const widgetkit::WidgetDescription& widget : widgets) {
         auto* row = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_VERTICAL, 4));
         row->pack_start(*label(widget.displayName, "title"), Gtk::PACK_SHRINK);
         row->pack_start(*label(widget.description, "dim"), Gtk::PACK_SHRINK);
         auto* families = Gtk::manage(new Gtk::Box(Gtk::ORIENTATION_HORIZONTAL, 12));
-        for (const WidgetFamily family : widget.families)
+        for (const widgetkit::WidgetFamily family : widget.families)
             families->pack_start(
                 *previews_.emplace_back(std::make_unique<Preview>(*this, widget, family)), Gtk::PACK_SHRINK);
         row->pack_start(*families, Gtk::PACK_SHRINK);

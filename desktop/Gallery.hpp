@@ -28,12 +28,14 @@ class Gallery : public Gtk::Window {
         drawing::Renderer& renderer;
         std::function<Date()> now;
         /// Adds a widget, at a place of the first monitor or where there is room.
-        std::function<void(const std::string& kind, WidgetFamily family, std::optional<host::Cell>)> add;
+        std::function<void(
+            const std::string& kind, widgetkit::WidgetFamily family, std::optional<host::Cell>)>
+            add;
     };
-    Gallery(Seams seams, const std::vector<WidgetDescription>& offered);
+    Gallery(Seams seams, const std::vector<widgetkit::WidgetDescription>& offered);
     ~Gallery() override;
 
-    void offer(const std::vector<WidgetDescription>& widgets);
+    void offer(const std::vector<widgetkit::WidgetDescription>& widgets);
 
   private:
     class Preview;

@@ -14,11 +14,11 @@ inline constexpr const char* remove = "Remover";
 inline constexpr const char* noHandler = "Nenhum app abre este link";
 inline constexpr const char* noRoom = "Não há espaço aqui";
 
-constexpr const char* nameOf(WidgetFamily family) {
+constexpr const char* nameOf(widgetkit::WidgetFamily family) {
     switch (family) {
-        case WidgetFamily::systemSmall: return "Pequeno";
-        case WidgetFamily::systemMedium: return "Médio";
-        case WidgetFamily::systemLarge: return "Grande";
+        case widgetkit::WidgetFamily::systemSmall: return "Pequeno";
+        case widgetkit::WidgetFamily::systemMedium: return "Médio";
+        case widgetkit::WidgetFamily::systemLarge: return "Grande";
     }
     return "";
 }

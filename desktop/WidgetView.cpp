@@ -133,15 +133,15 @@ void WidgetView::name(const std::string& displayName) {
     whole_.get_accessible()->set_name(displayName);
 }
 
-void WidgetView::resize(WidgetFamily family) {
-    const ui::Size size = sizeOf(family);
+void WidgetView::resize(widgetkit::WidgetFamily family) {
+    const ui::Size size = widgetkit::sizeOf(family);
     size_ = size;
     set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
     whole_.set_size_request(rounded(size.width * zoom_), rounded(size.height * zoom_));
     if (entry_) layOutAgain();
 }
 
-void WidgetView::present(const ArchivedEntry& entry) {
+void WidgetView::present(const widgetkit::ArchivedEntry& entry) {
     entry_ = entry;
     layOutAgain();
 }

@@ -44,8 +44,8 @@ class WidgetView : public Gtk::Fixed {
 
     /// Its name for assistive technology.
     void name(const std::string& displayName);
-    void resize(WidgetFamily family);
-    void present(const ArchivedEntry& entry);
+    void resize(widgetkit::WidgetFamily family);
+    void present(const widgetkit::ArchivedEntry& entry);
     /// Says something briefly, over the picture.
     void say(const std::string& text);
     /// Whether anything of it is seen; a countdown stops otherwise.
@@ -69,7 +69,7 @@ class WidgetView : public Gtk::Fixed {
     double zoom_;
     layout::Size size_;
     std::string name_;
-    std::optional<ArchivedEntry> entry_;
+    std::optional<widgetkit::ArchivedEntry> entry_;
     layout::DisplayList displayList_;
     drawing::Picture picture_;
     double drawnScale_ = 0;

@@ -48,7 +48,7 @@ void WidgetWindow::arrange(const host::ArrangedWidget& arranged) {
     show();
 }
 
-void WidgetWindow::describe(const WidgetDescription& description) {
+void WidgetWindow::describe(const widgetkit::WidgetDescription& description) {
     description_ = description;
     set_title(description.displayName);
     view_.name(description.displayName);
@@ -62,7 +62,7 @@ void WidgetWindow::makeMenu() {
         return item;
     };
     if (description_)
-        for (const WidgetFamily family : description_->families) {
+        for (const widgetkit::WidgetFamily family : description_->families) {
             auto* item = new Gtk::CheckMenuItem(strings::nameOf(family));
             item->set_draw_as_radio();
             item->set_active(family == widget_.family);
@@ -161,7 +161,7 @@ host::Slot WidgetWindow::target(double dx, double dy) const {
     point.y += dy;
     if (backend.windowKind() == WindowKind::hints) {
         // The widget's middle says which monitor is meant.
-        const ui::Size size = sizeOf(widget_.family);
+        const ui::Size size = widgetkit::sizeOf(widget_.family);
         const double x = area_->x + point.x, y = area_->y + point.y;
         monitor = backend
                       .monitorAt(
@@ -210,7 +210,7 @@ void WidgetWindow::stepFamily(int direction) {
         setFamily(families[static_cast<std::size_t>(index)]);
 }
 
-void WidgetWindow::setFamily(WidgetFamily family) {
+void WidgetWindow::setFamily(widgetkit::WidgetFamily family) {
     tell(seams_.host.setFamily(widget_.id, family));
 }
 

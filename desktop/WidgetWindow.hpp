@@ -30,7 +30,7 @@ class WidgetWindow : public Gtk::Window {
     /// Shows itself as it is arranged now, perhaps in another size.
     void arrange(const host::ArrangedWidget& arranged);
     /// What the extension calls it, and which families it offers.
-    void describe(const WidgetDescription& description);
+    void describe(const widgetkit::WidgetDescription& description);
     WidgetView& view() { return view_; }
     const std::string& kind() const { return widget_.kind; }
 
@@ -51,7 +51,7 @@ class WidgetWindow : public Gtk::Window {
     void step(std::int64_t columns, std::int64_t rows);
     void moveTo(host::Slot slot);
     void stepFamily(int direction);
-    void setFamily(WidgetFamily family);
+    void setFamily(widgetkit::WidgetFamily family);
     void reloadWidget();
     void removeWidget();
     void tell(const Result<void>& done);
@@ -61,7 +61,7 @@ class WidgetWindow : public Gtk::Window {
     host::Slot slot_;
     /// Where its monitor was when it was placed.
     std::optional<MonitorArea> area_;
-    std::optional<WidgetDescription> description_;
+    std::optional<widgetkit::WidgetDescription> description_;
     WidgetView view_;
     Glib::RefPtr<Gtk::GestureDrag> drag_;
     std::unique_ptr<DragIcon> dragIcon_;

@@ -18,6 +18,11 @@
 
 namespace {
 
+using namespace zelto::records;
+using namespace zelto::shared;
+using namespace zelto::texts;
+using namespace zelto::widget;
+using namespace zelto::widgetkit;
 using namespace zelto;
 using Kind = Schema::Kind;
 

@@ -10,6 +10,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zelto;
+    using namespace zelto::widgetkit;
     static drawing::Renderer renderer;
     const auto reply = decodeReply({reinterpret_cast<const char*>(data), size});
     if (!reply) return 0;

@@ -9,6 +9,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zelto;
+    using namespace zelto::records;
+    using namespace zelto::shared;
     const std::string_view document(reinterpret_cast<const char*>(data), size);
     const auto snapshot = decodeJSON<WidgetSnapshot>(document);
     if (!snapshot) {

@@ -3,7 +3,7 @@
 #include "records/JSONDecoder.hpp"
 #include "records/JSONEncoder.hpp"
 
-namespace zelto {
+namespace zelto::helper {
 namespace {
 
 using bus::ErrorKind;
@@ -14,20 +14,20 @@ constexpr const char* chargeMethod = "setChargeConfig";
 constexpr const char* fanMethod = "setFanConfig";
 constexpr const char* resetMethod = "resetAllWithReply";
 
-const std::string service(HelperConstants::machService);
+const std::string service(shared::HelperConstants::machService);
 
-using Setter = void (ZeltoHelperProtocol::*)(std::string, ReplyBlock<std::string>);
+using Setter = void (shared::ZeltoHelperProtocol::*)(std::string, ReplyBlock<std::string>);
 
 /// A row for an operation that takes a configuration.
 template <class Config>
-bus::Method setting(const char* name, ZeltoHelperProtocol& helper, Setter set) {
+bus::Method setting(const char* name, shared::ZeltoHelperProtocol& helper, Setter set) {
     return bus::method(
         name,
         {"config"},
         {"refusal"},
         [&helper, set](ReplyBlock<bus::Result<std::string>> reply, const Bytes& config) {
             std::string data = config.content();
-            if (const auto decoded = decodeJSON<Config>(data); !decoded) {
+            if (const auto decoded = records::decodeJSON<Config>(data); !decoded) {
                 reply(bus::Error{ErrorKind::badPayload, decoded.fault().text()});
                 return;
             }
@@ -38,7 +38,7 @@ bus::Method setting(const char* name, ZeltoHelperProtocol& helper, Setter set) {
 
 }  // namespace
 
-bus::Interface helperInterface(ZeltoHelperProtocol& helper) {
+bus::Interface helperInterface(shared::ZeltoHelperProtocol& helper) {
     using Status = ReplyBlock<bus::Result<Bytes>>;
     using Reset = ReplyBlock<bus::Result<void>>;
     return {
@@ -53,8 +53,9 @@ bus::Interface helperInterface(ZeltoHelperProtocol& helper) {
                     helper.statusWithReply(
                         {[shared](const std::string& data) { (*shared)(Bytes::of(data)); }, {}});
                 }),
-            setting<ChargeConfig>(chargeMethod, helper, &ZeltoHelperProtocol::setChargeConfig),
-            setting<FanConfig>(fanMethod, helper, &ZeltoHelperProtocol::setFanConfig),
+            setting<shared::ChargeConfig>(
+                chargeMethod, helper, &shared::ZeltoHelperProtocol::setChargeConfig),
+            setting<shared::FanConfig>(fanMethod, helper, &shared::ZeltoHelperProtocol::setFanConfig),
             bus::method(resetMethod, {}, {}, [&helper](Reset reply) {
                 const auto shared = std::make_shared<Reset>(std::move(reply));
                 helper.resetAllWithReply({[shared] { (*shared)({}); }, {}});
@@ -64,10 +65,10 @@ bus::Interface helperInterface(ZeltoHelperProtocol& helper) {
 HelperConnection::HelperConnection(bus::Address address, std::chrono::milliseconds deadline)
     : connection_(std::move(address), service), deadline_(deadline) {}
 
-bus::Result<HelperStatus> HelperConnection::status() {
+bus::Result<shared::HelperStatus> HelperConnection::status() {
     const auto data = connection_.call<Bytes>(statusMethod, deadline_);
     if (!data) return data.fault();
-    auto status = decodeJSON<HelperStatus>(data->content());
+    auto status = records::decodeJSON<shared::HelperStatus>(data->content());
     if (!status)
         return bus::Error{
             ErrorKind::badPayload, "the helper's status does not decode: " + status.fault().text()};
@@ -76,16 +77,16 @@ bus::Result<HelperStatus> HelperConnection::status() {
 
 template <class Config>
 bus::Result<std::string> HelperConnection::set(const char* method, const Config& config) {
-    const auto data = encodeJSON(config);
+    const auto data = records::encodeJSON(config);
     if (!data) return bus::Error{ErrorKind::badPayload, "a number that is not finite"};
     return connection_.call<std::string>(method, deadline_, Bytes::of(*data));
 }
 
-bus::Result<std::string> HelperConnection::setChargeConfig(const ChargeConfig& config) {
+bus::Result<std::string> HelperConnection::setChargeConfig(const shared::ChargeConfig& config) {
     return set(chargeMethod, config);
 }
 
-bus::Result<std::string> HelperConnection::setFanConfig(const FanConfig& config) {
+bus::Result<std::string> HelperConnection::setFanConfig(const shared::FanConfig& config) {
     return set(fanMethod, config);
 }
 
@@ -93,7 +94,8 @@ bus::Result<void> HelperConnection::resetAll() {
     return connection_.call<void>(resetMethod, deadline_);
 }
 
-bus::Result<bus::Listener> listenAsHelper(ZeltoHelperProtocol& helper, HelperListenerOptions options) {
+bus::Result<bus::Listener> listenAsHelper(
+    shared::ZeltoHelperProtocol& helper, HelperListenerOptions options) {
     return bus::Listener::start(
         {.address = std::move(options.address),
          .interface = helperInterface(helper),
@@ -101,4 +103,4 @@ bus::Result<bus::Listener> listenAsHelper(ZeltoHelperProtocol& helper, HelperLis
          .deadline = options.deadline});
 }
 
-}  // namespace zelto
+}  // namespace zelto::helper

@@ -22,8 +22,8 @@ bus::Result<T> onBus(Result<T> result) {
         return *std::move(result);
 }
 
-Result<WidgetFamily> familyNamed(const std::string& name) {
-    if (const auto family = named<WidgetFamily>(name)) return *family;
+Result<widgetkit::WidgetFamily> familyNamed(const std::string& name) {
+    if (const auto family = records::named<widgetkit::WidgetFamily>(name)) return *family;
     return Fault{.reason = "'" + name + "' is not systemSmall, systemMedium or systemLarge"};
 }
 
@@ -67,7 +67,7 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
         host().reloadAll();
         return {};
     };
-    const auto list = [host]() -> Text { return encodeJSON(host().widgets()).value_or("[]"); };
+    const auto list = [host]() -> Text { return records::encodeJSON(host().widgets()).value_or("[]"); };
     const auto gallery = [show = actions.showGallery]() -> Done {
         show();
         return {};
@@ -94,11 +94,12 @@ bus::Result<bus::Listener> listenAsDesktop(
          .dispatch = std::move(dispatch)});
 }
 
-std::optional<std::pair<std::string, WidgetFamily>> parseAddition(const std::string& text) {
+std::optional<std::pair<std::string, widgetkit::WidgetFamily>> parseAddition(const std::string& text) {
     const auto colon = text.rfind(':');
     if (colon == std::string::npos || colon == 0) return std::nullopt;
     const std::string name = text.substr(colon + 1);
-    const auto family = familyCalled(name) ? familyCalled(name) : named<WidgetFamily>(name);
+    const auto family = widgetkit::familyCalled(name) ? widgetkit::familyCalled(name)
+                                                      : records::named<widgetkit::WidgetFamily>(name);
     if (!family) return std::nullopt;
     return std::pair(text.substr(0, colon), *family);
 }

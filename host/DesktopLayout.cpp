@@ -41,7 +41,7 @@ TileGrid othersBeside(
     return grid;
 }
 
-bool fits(Cell cell, WidgetFamily family, const Monitor& monitor) {
+bool fits(Cell cell, widgetkit::WidgetFamily family, const Monitor& monitor) {
     const Span span = spanOf(family);
     return cell.column + span.columns <= monitor.columns && cell.row + span.rows <= monitor.rows;
 }
@@ -64,7 +64,7 @@ DesktopLayout with(DesktopLayout layout, const PlacedWidget& changed) {
 }
 
 /// The nearest place that is on the monitor.
-Cell drawnIn(Cell cell, WidgetFamily family, const Monitor& monitor) {
+Cell drawnIn(Cell cell, widgetkit::WidgetFamily family, const Monitor& monitor) {
     const Span span = spanOf(family);
     const auto within = [](std::int64_t tile, std::int64_t tiles, std::int64_t covered) {
         return std::min(tile, std::max<std::int64_t>(tiles - covered, 0));
@@ -87,10 +87,10 @@ const PlacedWidget* DesktopLayout::find(const std::string& id) const {
 }
 
 Result<DesktopLayout> DesktopLayout::added(
-    const std::string& id, const std::string& kind, WidgetFamily family, std::optional<Cell> cell,
+    const std::string& id, const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell,
     const Monitors& monitors) const {
     PlacedWidget widget{.id = id, .kind = kind, .family = family};
-    if (!encodeJSON(widget)) return Fault{.reason = "a kind that is not UTF-8"};
+    if (!records::encodeJSON(widget)) return Fault{.reason = "a kind that is not UTF-8"};
     const Cell wanted = cell.value_or(Cell{});
     widget.column = wanted.column;
     widget.row = wanted.row;
@@ -131,7 +131,7 @@ Result<DesktopLayout> DesktopLayout::moved(const std::string& id, Slot slot, con
 }
 
 Result<DesktopLayout> DesktopLayout::resized(
-    const std::string& id, WidgetFamily family, const Monitors& monitors) const {
+    const std::string& id, widgetkit::WidgetFamily family, const Monitors& monitors) const {
     const PlacedWidget* widget = find(id);
     if (!widget) return noWidget(id);
     PlacedWidget resized = *widget;

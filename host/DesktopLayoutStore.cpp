@@ -20,7 +20,7 @@ std::optional<std::string> documentOf(const DesktopLayout& layout) {
     std::string out = "{\"widgets\": [";
     const char* separator = "\n  ";
     for (const PlacedWidget& widget : layout.widgets) {
-        const auto line = encodeJSON(widget);
+        const auto line = records::encodeJSON(widget);
         if (!line) return std::nullopt;
         out += separator + *line;
         separator = ",\n  ";
@@ -44,7 +44,7 @@ Result<DesktopLayout> checked(DesktopLayout layout) {
 }
 
 Result<DesktopLayout> decoded(const std::string& document) {
-    auto layout = decodeJSON<DesktopLayout>(document);
+    auto layout = records::decodeJSON<DesktopLayout>(document);
     return layout ? checked(*std::move(layout)) : layout;
 }
 

@@ -34,13 +34,13 @@ std::string spelled(std::string_view text) {
 
 std::filesystem::path EntryStore::fileOf(const PlacedWidget& widget) const {
     return folder_ / (spelled(widget.id) + "." + spelled(widget.kind) + "." +
-                      std::string(nameOf(widget.family)) + ".json");
+                      std::string(records::nameOf(widget.family)) + ".json");
 }
 
-std::optional<ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) const {
+std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) const {
     const auto line = readFile(fileOf(widget), largestFile);
     if (!line) return std::nullopt;
-    auto reply = decodeReply(*line);
+    auto reply = widgetkit::decodeReply(*line);
     if (!reply) return std::nullopt;
     return std::move(reply->timeline);
 }

@@ -37,7 +37,7 @@ std::string describe(GSubprocess* process) {
            std::to_string(g_subprocess_get_exit_status(process)) + ")";
 }
 
-Outcome outcomeOf(Reply reply, std::string line) {
+Outcome outcomeOf(widgetkit::Reply reply, std::string line) {
     if (reply.error) return NoReply{reply.error->empty() ? "an error without a reason" : *reply.error};
     return CheckedReply{std::move(reply), std::move(line)};
 }
@@ -124,7 +124,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
              end = received.find('\n', begin)) {
             std::string line = received.substr(begin, end - begin);
             begin = end + 1;
-            auto reply = decodeReply(line);
+            auto reply = widgetkit::decodeReply(line);
             if (!reply)
                 return Fault{.reason = "the widget extension sent an invalid reply: " + reply.fault().text()};
             const auto waiting = reply->id ? open.find(*reply->id) : open.end();
@@ -266,14 +266,15 @@ void ExtensionProcess::dismiss() && {
     whenGone(state->subprocess.get(), [timer] { timer->reset(); });
 }
 
-void ExtensionProcess::exchange(std::vector<Request> requests, std::function<void(Outcomes)> deliver) {
+void ExtensionProcess::exchange(
+    std::vector<widgetkit::Request> requests, std::function<void(Outcomes)> deliver) {
     State& state = *state_;
     state.deliver = std::move(deliver);
     for (std::size_t place = 0; place < requests.size(); ++place) {
         requests[place].id = ++state.lastID;
         if (!state.exitReason.empty()) {
             state.answered.emplace(place, NoReply{state.exitReason, true});
-        } else if (const auto line = encodeJSON(requests[place])) {
+        } else if (const auto line = records::encodeJSON(requests[place])) {
             state.pending += *line + '\n';
             state.open[requests[place].id] = place;
         } else {

@@ -33,7 +33,7 @@ class ExtensionSupervisor::Round {
         for (auto& [i, own] : byWork) works_[i].completion(std::move(own));
     }
 
-    std::vector<Request> requests;
+    std::vector<widgetkit::Request> requests;
     /// How the process ended that was asked all of it; empty when it did not.
     std::string end = {};
     /// What that has left, or what is not asked beside others at all, by its places.
@@ -66,7 +66,7 @@ ExtensionSupervisor::ExtensionSupervisor(
 
 ExtensionSupervisor::~ExtensionSupervisor() = default;
 
-void ExtensionSupervisor::ask(std::vector<Request> requests, Completion completion) {
+void ExtensionSupervisor::ask(std::vector<widgetkit::Request> requests, Completion completion) {
     waiting_.push_back({std::move(requests), std::move(completion)});
     if (!isBusy_) schedule();
 }
@@ -75,8 +75,9 @@ bool ExtensionSupervisor::needsStart() const {
     if (process_ && process_->exitReason().empty() && !isStale_) return false;
     // What is asked apart has processes of its own.
     return std::ranges::any_of(waiting_, [this](const Work& work) {
-        return std::ranges::any_of(
-            work.requests, [this](const Request& each) { return !deadly_.contains(subjectOf(each)); });
+        return std::ranges::any_of(work.requests, [this](const widgetkit::Request& each) {
+            return !deadly_.contains(subjectOf(each));
+        });
     });
 }
 
@@ -102,7 +103,7 @@ void ExtensionSupervisor::startRound() {
         return;
     }
     const auto round = std::make_shared<Round>(std::exchange(waiting_, {}));
-    std::vector<Request> together;
+    std::vector<widgetkit::Request> together;
     std::vector<std::size_t> places;
     for (std::size_t place = 0; place < round->requests.size(); ++place) {
         if (deadly_.contains(subjectOf(round->requests[place]))) {

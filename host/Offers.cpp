@@ -7,7 +7,7 @@ namespace zelto::host {
 void Offers::tick(Date now) {
     if (!widgets_.empty() || isAsking_ || askAt_ > now) return;
     isAsking_ = true;
-    seams_.client.ask({seams_.client.request(RequestKind::bundle)}, [this](Outcomes outcomes) {
+    seams_.client.ask({seams_.client.request(widgetkit::RequestKind::bundle)}, [this](Outcomes outcomes) {
         isAsking_ = false;
         Outcome& outcome = outcomes.at(0);
         if (outcome && outcome->reply.widgets) {
@@ -28,17 +28,17 @@ std::optional<Date> Offers::nextInstant() const {
     return askAt_;
 }
 
-const WidgetDescription* Offers::find(const std::string& kind) const {
-    const auto found = std::ranges::find(widgets_, kind, &WidgetDescription::kind);
+const widgetkit::WidgetDescription* Offers::find(const std::string& kind) const {
+    const auto found = std::ranges::find(widgets_, kind, &widgetkit::WidgetDescription::kind);
     return found == widgets_.end() ? nullptr : &*found;
 }
 
-Result<void> Offers::check(const std::string& kind, WidgetFamily family) const {
+Result<void> Offers::check(const std::string& kind, widgetkit::WidgetFamily family) const {
     if (widgets_.empty()) return {};
-    const WidgetDescription* widget = find(kind);
+    const widgetkit::WidgetDescription* widget = find(kind);
     if (!widget) return Fault{.reason = "no widget '" + kind + "'"};
     if (std::ranges::find(widget->families, family) == widget->families.end())
-        return Fault{.reason = kind + " is not offered as " + std::string(nameOf(family))};
+        return Fault{.reason = kind + " is not offered as " + std::string(records::nameOf(family))};
     return {};
 }
 

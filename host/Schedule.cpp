@@ -13,14 +13,14 @@ constexpr double steering = 1;
 constexpr Date longAgo{-std::numeric_limits<double>::infinity()};
 
 /// The last entry whose date has come; before all of them, the first.
-const ArchivedEntry& entryAt(const ArchivedTimeline& timeline, Date now) {
-    const auto next = std::ranges::upper_bound(timeline.entries, now, {}, &ArchivedEntry::date);
+const widgetkit::ArchivedEntry& entryAt(const widgetkit::ArchivedTimeline& timeline, Date now) {
+    const auto next = std::ranges::upper_bound(timeline.entries, now, {}, &widgetkit::ArchivedEntry::date);
     return next == timeline.entries.begin() ? *next : *std::prev(next);
 }
 
 }  // namespace
 
-void Schedule::add(const std::string& id, std::optional<ArchivedTimeline> stored) {
+void Schedule::add(const std::string& id, std::optional<widgetkit::ArchivedTimeline> stored) {
     Widget& widget = widgets_[id] = Widget{};
     widget.timeline = std::move(stored);
 }
@@ -66,7 +66,7 @@ Schedule::Due Schedule::at(Date now) {
             due.requests.push_back(id);
         }
         if (!widget.timeline) continue;
-        const ArchivedEntry& current = entryAt(*widget.timeline, now);
+        const widgetkit::ArchivedEntry& current = entryAt(*widget.timeline, now);
         const bool isNew = !widget.shown || widget.shown->view != current.view;
         if (!widget.shown || *widget.shown != current) widget.shown = current;
         if (isNew) due.shows.push_back(id);
@@ -74,7 +74,7 @@ Schedule::Due Schedule::at(Date now) {
     return due;
 }
 
-void Schedule::received(const std::string& id, ArchivedTimeline timeline, Date now) {
+void Schedule::received(const std::string& id, widgetkit::ArchivedTimeline timeline, Date now) {
     const auto found = widgets_.find(id);
     if (found == widgets_.end()) return;
     Widget& widget = found->second;
@@ -94,7 +94,7 @@ void Schedule::failed(const std::string& id, Date now) {
     if (widget.askAt) widget.askAt = now + widget.backoff.pause();
 }
 
-const ArchivedEntry* Schedule::shown(const std::string& id) const {
+const widgetkit::ArchivedEntry* Schedule::shown(const std::string& id) const {
     const auto found = widgets_.find(id);
     return found != widgets_.end() && found->second.shown ? &*found->second.shown : nullptr;
 }
@@ -104,7 +104,7 @@ std::optional<Date> Schedule::nextInstant() const {
     const auto consider = [&next](Date date) { next = next ? std::min(*next, date) : date; };
     for (const auto& [id, widget] : widgets_) {
         if (!widget.timeline) continue;
-        for (const ArchivedEntry& entry : widget.timeline->entries)
+        for (const widgetkit::ArchivedEntry& entry : widget.timeline->entries)
             if (!last_ || entry.date > *last_) consider(entry.date);
     }
     return next;

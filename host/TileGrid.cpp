@@ -4,7 +4,7 @@
 
 namespace zelto::host {
 
-bool TileGrid::isFree(Cell cell, WidgetFamily family) const {
+bool TileGrid::isFree(Cell cell, widgetkit::WidgetFamily family) const {
     const Span span = spanOf(family);
     if (cell.column < 0 || cell.row < 0) return false;
     if (cell.column > 0 && cell.column + span.columns > columns_) return false;
@@ -14,14 +14,14 @@ bool TileGrid::isFree(Cell cell, WidgetFamily family) const {
     return true;
 }
 
-void TileGrid::take(Cell cell, WidgetFamily family) {
+void TileGrid::take(Cell cell, widgetkit::WidgetFamily family) {
     const Span span = spanOf(family);
     for (std::int64_t row = cell.row; row < cell.row + span.rows; ++row)
         for (std::int64_t column = cell.column; column < cell.column + span.columns; ++column)
             taken_.insert({column, row});
 }
 
-Cell TileGrid::firstFree(WidgetFamily family) const {
+Cell TileGrid::firstFree(widgetkit::WidgetFamily family) const {
     for (std::int64_t row = 0;; ++row)
         for (std::int64_t column = 0; column < std::max<std::int64_t>(columns_, 1); ++column)
             if (isFree({column, row}, family)) return {column, row};

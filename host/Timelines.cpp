@@ -38,11 +38,12 @@ std::vector<std::string> Timelines::tick(Date now) {
 }
 
 void Timelines::ask(const std::vector<std::string>& ids) {
-    std::vector<Request> requests;
+    std::vector<widgetkit::Request> requests;
     std::vector<PlacedWidget> asked;
     for (const PlacedWidget& widget : widgets_) {
         if (std::ranges::find(ids, widget.id) == ids.end()) continue;
-        requests.push_back(seams_.client.request(RequestKind::timeline, widget.kind, widget.family));
+        requests.push_back(
+            seams_.client.request(widgetkit::RequestKind::timeline, widget.kind, widget.family));
         asked.push_back(widget);
     }
     seams_.client.ask(std::move(requests), [this, asked = std::move(asked)](Outcomes&& outcomes) {
@@ -72,7 +73,7 @@ void Timelines::failed(const PlacedWidget& widget, const std::string& why) {
     schedule_.failed(widget.id, seams_.now());
     // One cause is told once, however often it is tried again.
     if (std::exchange(failures_[widget.id], why) != why)
-        seams_.log(widget.kind + ", " + std::string(nameOf(widget.family)) + ": " + why);
+        seams_.log(widget.kind + ", " + std::string(records::nameOf(widget.family)) + ": " + why);
 }
 
 }  // namespace zelto::host

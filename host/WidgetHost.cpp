@@ -61,7 +61,7 @@ void WidgetHost::tick() {
     offers_.tick(now);
     for (const std::string& id : timelines_.tick(now)) {
         const PlacedWidget* widget = layout_.find(id);
-        const ArchivedEntry* entry = timelines_.shown(id);
+        const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
         if (widget && entry) observer_.shows(*widget, *entry);
     }
     seams_.wakeAt(first(timelines_.nextInstant(), offers_.nextInstant()));
@@ -106,7 +106,8 @@ void WidgetHost::takeOverEdits() {
     tick();
 }
 
-Result<std::string> WidgetHost::add(const std::string& kind, WidgetFamily family, std::optional<Cell> cell) {
+Result<std::string> WidgetHost::add(
+    const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell) {
     takeOverEdits();
     if (const auto offered = offers_.check(kind, family); !offered) return offered.fault();
     const std::string id = newID();
@@ -130,7 +131,7 @@ Result<void> WidgetHost::move(const std::string& id, Slot slot) {
     return change(layout_.moved(id, slot, monitors_));
 }
 
-Result<void> WidgetHost::setFamily(const std::string& id, WidgetFamily family) {
+Result<void> WidgetHost::setFamily(const std::string& id, widgetkit::WidgetFamily family) {
     takeOverEdits();
     const PlacedWidget* widget = layout_.find(id);
     if (widget && widget->family == family) return {};

@@ -7,7 +7,7 @@
 #include "foundation/UTF8.hpp"
 #include "texts/Characters.hpp"
 
-namespace zelto {
+namespace zelto::shared {
 namespace {
 
 /// From a letter to its regional indicator.
@@ -75,12 +75,12 @@ const TimeZoneFlags::Countries& TimeZoneFlags::countries() {
 
 std::optional<std::string> TimeZoneFlags::flag(const std::string& zone, const Countries& countries) {
     const auto found = countries.find(zone);
-    if (found == countries.end() || characters(found->second).size() != 2) return std::nullopt;
+    if (found == countries.end() || texts::characters(found->second).size() != 2) return std::nullopt;
     std::string out;
-    for (const char32_t scalar : scalars(upperCased(found->second)))
+    for (const char32_t scalar : scalars(texts::upperCased(found->second)))
         if (const char32_t mapped = scalar + regionalIndicatorOffset; mapped <= 0x10FFFF)
             appendScalar(out, mapped);
     return out;
 }
 
-}  // namespace zelto
+}  // namespace zelto::shared

@@ -4,7 +4,7 @@
 #include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 
-namespace zelto {
+namespace zelto::shared {
 
 std::filesystem::path WidgetSnapshot::realHome(const HomeLookup& lookup) {
     return lookup.home();
@@ -21,7 +21,7 @@ std::filesystem::path WidgetSnapshot::url(const HomeLookup& lookup) {
 std::optional<WidgetSnapshot> WidgetSnapshot::read(const HomeLookup& lookup) {
     const auto bytes = readFile(url(lookup), largestDocument);
     if (!bytes) return std::nullopt;
-    auto snapshot = decodeJSON<WidgetSnapshot>(*bytes);
+    auto snapshot = records::decodeJSON<WidgetSnapshot>(*bytes);
     if (!snapshot) return std::nullopt;
     return *std::move(snapshot);
 }
@@ -37,8 +37,8 @@ std::optional<WidgetSnapshot> WidgetSnapshot::load(const HomeLookup& lookup) {
 void WidgetSnapshot::save(const HomeLookup& lookup) const {
     makePrivateFolder(folder(lookup));
     removeLeftovers(url(lookup));
-    if (const auto document = encodeJSON(*this))
+    if (const auto document = records::encodeJSON(*this))
         writeFileAtomically(url(lookup), *document, {.readers = Readers::owner});
 }
 
-}  // namespace zelto
+}  // namespace zelto::shared

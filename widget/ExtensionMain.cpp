@@ -78,16 +78,18 @@ int run(int argc, char** argv) {
     // Every request has a thread of its own; one arena for all keeps the memory of eleven at that of one.
     mallopt(M_ARENA_MAX, 1);
 
-    const auto readings = [machine = options->machine] { return zelto::SystemReadings::ofLinux(machine); };
-    const auto now = [fixed = options->now] { return fixed.value_or(zelto::Date::now()); };
-    const zelto::ProviderSources sources{
-        .now = now,
-        .live = [readings] { return zelto::LiveReader::read(readings()); },
-        // Without memory there is an error to tell, not a picture of nothing.
-        .snapshot = [home = options->home] { return zelto::WidgetSnapshot::read(home); },
+    const auto readings = [machine = options->machine] {
+        return zelto::system::SystemReadings::ofLinux(machine);
     };
-    const zelto::Service service(
-        zelto::ZeltoWidgetBundle{sources}.body(), zelto::Environment::current(), now);
+    const auto now = [fixed = options->now] { return fixed.value_or(zelto::Date::now()); };
+    const zelto::widget::ProviderSources sources{
+        .now = now,
+        .live = [readings] { return zelto::widget::LiveReader::read(readings()); },
+        // Without memory there is an error to tell, not a picture of nothing.
+        .snapshot = [home = options->home] { return zelto::shared::WidgetSnapshot::read(home); },
+    };
+    const zelto::widgetkit::Service service(
+        zelto::widget::ZeltoWidgetBundle{sources}.body(), zelto::texts::Environment::current(), now);
     return service.serve(STDIN_FILENO, STDOUT_FILENO) ? 0 : 1;
 }
 

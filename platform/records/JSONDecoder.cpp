@@ -11,7 +11,7 @@
 #include "JSONInteger.hpp"
 #include "foundation/NumberText.hpp"
 
-namespace zelto {
+namespace zelto::records {
 namespace {
 
 using Kind = Schema::Kind;
@@ -312,4 +312,4 @@ Result<void> decodeJSON(
     return sink.takeFault();
 }
 
-}  // namespace zelto
+}  // namespace zelto::records

@@ -8,7 +8,7 @@
 #include "foundation/NumberText.hpp"
 #include "foundation/UTF8.hpp"
 
-namespace zelto {
+namespace zelto::records {
 namespace {
 
 using Kind = Schema::Kind;
@@ -252,4 +252,4 @@ std::optional<std::string> encodeJSON(const Schema& schema, const void* value) {
     return out;
 }
 
-}  // namespace zelto
+}  // namespace zelto::records

@@ -5,7 +5,7 @@
 #include <limits>
 #include <string>
 
-namespace zelto {
+namespace zelto::records {
 namespace {
 
 std::string_view mantissa(std::string_view token) {
@@ -62,4 +62,4 @@ bool isZeroToken(std::string_view token) {
     return mantissa(token).find_first_of("123456789") == std::string_view::npos;
 }
 
-}  // namespace zelto
+}  // namespace zelto::records

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string_view>
 
-namespace zelto {
+namespace zelto::records {
 
 /// An integer as sign and magnitude.
 struct ExactInteger {
@@ -19,4 +19,4 @@ std::optional<ExactInteger> exactInteger(std::string_view token);
 /// True when every digit of the token's mantissa is 0, whatever its exponent.
 bool isZeroToken(std::string_view token);
 
-}  // namespace zelto
+}  // namespace zelto::records

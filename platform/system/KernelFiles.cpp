@@ -9,7 +9,7 @@
 
 #include "foundation/Files.hpp"
 
-namespace zelto {
+namespace zelto::system {
 namespace {
 
 namespace fs = std::filesystem;
@@ -119,4 +119,4 @@ std::optional<VolumeCapacities> readVolume(const fs::path& path) {
     return capacitiesOf(status);
 }
 
-}  // namespace zelto
+}  // namespace zelto::system

@@ -7,7 +7,7 @@
 
 struct statvfs;
 
-namespace zelto {
+namespace zelto::system {
 
 /// From the first line of a file like /proc/stat.
 std::optional<CPUTicks> readCPUTicks(const std::filesystem::path& stat);
@@ -24,4 +24,4 @@ std::uint64_t readPhysicalMemory(const std::filesystem::path& meminfo);
 VolumeCapacities capacitiesOf(const struct statvfs& status);
 std::optional<VolumeCapacities> readVolume(const std::filesystem::path& path);
 
-}  // namespace zelto
+}  // namespace zelto::system

@@ -8,7 +8,7 @@
 
 #include "foundation/Files.hpp"
 
-namespace zelto {
+namespace zelto::system {
 namespace {
 
 namespace fs = std::filesystem;
@@ -105,4 +105,4 @@ std::optional<std::vector<PowerSourceDescription>> readPowerSources(const fs::pa
     return std::vector{std::move(source)};
 }
 
-}  // namespace zelto
+}  // namespace zelto::system

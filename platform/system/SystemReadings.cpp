@@ -6,7 +6,7 @@
 
 #include "KernelFiles.hpp"
 
-namespace zelto {
+namespace zelto::system {
 
 SystemReadings SystemReadings::ofLinux(const std::filesystem::path& root) {
     const auto pageSize = static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
@@ -24,4 +24,4 @@ SystemReadings SystemReadings::ofLinux(const std::filesystem::path& root) {
     };
 }
 
-}  // namespace zelto
+}  // namespace zelto::system

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace zelto {
+namespace zelto::texts {
 namespace {
 
 struct Unit {
@@ -55,4 +55,4 @@ ByteCount ByteCount::of(std::int64_t bytes) {
     return {};  // the last unit takes all that is left
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace zelto {
+namespace zelto::texts {
 
 /// A byte count in file style before it meets a locale: an exact decimal without padding ("1.23", "-4") and a
 /// unit.
@@ -17,4 +17,4 @@ struct ByteCount {
     static ByteCount of(std::int64_t bytes);
 };
 
-}  // namespace zelto
+}  // namespace zelto::texts

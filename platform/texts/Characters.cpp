@@ -8,7 +8,7 @@
 
 #include "ICUText.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 
 using icuText::filled;
 using icuText::utf16;
@@ -95,4 +95,4 @@ std::string firstUpperCased(std::string_view text) {
     return upperCased(all.front()) + std::string(text.substr(all.front().size()));
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -7,7 +7,7 @@
 #include "foundation/EnvironmentVariable.hpp"
 #include "texts/TimeZone.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 
 std::string localeOf(const std::function<std::optional<std::string>(std::string_view)>& variable) {
     for (const std::string_view name : {"LC_ALL", "LC_TIME", "LANG"}) {
@@ -36,4 +36,4 @@ bool isKnownLocale(const std::string& locale) {
     return false;
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -9,7 +9,7 @@
 #include "ICUText.hpp"
 #include "TimeZoneRule.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 namespace {
 
 using icuText::filled;
@@ -178,4 +178,4 @@ std::optional<Date> Formatting::startOfMinute(Date date) {
     return Date{std::floor(date.sinceReference / 60) * 60};
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

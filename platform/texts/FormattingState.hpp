@@ -12,7 +12,7 @@
 #include "texts/Formatting.hpp"
 #include "texts/TimeZone.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 
 /// ICU's objects for the environment, each opened when it is first asked for: opening is what costs. They
 /// work on wall clocks as if those were UTC's: which zone's clock it is, the system's own data says.
@@ -33,4 +33,4 @@ struct Formatting::State {
     std::string bySkeleton(const char16_t* skeleton, Date date);
 };
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -1,6 +1,6 @@
 #include "ICUText.hpp"
 
-namespace zelto::icuText {
+namespace zelto::texts::icuText {
 
 std::u16string utf16(std::string_view text) {
     std::u16string out(text.size(), u'\0');  // never longer in UTF-16 units than in bytes
@@ -32,4 +32,4 @@ std::string utf8(std::u16string_view text) {
     return out;
 }
 
-}  // namespace zelto::icuText
+}  // namespace zelto::texts::icuText

@@ -11,7 +11,7 @@
 
 #include "foundation/Date.hpp"
 
-namespace zelto::icuText {
+namespace zelto::texts::icuText {
 
 std::u16string utf16(std::string_view text);
 std::string utf8(std::u16string_view text);
@@ -39,4 +39,4 @@ std::u16string filled(Fill fill) {
     return {};
 }
 
-}  // namespace zelto::icuText
+}  // namespace zelto::texts::icuText

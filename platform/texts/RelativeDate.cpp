@@ -11,7 +11,7 @@
 #include "ICUText.hpp"
 #include "texts/Formatting.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 namespace {
 
 struct Unit {
@@ -143,4 +143,4 @@ std::string Formatting::relativeDate(Date date, Date reference) const {
     }));
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -17,7 +17,7 @@
 #include "foundation/FileDescriptor.hpp"
 #include "foundation/Files.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 namespace {
 
 namespace fs = std::filesystem;
@@ -235,4 +235,4 @@ std::string identifierOf(const TimeZoneSetting& setting) {
     return name && isKnownTimeZone(*name) ? *name : text;
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

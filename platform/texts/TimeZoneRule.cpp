@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdlib>
 
-namespace zelto {
+namespace zelto::texts {
 namespace {
 
 using Change = TimeZoneRule::Change;
@@ -163,4 +163,4 @@ std::optional<std::string> TimeZoneRule::nameOfWholeHours() const {
     return "Etc/GMT" + std::string(standard < 0 ? "+" : "-") + std::to_string(std::abs(standard) / hour);
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

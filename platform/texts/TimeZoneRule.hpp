@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace zelto {
+namespace zelto::texts {
 
 /// A time zone spelled out, as the variable TZ may hold it and as zone files end: "EST5EDT,M3.2.0,M11.1.0",
 /// "<-03>3". Its abbreviations are of no interest here. (POSIX.1, "Other Environment Variables", with the
@@ -39,4 +39,4 @@ struct TimeZoneRule {
     std::optional<std::string> nameOfWholeHours() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -8,7 +8,7 @@
 
 #include "foundation/UTF8.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 namespace {
 
 constexpr bool isLetter(char c) {
@@ -211,4 +211,4 @@ std::string percentEncodedAlphanumerics(std::string_view text) {
     return out;
 }
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -8,7 +8,7 @@
 namespace zelto::ui {
 namespace {
 
-using Kind = Schema::Kind;
+using Kind = records::Schema::Kind;
 
 std::string quoted(const std::string& text) {
     std::string out = "\"";
@@ -29,9 +29,9 @@ std::string lowerFirst(std::string_view name) {
     return out;
 }
 
-std::string valueText(const Schema& schema, const void* value);
+std::string valueText(const records::Schema& schema, const void* value);
 
-std::string printed(const Schema& schema, const void* value) {
+std::string printed(const records::Schema& schema, const void* value) {
     std::string out;
     schema.print(value, out);
     return out;
@@ -39,12 +39,13 @@ std::string printed(const Schema& schema, const void* value) {
 
 /// The fields of a record as "name=value", a lone field without its name; absent optionals and children left
 /// out.
-std::string fieldsText(const Schema& schema, const void* record) {
+std::string fieldsText(const records::Schema& schema, const void* record) {
     std::string out;
     for (const auto& field : schema.fields) {
-        const Schema& inner = field.schema();
+        const records::Schema& inner = field.schema();
         const void* member = schema.address(field, record);
-        if (&inner == &schemaOf<Views>() || (inner.kind == Kind::optional && inner.count(member) == 0))
+        if (&inner == &records::schemaOf<Views>() ||
+            (inner.kind == Kind::optional && inner.count(member) == 0))
             continue;
         if (!out.empty()) out += ' ';
         if (schema.fields.size() > 1) out += std::string(field.name) + '=';
@@ -53,7 +54,7 @@ std::string fieldsText(const Schema& schema, const void* record) {
     return out;
 }
 
-std::string valueText(const Schema& schema, const void* value) {
+std::string valueText(const records::Schema& schema, const void* value) {
     switch (schema.kind) {
         case Kind::boolean: return *static_cast<const bool*>(value) ? "true" : "false";
         case Kind::integer: return std::to_string(*static_cast<const std::int64_t*>(value));
@@ -86,15 +87,15 @@ std::string valueText(const Schema& schema, const void* value) {
 }
 
 void appendView(std::string& out, const View& view, std::size_t depth) {
-    const Schema& nodes = schemaOf<Node>();
-    const Schema& kind = nodes.cases[view.node.index()].schema();
+    const records::Schema& nodes = records::schemaOf<Node>();
+    const records::Schema& kind = nodes.cases[view.node.index()].schema();
     out.append(2 * depth, ' ');
     out += kind.name;
     if (const std::string fields = fieldsText(kind, nodes.at(&view.node, 0)); !fields.empty())
         out += ' ' + fields;
     for (const Modifier& modifier : view.modifiers) {
-        const Schema& modifiers = schemaOf<Modifier>();
-        const Schema& applied = modifiers.cases[modifier.index()].schema();
+        const records::Schema& modifiers = records::schemaOf<Modifier>();
+        const records::Schema& applied = modifiers.cases[modifier.index()].schema();
         out += " ." + lowerFirst(applied.name) + '(' + fieldsText(applied, modifiers.at(&modifier, 0)) + ')';
     }
     out += '\n';

@@ -14,7 +14,7 @@
 #include <system_error>
 #include <unistd.h>
 
-namespace zelto {
+namespace zelto::widgetkit {
 namespace {
 
 /// Threads that are started when work waits and nobody is free, and that end with the pool.
@@ -161,4 +161,4 @@ bool serveLines(
     return !writer.isBroken();
 }
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

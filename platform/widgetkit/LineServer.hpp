@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 /// Answers lines: each line of `input` is handed to `answer` on a thread of its own (at most 64 at once,
 /// fewer where no more are to be had; more wait), and what that gives is written to `output` as one line, in
@@ -16,4 +16,4 @@ bool serveLines(
     int input, int output, std::size_t longestLine,
     const std::function<std::string(std::string_view)>& answer);
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

@@ -2,7 +2,7 @@
 
 #include "records/JSONEncoder.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 namespace {
 
 std::size_t answersIn(const Reply& reply) {
@@ -26,11 +26,11 @@ Result<void> checkContents(const Reply& reply) {
 }  // namespace
 
 std::optional<std::string> encodeReply(const Reply& reply) {
-    return encodeJSON(reply);
+    return records::encodeJSON(reply);
 }
 
 Result<Reply> decodeReply(std::string_view line) {
-    auto reply = decodeJSON<Reply>(line);
+    auto reply = records::decodeJSON<Reply>(line);
     if (!reply) return reply;
     if (answersIn(*reply) != 1)
         return Fault{.reason = "a reply needs exactly one of widgets, entry, timeline and error"};
@@ -39,4 +39,4 @@ Result<Reply> decodeReply(std::string_view line) {
     return reply;
 }
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

@@ -6,7 +6,7 @@
 #include "records/JSONEncoder.hpp"
 #include "texts/TimeZone.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 namespace {
 
 std::string errorLine(std::optional<std::int64_t> id, std::string error) {
@@ -20,7 +20,7 @@ std::string familyNames(const WidgetDescription& widget) {
     std::string out;
     for (const WidgetFamily family : widget.families) {
         if (!out.empty()) out += ", ";
-        out += nameOf(family);
+        out += records::nameOf(family);
     }
     return out;
 }
@@ -34,19 +34,20 @@ void finish(ArchivedEntry& entry, WidgetFamily family) {
 /// The id of a request that is faulty elsewhere, also when it breaks off behind its id.
 std::optional<std::int64_t> idOf(std::string_view line) {
     RequestHead head;
-    const auto decoded = decodeJSON(line, schemaOf<RequestHead>(), &head, 1);
+    const auto decoded = records::decodeJSON(line, records::schemaOf<RequestHead>(), &head, 1);
     return !decoded && decoded.fault().path == "id" ? std::nullopt : head.id;
 }
 
 }  // namespace
 
-Service::Service(std::vector<WidgetConfiguration> widgets, Environment environment, std::function<Date()> now)
+Service::Service(
+    std::vector<WidgetConfiguration> widgets, texts::Environment environment, std::function<Date()> now)
     : widgets_(std::move(widgets)), environment_(std::move(environment)), now_(std::move(now)) {}
 
 std::string Service::answer(std::string_view line) const {
     if (line.size() > longestLine)
         return errorLine({}, "a request line holds at most " + std::to_string(longestLine) + " bytes");
-    const auto request = decodeJSON<Request>(line);
+    const auto request = records::decodeJSON<Request>(line);
     if (!request) return errorLine(idOf(line), request.fault().text());
     // What runs out while one request is worked on costs that request.
     try {
@@ -79,10 +80,10 @@ Reply Service::reply(const Request& request) const {
     if (widget == widgets_.end()) return fail("kind: no widget \"" + *request.kind + "\"");
     if (std::ranges::find(widget->info().families, *request.family) == widget->info().families.end())
         return fail("family: " + *request.kind + " offers " + familyNames(widget->info()));
-    if (request.timeZone && !TimeZone::find(*request.timeZone)) return fail("timeZone: unknown");
-    if (request.locale && !isKnownLocale(*request.locale)) return fail("locale: unknown");
+    if (request.timeZone && !texts::TimeZone::find(*request.timeZone)) return fail("timeZone: unknown");
+    if (request.locale && !texts::isKnownLocale(*request.locale)) return fail("locale: unknown");
 
-    const Formatting formatting(
+    const texts::Formatting formatting(
         {request.locale.value_or(environment_.locale), request.timeZone.value_or(environment_.timeZone)});
     const TimelineProviderContext context{*request.family, request.preview.value_or(false)};
     const EnvironmentValues values{*request.family, formatting, now_};
@@ -104,4 +105,4 @@ bool Service::serve(int input, int output) const {
     return serveLines(input, output, longestLine, [this](std::string_view line) { return answer(line); });
 }
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

@@ -4,10 +4,10 @@
 
 #include "ui/ViewFields.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 namespace {
 
-using Kind = Schema::Kind;
+using Kind = records::Schema::Kind;
 
 /// Walks every value of a view by its schema and looks for the first that is out of bounds.
 class Inspector {
@@ -25,8 +25,8 @@ class Inspector {
             return Fault{.reason = "a grid without a sensible number of columns"};
         for (const ui::Modifier& modifier : view.modifiers)
             if (isNegative(modifier)) return Fault{.reason = "a negative size"};
-        if (auto checked = values(schemaOf<ui::Node>(), &view.node); !checked) return checked;
-        if (auto checked = values(schemaOf<std::vector<ui::Modifier>>(), &view.modifiers); !checked)
+        if (auto checked = values(records::schemaOf<ui::Node>(), &view.node); !checked) return checked;
+        if (auto checked = values(records::schemaOf<std::vector<ui::Modifier>>(), &view.modifiers); !checked)
             return checked;
         if (const ui::Views* children = ui::childrenOf(view.node))
             for (const ui::View& child : *children)
@@ -50,7 +50,7 @@ class Inspector {
         return {};
     }
 
-    Result<void> values(const Schema& schema, const void* value) const {
+    Result<void> values(const records::Schema& schema, const void* value) const {
         switch (schema.kind) {
             case Kind::real:
                 if (!(std::fabs(*static_cast<const double*>(value)) <= bounds_.points))
@@ -66,7 +66,7 @@ class Inspector {
                 return {};
             case Kind::optional:
             case Kind::list:
-                if (&schema == &schemaOf<ui::Views>()) return {};  // inspected as views
+                if (&schema == &records::schemaOf<ui::Views>()) return {};  // inspected as views
                 if (schema.count(value) > bounds_.values) return Fault{.reason = "too many values"};
                 for (std::size_t i = 0; i < schema.count(value); ++i)
                     if (auto checked = values(schema.element(), schema.at(value, i)); !checked)
@@ -92,4 +92,4 @@ Result<void> check(const ui::View& view, const ViewBounds& bounds) {
     return Inspector(bounds).inspect(view, 1);
 }
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

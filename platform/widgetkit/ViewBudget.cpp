@@ -6,7 +6,7 @@
 #include "ui/Reading.hpp"
 #include "widgetkit/ViewBounds.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 namespace {
 
 std::size_t nodesOf(const ui::View& view) {
@@ -63,7 +63,7 @@ class Cutter {
 
         std::erase_if(view.modifiers, [this](const ui::Modifier& modifier) {
             const auto* link = std::get_if<ui::modifier::Link>(&modifier);
-            return link && jsonLength(link->url) > budget_.linkBytes;
+            return link && records::jsonLength(link->url) > budget_.linkBytes;
         });
         const bool isLink = std::ranges::any_of(view.modifiers, [](const ui::Modifier& modifier) {
             return std::holds_alternative<ui::modifier::Link>(modifier);
@@ -89,15 +89,15 @@ class Cutter {
     void cut(std::string& text) { cut(text, budget_.textBytes); }
     void cut(std::string& text, std::size_t most) {
         most = std::min(most, left_);
-        if (const std::size_t end = jsonPrefix(text, most); end < text.size())
-            text.resize(characterPrefix(text, end));
-        left_ -= jsonLength(text);
+        if (const std::size_t end = records::jsonPrefix(text, most); end < text.size())
+            text.resize(texts::characterPrefix(text, end));
+        left_ -= records::jsonLength(text);
     }
 
     /// A link is called by what is read of it: where that is too long, it gets the beginning as its label.
     void cutName(ui::View& view) {
         std::string name = ui::joined(ui::readingTexts(view, {}));
-        if (jsonLength(name) <= budget_.linkNameBytes) return;
+        if (records::jsonLength(name) <= budget_.linkNameBytes) return;
         std::erase_if(view.modifiers, [](const ui::Modifier& modifier) {
             return std::holds_alternative<ui::modifier::AccessibilityLabel>(modifier);
         });
@@ -123,4 +123,4 @@ void keepToBudget(ui::View& view, double width, const ViewBudget& budget) {
     Cutter(budget, width).cut(view);
 }
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

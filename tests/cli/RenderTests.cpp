@@ -14,6 +14,10 @@
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace shared;
+using namespace widgetkit;
 namespace {
 
 /// How many looks the extension offers.

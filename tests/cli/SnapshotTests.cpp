@@ -12,6 +12,9 @@
 #include "tests/support/ZeltoProcess.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace shared;
 namespace {
 
 TEST_F(ZeltoProcess, SnapshotCheckNamesThePlaceOfEachFault) {

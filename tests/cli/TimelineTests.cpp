@@ -13,6 +13,9 @@
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace widgetkit;
 namespace {
 
 TEST_F(ZeltoProcess, TimelinePrintsDatesAndTheFirstTree) {

@@ -13,6 +13,9 @@
 #include "ui/Reading.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace widgetkit;
 namespace {
 
 struct Accessibility : testing::Test {

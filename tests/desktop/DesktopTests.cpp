@@ -14,6 +14,9 @@
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace widgetkit;
 namespace {
 
 using Button = Display::Button;

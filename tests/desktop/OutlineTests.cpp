@@ -9,6 +9,8 @@
 #include "tests/desktop/RunningDesktop.hpp"
 
 namespace zelto::test {
+
+using namespace widgetkit;
 namespace {
 
 /// What a pixel in a widget's corner is not, if it is wrong.

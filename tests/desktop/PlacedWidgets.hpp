@@ -9,13 +9,13 @@ namespace zelto::test {
 
 /// A placed widget whose id is its kind.
 inline host::PlacedWidget widget(
-    const std::string& kind, WidgetFamily family, std::int64_t column, std::int64_t row) {
+    const std::string& kind, widgetkit::WidgetFamily family, std::int64_t column, std::int64_t row) {
     return {.id = kind, .kind = kind, .family = family, .column = column, .row = row};
 }
 
 /// All eleven, in families of all sizes.
 inline std::vector<host::PlacedWidget> eleven() {
-    using enum WidgetFamily;
+    using enum widgetkit::WidgetFamily;
     return {
         widget("ZeltoWidget", systemMedium, 0, 0),
         widget("ZeltoBattery", systemSmall, 2, 0),

@@ -7,6 +7,8 @@
 #include "ui/Reading.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
 namespace {
 
 using host::PlacedWidget;

@@ -14,6 +14,9 @@
 #include "tests/support/Process.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace widgetkit;
 namespace {
 
 constexpr const char* snapshotFile = "Library/Application Support/Zelto/widget.json";

@@ -40,7 +40,7 @@ class RunningDesktop {
     Finished zelto(std::vector<std::string> words) const;
 
     /// What a widget's stored timeline shows now; absent while there is none.
-    std::optional<ArchivedEntry> entry(const host::PlacedWidget& widget) const;
+    std::optional<widgetkit::ArchivedEntry> entry(const host::PlacedWidget& widget) const;
     layout::DisplayList displayList(const host::PlacedWidget& widget);
     /// Whether the display shows just that, but for the seconds of a countdown.
     /// `left` is where its monitor begins; up to `tolerance` of 255 each channel may be off on the average.

@@ -8,6 +8,8 @@
 #include "tests/desktop/RunningDesktop.hpp"
 
 namespace zelto::test {
+
+using namespace widgetkit;
 namespace {
 
 using enum WidgetFamily;

@@ -6,6 +6,8 @@
 #include "tests/host/Hosted.hpp"
 
 namespace zelto::host {
+
+using namespace records;
 namespace {
 
 struct OnTheBus : Hosted {

@@ -6,6 +6,8 @@
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::host {
+
+using namespace widgetkit;
 namespace {
 
 using test::TemporaryFolder;

@@ -3,6 +3,8 @@
 #include "host/DesktopLayout.hpp"
 
 namespace zelto::host {
+
+using namespace widgetkit;
 namespace {
 
 using enum WidgetFamily;

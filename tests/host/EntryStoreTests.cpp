@@ -8,6 +8,8 @@
 #include "ui/Building.hpp"
 
 namespace zelto::host {
+
+using namespace widgetkit;
 namespace {
 
 using test::TemporaryFolder;

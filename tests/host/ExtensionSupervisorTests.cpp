@@ -17,6 +17,8 @@
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::host {
+
+using namespace widgetkit;
 namespace {
 
 using namespace std::chrono_literals;

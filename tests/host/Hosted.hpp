@@ -19,13 +19,13 @@ namespace zelto::host {
 /// A host whose clock, extension and display are the test's.
 struct Hosted : testing::Test, HostObserver {
     struct Asked {
-        std::vector<Request> requests;
+        std::vector<widgetkit::Request> requests;
         std::function<void(Outcomes)> completion;
     };
 
     test::TemporaryFolder folder;
     Date now{800'000'000};
-    Environment environment{"pt_BR", "America/Sao_Paulo"};
+    texts::Environment environment{"pt_BR", "America/Sao_Paulo"};
     std::deque<Asked> asked;
     std::optional<Date> wakeAt;
     std::vector<std::string> log, seen;
@@ -41,7 +41,8 @@ struct Hosted : testing::Test, HostObserver {
                 .now = [this] { return now; },
                 .environment = [this] { return environment; },
                 .ask =
-                    [this](std::vector<Request> requests, std::function<void(Outcomes)> completion) {
+                    [this](
+                        std::vector<widgetkit::Request> requests, std::function<void(Outcomes)> completion) {
                         asked.push_back({std::move(requests), std::move(completion)});
                     },
                 .wakeAt = [this](std::optional<Date> instant) { wakeAt = instant; },
@@ -65,17 +66,19 @@ struct Hosted : testing::Test, HostObserver {
         for (const auto& [id, before] : std::exchange(standing, latest))
             if (!latest.contains(id)) see("removed");
     }
-    void shows(const PlacedWidget& widget, const ArchivedEntry& entry) override {
+    void shows(const PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) override {
         see(widget.kind + " shows " + std::get<ui::node::Text>(entry.view.node).text);
     }
-    void offers(const std::vector<WidgetDescription>& widgets) override {
+    void offers(const std::vector<widgetkit::WidgetDescription>& widgets) override {
         see("offers " + std::to_string(widgets.size()));
     }
     void see(const std::string& what) { seen.push_back(what); }
     std::vector<std::string> takeSeen() { return std::exchange(seen, {}); }
 
-    static CheckedReply checked(const Reply& reply) { return {reply, encodeReply(reply).value()}; }
-    static Outcomes only(std::size_t place, const Reply& reply) {
+    static CheckedReply checked(const widgetkit::Reply& reply) {
+        return {reply, widgetkit::encodeReply(reply).value()};
+    }
+    static Outcomes only(std::size_t place, const widgetkit::Reply& reply) {
         Outcomes outcomes;
         outcomes.emplace(place, checked(reply));
         return outcomes;
@@ -85,14 +88,14 @@ struct Hosted : testing::Test, HostObserver {
         Asked open = std::move(asked.front());
         asked.pop_front();
         Outcomes outcomes;
-        for (const Request& request : open.requests) {
-            Reply reply{};
-            if (request.request == RequestKind::bundle)
+        for (const widgetkit::Request& request : open.requests) {
+            widgetkit::Reply reply{};
+            if (request.request == widgetkit::RequestKind::bundle)
                 reply.widgets = offered();
-            else if (request.request == RequestKind::snapshot)
-                reply.entry = ArchivedEntry{now, ui::Text(text)};
+            else if (request.request == widgetkit::RequestKind::snapshot)
+                reply.entry = widgetkit::ArchivedEntry{now, ui::Text(text)};
             else
-                reply.timeline = ArchivedTimeline{{{now, ui::Text(text)}}, now + 300};
+                reply.timeline = widgetkit::ArchivedTimeline{{{now, ui::Text(text)}}, now + 300};
             outcomes.emplace(outcomes.size(), checked(reply));
         }
         open.completion(std::move(outcomes));
@@ -104,8 +107,8 @@ struct Hosted : testing::Test, HostObserver {
         for (std::size_t i = 0; i < open.requests.size(); ++i) outcomes.emplace(i, NoReply{error});
         open.completion(std::move(outcomes));
     }
-    static std::vector<WidgetDescription> offered() {
-        using enum WidgetFamily;
+    static std::vector<widgetkit::WidgetDescription> offered() {
+        using enum widgetkit::WidgetFamily;
         return {
             {"Battery", "Bateria", "", {systemSmall, systemMedium}},
             {"Clock", "Relógio", "", {systemSmall, systemMedium, systemLarge}}};
@@ -116,7 +119,7 @@ struct Hosted : testing::Test, HostObserver {
         answer("");
         seen.clear();
     }
-    std::string add(const std::string& kind, WidgetFamily family, std::optional<Cell> cell = {}) {
+    std::string add(const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell = {}) {
         return host->add(kind, family, cell).value();
     }
 };

@@ -4,6 +4,8 @@
 #include "ui/Building.hpp"
 
 namespace zelto::host {
+
+using namespace widgetkit;
 namespace {
 
 using Ids = std::vector<std::string>;

@@ -6,6 +6,8 @@
 #include "tests/host/Hosted.hpp"
 
 namespace zelto::host {
+
+using namespace widgetkit;
 namespace {
 
 TEST_F(Hosted, AnAddedWidgetIsPlacedAskedForAndShown) {

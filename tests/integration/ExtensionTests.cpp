@@ -12,6 +12,8 @@
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
 namespace {
 
 TEST_F(ZeltoProcess, MemoryThatRunsOutCostsARequestAndNotTheProcess) {

@@ -15,6 +15,8 @@
 #include "tests/support/Process.hpp"
 
 namespace zelto::test {
+
+using namespace helper;
 namespace {
 
 using namespace std::chrono_literals;

@@ -12,6 +12,11 @@
 #include "tests/support/Looks.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 struct Typography : testing::Test {

@@ -7,6 +7,9 @@
 #include "shared/HelperProtocol.hpp"
 
 namespace zelto {
+
+using namespace records;
+using namespace shared;
 namespace {
 
 const std::string leastStatus =

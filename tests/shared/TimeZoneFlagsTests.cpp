@@ -6,6 +6,8 @@
 #include "tests/support/Vectors.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
 namespace {
 
 std::optional<std::string> flag(const std::string& table, const std::string& zone) {

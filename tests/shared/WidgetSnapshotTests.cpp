@@ -15,6 +15,9 @@
 #include "tests/support/Vectors.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace shared;
 namespace {
 
 Result<WidgetSnapshot> decode(const std::string& document) {

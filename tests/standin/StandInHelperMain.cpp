@@ -13,6 +13,9 @@
 
 namespace {
 
+using namespace zelto::helper;
+using namespace zelto::records;
+using namespace zelto::shared;
 using namespace zelto;
 
 void say(const char* line) {

@@ -10,35 +10,35 @@
 
 namespace zelto::test {
 
-inline constexpr WidgetFamily small = WidgetFamily::systemSmall;
-inline constexpr WidgetFamily medium = WidgetFamily::systemMedium;
-inline constexpr WidgetFamily large = WidgetFamily::systemLarge;
+inline constexpr widgetkit::WidgetFamily small = widgetkit::WidgetFamily::systemSmall;
+inline constexpr widgetkit::WidgetFamily medium = widgetkit::WidgetFamily::systemMedium;
+inline constexpr widgetkit::WidgetFamily large = widgetkit::WidgetFamily::systemLarge;
 
 /// Wednesday, 11 March 2026, five past two in the afternoon in São Paulo.
 inline const Date wednesday = *parseISO8601("2026-03-11T14:05:00-03:00");
 
 /// What determines one look of a widget.
 struct Look {
-    LiveData live = placeholderLiveData();
-    std::optional<WidgetSnapshot> snapshot = {};
+    widget::LiveData live = widget::placeholderLiveData();
+    std::optional<shared::WidgetSnapshot> snapshot = {};
     Date date = wednesday;
-    Environment environment = {"pt_BR", "America/Sao_Paulo"};
+    texts::Environment environment = {"pt_BR", "America/Sao_Paulo"};
     Date now = wednesday;
 };
 
 /// A widget's view, made by its own configuration from the bundle.
-inline ui::View view(const std::string& kind, WidgetFamily family, const Look& look) {
-    const ProviderSources sources{
+inline ui::View view(const std::string& kind, widgetkit::WidgetFamily family, const Look& look) {
+    const widget::ProviderSources sources{
         .now = [&] { return look.date; },
         .live = [&] { return look.live; },
         .snapshot = [&] { return look.snapshot; }};
-    const Formatting formatting(look.environment);
-    for (const auto& widget : ZeltoWidgetBundle{sources}.body())
+    const texts::Formatting formatting(look.environment);
+    for (const auto& widget : widget::ZeltoWidgetBundle{sources}.body())
         if (widget.info().kind == kind)
             return widget.snapshot({family, false}, {family, formatting, [&] { return look.now; }}).view;
     return ui::View{.node = ui::node::Text{"no widget " + kind}, .modifiers = {}};
 }
-inline std::string outlineOf(const std::string& kind, WidgetFamily family, const Look& look) {
+inline std::string outlineOf(const std::string& kind, widgetkit::WidgetFamily family, const Look& look) {
     return ui::outline(view(kind, family, look));
 }
 

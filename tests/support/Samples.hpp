@@ -9,8 +9,8 @@ namespace zelto::test {
 
 /// A look at the sample, `age` seconds old, after an edit.
 inline Look sample(
-    const std::function<void(WidgetSnapshot&)>& edit = [](auto&) {}, double age = 0) {
-    Look look{.snapshot = WidgetSnapshot::sample(wednesday - age)};
+    const std::function<void(shared::WidgetSnapshot&)>& edit = [](auto&) {}, double age = 0) {
+    Look look{.snapshot = shared::WidgetSnapshot::sample(wednesday - age)};
     edit(*look.snapshot);
     return look;
 }

@@ -4,6 +4,8 @@
 #include "widget/Widgets/AwakeWidget.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 TEST(AwakeWidget, IsInactiveWithoutAFreshSnapshotThatSaysOtherwise) {

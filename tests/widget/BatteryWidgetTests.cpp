@@ -4,6 +4,10 @@
 #include "widget/Widgets/BatteryWidget.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 const LiveData onPower{.battery = 50, .charging = true}, onBattery{.battery = 50, .charging = false};

@@ -4,6 +4,11 @@
 #include "widget/Widgets/CalendarWidget.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 struct EventRow {

@@ -5,6 +5,8 @@
 #include "widget/Widgets/CareWidget.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 Look care(std::vector<std::pair<const char*, const char*>> items) {

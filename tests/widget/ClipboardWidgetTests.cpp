@@ -5,6 +5,9 @@
 #include "widget/Widgets/ClipboardWidget.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace widget;
 namespace {
 
 Look clips(

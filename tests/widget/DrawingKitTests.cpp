@@ -9,6 +9,8 @@
 #include "widget/Common/WidgetHeader.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();

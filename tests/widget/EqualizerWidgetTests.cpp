@@ -4,6 +4,8 @@
 #include "widget/Widgets/EqualizerWidget.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 TEST(EqualizerWidget, IsOffWithoutAFreshSnapshotThatSaysOtherwise) {

@@ -14,6 +14,12 @@
 #include "widgetkit/Service.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace shared;
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 using Kind = Schema::Kind;

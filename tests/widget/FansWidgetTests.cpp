@@ -4,6 +4,8 @@
 #include "widget/Widgets/FansWidget.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 TEST(FansWidget, PlacesTheSpeedBetweenLowestAndHighest) {

@@ -5,6 +5,9 @@
 #include "widget/Common/LiveReader.hpp"
 
 namespace zelto::test {
+
+using namespace system;
+using namespace widget;
 namespace {
 
 /// A machine on which every reading can be set.

@@ -6,6 +6,10 @@
 #include "widget/Widgets/WidgetKinds.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 Look with(std::optional<std::int64_t> battery, bool charging, double cpu = 0.37) {

@@ -5,6 +5,8 @@
 #include "widget/Common/Rounding.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 TEST(Rounding, GoesAwayFromZeroAtHalves) {

@@ -4,6 +4,9 @@
 #include "widget/Widgets/StorageWidget.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace widget;
 namespace {
 
 TEST(StorageWidget, IsNamedAfterTheVolume) {

@@ -4,6 +4,8 @@
 #include "widget/Widgets/SystemWidget.hpp"
 
 namespace zelto::test {
+
+using namespace widget;
 namespace {
 
 TEST(SystemWidget, LeavesOutWhatOnlyAFreshSnapshotTells) {

@@ -9,6 +9,11 @@
 #include "tests/support/Looks.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace shared;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 /// The sample with fixed identifiers and everything that it leaves out.

@@ -4,6 +4,10 @@
 #include "widget/Widgets/WorldClockWidget.hpp"
 
 namespace zelto::test {
+
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 TEST(WorldClockWidget, PutsTheLocalZoneFirstAndCutsTheList) {

@@ -5,6 +5,10 @@
 #include "widget/Common/ZeltoProvider.hpp"
 
 namespace zelto::test {
+
+using namespace shared;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 static_assert(TimelineProvider<ZeltoProvider>);

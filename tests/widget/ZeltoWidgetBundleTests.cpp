@@ -5,6 +5,11 @@
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace texts;
+using namespace widget;
+using namespace widgetkit;
 namespace {
 
 std::string catalogue() {

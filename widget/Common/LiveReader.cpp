@@ -6,7 +6,9 @@
 
 #include "Common/Rounding.hpp"
 
-namespace zelto::LiveReader {
+namespace zelto::widget::LiveReader {
+
+using namespace system;
 namespace {
 
 template <class T>
@@ -85,4 +87,4 @@ DiskUsage diskUsage(const SystemReadings& system) {
     return {1 - static_cast<double>(free) / static_cast<double>(total), free, total};
 }
 
-}  // namespace zelto::LiveReader
+}  // namespace zelto::widget::LiveReader

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace zelto::Palette {
+namespace zelto::widget::Palette {
 namespace {
 
 constexpr std::uint32_t fallback = 0x4F8DF7;
@@ -36,4 +36,4 @@ ui::Color colorFromHex(std::string_view hex) {
     return {component(16), component(8), component(0)};
 }
 
-}  // namespace zelto::Palette
+}  // namespace zelto::widget::Palette

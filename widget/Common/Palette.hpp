@@ -5,7 +5,7 @@
 #include "ui/Values.hpp"
 
 /// The colours of all widgets.
-namespace zelto::Palette {
+namespace zelto::widget::Palette {
 
 inline constexpr ui::Color accent{0.25, 0.85, 0.70};
 inline constexpr ui::Color blue{0.45, 0.65, 1.0};
@@ -29,4 +29,4 @@ ui::Color loadColor(double fraction);
 /// digits the first two are ignored. Any other text gives a medium blue.
 ui::Color colorFromHex(std::string_view hex);
 
-}  // namespace zelto::Palette
+}  // namespace zelto::widget::Palette

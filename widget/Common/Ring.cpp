@@ -7,7 +7,7 @@
 #include "Common/Rounding.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 using namespace ui;
 
@@ -78,4 +78,4 @@ View Ring::body() const {
         .accessibilityLabel(readText());
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -5,7 +5,7 @@
 
 #include "ui/View.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// A circular gauge that takes the room that it is offered.
 struct Ring {
@@ -34,4 +34,4 @@ struct Ring {
     std::string readText() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

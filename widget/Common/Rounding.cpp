@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-namespace zelto {
+namespace zelto::widget {
 namespace {
 
 std::int64_t saturated(double integral) {
@@ -34,4 +34,4 @@ std::string truncatedPercent(double fraction) {
     return std::to_string(saturated(std::trunc(fraction * 100))) + "%";
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

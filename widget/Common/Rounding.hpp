@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-namespace zelto {
+namespace zelto::widget {
 
 /// The nearest integer, halves away from zero. Not a number counts as 0; beyond 64 bits the nearest end is
 /// taken.
@@ -18,4 +18,4 @@ std::string roundedPercent(double fraction);
 /// A fraction in percent as a small label shows it: cut toward zero (0.999 is "99%").
 std::string truncatedPercent(double fraction);
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -4,7 +4,7 @@
 
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 using namespace ui;
 
@@ -17,4 +17,4 @@ View Sparkline::body() const {
         std::move(line), {.style = color, .lineWidth = 1.5, .cap = LineCap::butt, .join = LineJoin::round});
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -4,7 +4,7 @@
 
 #include "ui/View.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// A line chart that fills the room that it is offered.
 struct Sparkline {
@@ -14,4 +14,4 @@ struct Sparkline {
     ui::View body() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -4,7 +4,7 @@
 #include "Common/Palette.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 using namespace ui;
 
@@ -32,4 +32,4 @@ std::function<View(View)> zeltoRoot(std::string_view path) {
     };
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

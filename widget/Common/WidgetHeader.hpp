@@ -7,7 +7,7 @@
 
 #include "ui/View.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// The title row of a widget.
 struct WidgetHeader {
@@ -28,4 +28,4 @@ struct OpenAppNote {
 /// texts, and the shared background under the whole widget.
 std::function<ui::View(ui::View)> zeltoRoot(std::string_view path);
 
-}  // namespace zelto
+}  // namespace zelto::widget

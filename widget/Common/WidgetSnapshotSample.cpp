@@ -3,7 +3,9 @@
 
 #include "shared/WidgetSnapshot.hpp"
 
-namespace zelto {
+namespace zelto::shared {
+
+using namespace texts;
 namespace {
 
 struct SampleEvent {
@@ -88,4 +90,4 @@ WidgetSnapshot WidgetSnapshot::sample(Date now) {
     return sample;
 }
 
-}  // namespace zelto
+}  // namespace zelto::shared

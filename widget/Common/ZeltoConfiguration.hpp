@@ -6,17 +6,17 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// A widget of the app's: entries from its one provider, and a View made of what surrounds it and an entry.
 template <class View>
-WidgetConfiguration zeltoConfiguration(std::string kind, ZeltoProvider provider) {
-    return StaticConfiguration(
+widgetkit::WidgetConfiguration zeltoConfiguration(std::string kind, ZeltoProvider provider) {
+    return widgetkit::StaticConfiguration(
         std::move(kind),
         std::move(provider),
-        [](const ZeltoEntry& entry, const EnvironmentValues& environment) {
+        [](const ZeltoEntry& entry, const widgetkit::EnvironmentValues& environment) {
             return View{environment, entry}.body();
         });
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

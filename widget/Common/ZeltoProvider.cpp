@@ -2,7 +2,12 @@
 
 #include "widget/Common/LiveReader.hpp"
 
-namespace zelto {
+namespace zelto::widget {
+
+using namespace shared;
+using namespace system;
+using namespace texts;
+using namespace widgetkit;
 namespace {
 
 constexpr double reloadInterval = 300;  // seconds
@@ -70,4 +75,4 @@ void ZeltoProvider::getTimeline(
     completion(std::move(timeline));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

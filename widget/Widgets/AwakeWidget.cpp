@@ -7,9 +7,11 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration AwakeWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<AwakeWidgetView>(WidgetKinds::awake, {.sources = sources})
@@ -76,4 +78,4 @@ View AwakeWidgetView::button(std::string title, std::string_view path, Color col
         .link(deepLink(path));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -7,15 +7,15 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// Whether the computer is kept awake, for how long yet, and buttons to change that.
 struct AwakeWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct AwakeWidgetView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
@@ -28,4 +28,4 @@ struct AwakeWidgetView {
     static ui::View button(std::string title, std::string_view path, ui::Color color);
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

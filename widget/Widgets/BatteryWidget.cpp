@@ -8,9 +8,11 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration BatteryWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<BatteryView>(WidgetKinds::battery, {.sources = sources})
@@ -101,4 +103,4 @@ Views BatteryView::details() const {
         row("Limite de carga", battery->limitEnabled ? std::to_string(battery->limit) + "%" : "desligado"));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -7,24 +7,24 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// Charge, status and, in the medium family, details of the battery.
 struct BatteryWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct BatteryView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
 
     /// What the battery is doing; `info` is what the app knows of it, or null.
-    static std::string statusText(const WidgetSnapshot::Battery* info, const LiveData& live);
+    static std::string statusText(const shared::WidgetSnapshot::Battery* info, const LiveData& live);
 
   private:
-    const WidgetSnapshot::Battery* info() const;
+    const shared::WidgetSnapshot::Battery* info() const;
     ui::View content() const;
     ui::View smallContent() const;
     ui::View mediumContent() const;
@@ -33,4 +33,4 @@ struct BatteryView {
     ui::Views details() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

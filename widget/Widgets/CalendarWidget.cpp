@@ -8,9 +8,11 @@
 #include "texts/Characters.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace texts;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration CalendarWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<CalendarWidgetView>(WidgetKinds::calendar, {.sources = sources})
@@ -90,4 +92,4 @@ View EventLine::body() const {
         }));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

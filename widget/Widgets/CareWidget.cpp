@@ -8,9 +8,11 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration CareWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<CareWidgetView>(WidgetKinds::care, {.sources = sources})
@@ -82,4 +84,4 @@ View CareWidgetView::findings() const {
         forEach(entry.snapshot->careItems, cell));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

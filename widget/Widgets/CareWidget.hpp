@@ -7,15 +7,15 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// The result of the last health analysis.
 struct CareWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct CareWidgetView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
@@ -32,4 +32,4 @@ struct CareWidgetView {
     ui::View findings() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

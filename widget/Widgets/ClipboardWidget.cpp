@@ -12,9 +12,12 @@
 #include "texts/Characters.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
+using namespace texts;
 using namespace ui;
+using namespace widgetkit;
 
 namespace {
 
@@ -95,4 +98,4 @@ Views ClipboardWidgetView::rows() const {
     return list(forEach(clips.first(std::min(limit, clips.size())), row), Spacer(0));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

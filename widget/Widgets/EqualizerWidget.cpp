@@ -8,9 +8,11 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 namespace {
 
@@ -50,4 +52,4 @@ View EqualizerWidgetView::body() const {
         .apply(zeltoRoot("eq"));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -11,9 +11,11 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration FansWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<FansWidgetView>(WidgetKinds::fans, {.sources = sources})
@@ -75,4 +77,4 @@ Views FansWidgetView::content() const {
         }));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

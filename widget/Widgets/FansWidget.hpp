@@ -7,22 +7,22 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// The first fan's speed, the fan-control mode and the chip temperature.
 struct FansWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct FansWidgetView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
 
     /// Where the speed lies between the fan's lowest and highest; never below 0, but above 1 when it runs
     /// faster.
-    static double ringFraction(const WidgetSnapshot::Fan& fan);
+    static double ringFraction(const shared::WidgetSnapshot::Fan& fan);
     /// Whole revolutions per minute. A speed that no 64-bit integer holds stops the process.
     static std::string speedText(double speed);
     static std::string modeText(const std::optional<std::string>& mode, bool manual);
@@ -31,4 +31,4 @@ struct FansWidgetView {
     ui::Views content() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -8,9 +8,10 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration OverviewWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<OverviewView>(WidgetKinds::overview, {.sources = sources})
@@ -77,4 +78,4 @@ View OverviewView::mediumContent() const {
             environment.formatting.byteCount(static_cast<std::int64_t>(live.diskFree)) + " livres"));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -4,15 +4,15 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// Battery, CPU, memory and disk at a glance, from live readings alone.
 struct OverviewWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct OverviewView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
@@ -22,4 +22,4 @@ struct OverviewView {
     ui::View mediumContent() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -7,9 +7,10 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration StorageWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<StorageWidgetView>(WidgetKinds::storage, {.sources = sources})
@@ -38,4 +39,4 @@ View StorageWidgetView::body() const {
         .apply(zeltoRoot("open?tab=system"));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -9,9 +9,11 @@
 #include "Widgets/WidgetKinds.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration SystemWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<SystemWidgetView>(WidgetKinds::system, {.sources = sources})
@@ -74,4 +76,4 @@ Views SystemWidgetView::mediumContent() const {
         }));
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -7,15 +7,15 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// Processor, graphics, memory and chip temperature.
 struct SystemWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct SystemWidgetView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
@@ -26,4 +26,4 @@ struct SystemWidgetView {
     ui::Views mediumContent() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

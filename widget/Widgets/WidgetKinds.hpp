@@ -1,7 +1,7 @@
 #pragma once
 
 /// The identifiers under which hosts keep placed widgets; they never change.
-namespace zelto::WidgetKinds {
+namespace zelto::widget::WidgetKinds {
 
 // Not formed from its name like the others: placed widgets are found again by it.
 inline constexpr const char* overview = "ZeltoWidget";
@@ -16,4 +16,4 @@ inline constexpr const char* awake = "ZeltoAwake";
 inline constexpr const char* equalizer = "ZeltoEqualizer";
 inline constexpr const char* care = "ZeltoCare";
 
-}  // namespace zelto::WidgetKinds
+}  // namespace zelto::widget::WidgetKinds

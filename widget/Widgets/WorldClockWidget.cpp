@@ -9,9 +9,11 @@
 #include "shared/TimeZoneFlags.hpp"
 #include "ui/Building.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
+using namespace shared;
 using namespace ui;
+using namespace widgetkit;
 
 WidgetConfiguration WorldClockWidget::body(const ProviderSources& sources) const {
     return zeltoConfiguration<WorldClockView>(
@@ -100,4 +102,4 @@ View WorldClockView::card(const std::string& zone) const {
         .background(RoundedRectangle{10}, Palette::card);
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -7,15 +7,15 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// The time here and in the cities that the user chose.
 struct WorldClockWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct WorldClockView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
@@ -37,4 +37,4 @@ struct WorldClockView {
     ui::View card(const std::string& zone) const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

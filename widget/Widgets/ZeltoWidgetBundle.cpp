@@ -12,7 +12,9 @@
 #include "Widgets/WorldClockWidget.hpp"
 #include "widget/Widgets/CalendarWidget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
+
+using namespace widgetkit;
 
 static_assert(WidgetBundle<ZeltoWidgetBundle> && Widget<OverviewWidget, ProviderSources>);
 
@@ -32,4 +34,4 @@ std::vector<WidgetConfiguration> ZeltoWidgetBundle::body() const {
     };
 }
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -12,11 +12,11 @@
 
 // The helper's contract on a bus: the app's side and the helper's.
 
-namespace zelto {
+namespace zelto::helper {
 
 /// The four operations as the bus sees them, carried out by `helper`. A configuration that does not decode is
 /// refused, with the field's name, before it gets there.
-bus::Interface helperInterface(ZeltoHelperProtocol& helper);
+bus::Interface helperInterface(shared::ZeltoHelperProtocol& helper);
 
 /// The app's side. For one thread at a time.
 class HelperConnection {
@@ -24,10 +24,10 @@ class HelperConnection {
     explicit HelperConnection(
         bus::Address address, std::chrono::milliseconds deadline = std::chrono::milliseconds(10'000));
 
-    bus::Result<HelperStatus> status();
+    bus::Result<shared::HelperStatus> status();
     /// The helper's text: empty when the configuration is in force, otherwise why it is not.
-    bus::Result<std::string> setChargeConfig(const ChargeConfig& config);
-    bus::Result<std::string> setFanConfig(const FanConfig& config);
+    bus::Result<std::string> setChargeConfig(const shared::ChargeConfig& config);
+    bus::Result<std::string> setFanConfig(const shared::FanConfig& config);
     bus::Result<void> resetAll();
 
   private:
@@ -46,6 +46,6 @@ struct HelperListenerOptions {
 };
 
 /// The helper's side: hands calls to `helper`, which must outlive the listener, on the listener's thread.
-bus::Result<bus::Listener> listenAsHelper(ZeltoHelperProtocol& helper, HelperListenerOptions options);
+bus::Result<bus::Listener> listenAsHelper(shared::ZeltoHelperProtocol& helper, HelperListenerOptions options);
 
-}  // namespace zelto
+}  // namespace zelto::helper

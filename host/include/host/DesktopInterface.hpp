@@ -32,6 +32,6 @@ bus::Result<bus::Listener> listenAsDesktop(
     bus::Address address, const DesktopActions& actions, std::function<void(std::function<void()>)> dispatch);
 
 /// "KIND:FAMILY", families as small, medium or large or by their whole names. Absent when it is not that.
-std::optional<std::pair<std::string, WidgetFamily>> parseAddition(const std::string& text);
+std::optional<std::pair<std::string, widgetkit::WidgetFamily>> parseAddition(const std::string& text);
 
 }  // namespace zelto::host

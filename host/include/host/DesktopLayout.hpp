@@ -41,8 +41,8 @@ struct DesktopLayout {
 
     /// With another widget on the first monitor, at `cell` where that is free, otherwise where there is room.
     Result<DesktopLayout> added(
-        const std::string& id, const std::string& kind, WidgetFamily family, std::optional<Cell> cell,
-        const Monitors& monitors) const;
+        const std::string& id, const std::string& kind, widgetkit::WidgetFamily family,
+        std::optional<Cell> cell, const Monitors& monitors) const;
     Result<DesktopLayout> removed(const std::string& id) const;
     /// To a place where no other widget stands; on the first monitor when none is named.
     Result<DesktopLayout> moved(
@@ -52,7 +52,8 @@ struct DesktopLayout {
     /// follows when it is replaced, unless the widget was sent there by that name.
     Result<DesktopLayout> moved(const std::string& id, Slot slot, const Monitors& monitors) const;
     /// Moves it too when it would cover others, or not fit its monitor, where it stands.
-    Result<DesktopLayout> resized(const std::string& id, WidgetFamily family, const Monitors& monitors) const;
+    Result<DesktopLayout> resized(
+        const std::string& id, widgetkit::WidgetFamily family, const Monitors& monitors) const;
 
     /// Finds each widget a place on the monitors that there are: its own where that is there and wide enough,
     /// otherwise a gap. A missing monitor's widgets go to the first one, behind those that belong there.

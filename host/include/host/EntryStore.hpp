@@ -20,7 +20,7 @@ class EntryStore {
     explicit EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
     /// Checked like an answer of the extension; absent for another kind or family too.
-    std::optional<ArchivedTimeline> load(const PlacedWidget& widget) const;
+    std::optional<widgetkit::ArchivedTimeline> load(const PlacedWidget& widget) const;
     /// A line that held the widget's timeline.
     Result<void> save(const PlacedWidget& widget, std::string_view line) const;
     /// Deletes the files of all other widgets.

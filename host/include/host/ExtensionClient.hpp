@@ -12,16 +12,17 @@ namespace zelto::host {
 
 /// How the extension is asked: on behalf of the locale and time zone of the moment.
 struct ExtensionClient {
-    Environment environment;
+    texts::Environment environment;
     /// The completion runs on the host's thread, later, with what became of each request, in one call or in
     /// several.
-    std::function<void(std::vector<Request>, std::function<void(Outcomes)>)> ask;
+    std::function<void(std::vector<widgetkit::Request>, std::function<void(Outcomes)>)> ask;
 
-    Request request(RequestKind kind) const {
+    widgetkit::Request request(widgetkit::RequestKind kind) const {
         return {.request = kind, .locale = environment.locale, .timeZone = environment.timeZone};
     }
-    Request request(RequestKind kind, std::string widget, WidgetFamily family) const {
-        Request out = request(kind);
+    widgetkit::Request request(
+        widgetkit::RequestKind kind, std::string widget, widgetkit::WidgetFamily family) const {
+        widgetkit::Request out = request(kind);
         out.kind = std::move(widget);
         out.family = family;
         return out;

@@ -15,7 +15,7 @@ namespace zelto::host {
 
 /// A reply that was checked, and the line in which it came.
 struct CheckedReply {
-    Reply reply;
+    widgetkit::Reply reply;
     std::string line;
 };
 /// Why there is none.
@@ -54,7 +54,7 @@ class ExtensionProcess {
     /// process that dies, sends an invalid reply or lets the deadline pass leaves its requests with an error,
     /// and is of no use afterwards. One exchange at a time; `deliver` may destroy this object when it has had
     /// all.
-    void exchange(std::vector<Request> requests, std::function<void(Outcomes)> deliver);
+    void exchange(std::vector<widgetkit::Request> requests, std::function<void(Outcomes)> deliver);
 
     /// Why it is of no use any more; empty while it is.
     const std::string& exitReason() const;

@@ -43,14 +43,14 @@ class ExtensionSupervisor {
     ExtensionSupervisor& operator=(const ExtensionSupervisor&) = delete;
 
     /// Sends the requests side by side; the completion is called later.
-    void ask(std::vector<Request> requests, Completion completion);
+    void ask(std::vector<widgetkit::Request> requests, Completion completion);
     /// What is asked from now on is answered by a new process, which reads everything anew.
     void restart() { isStale_ = true; }
 
   private:
     using Clock = std::chrono::steady_clock;
     struct Work {
-        std::vector<Request> requests;
+        std::vector<widgetkit::Request> requests;
         Completion completion;
     };
     /// What goes out together, and whom it is for.
@@ -60,8 +60,8 @@ class ExtensionSupervisor {
     using Aparts = std::list<Apart>;
 
     /// What tells one widget's requests from another's.
-    using Subject = std::pair<std::optional<std::string>, std::optional<WidgetFamily>>;
-    static Subject subjectOf(const Request& request) { return {request.kind, request.family}; }
+    using Subject = std::pair<std::optional<std::string>, std::optional<widgetkit::WidgetFamily>>;
+    static Subject subjectOf(const widgetkit::Request& request) { return {request.kind, request.family}; }
 
     void schedule();
     /// Whether what waits needs a process that is not there.

@@ -23,14 +23,14 @@ class Offers {
     void reload() { askAt_ = Date{}; }
 
     /// Empty until they are told.
-    const std::vector<WidgetDescription>& widgets() const { return widgets_; }
-    const WidgetDescription* find(const std::string& kind) const;
+    const std::vector<widgetkit::WidgetDescription>& widgets() const { return widgets_; }
+    const widgetkit::WidgetDescription* find(const std::string& kind) const;
     /// Refuses a kind that is not offered, or not in that family, once it is known what is.
-    Result<void> check(const std::string& kind, WidgetFamily family) const;
+    Result<void> check(const std::string& kind, widgetkit::WidgetFamily family) const;
 
   private:
     AskerSeams seams_;
-    std::vector<WidgetDescription> widgets_;
+    std::vector<widgetkit::WidgetDescription> widgets_;
     bool isAsking_ = false;
     Date askAt_{};
     Backoff backoff_{Schedule::firstPause, Schedule::longestPause};

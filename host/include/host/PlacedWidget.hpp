@@ -12,7 +12,7 @@ struct PlacedWidget {
     /// Its own name; two widgets of one kind differ in it.
     std::string id;
     std::string kind;
-    WidgetFamily family;
+    widgetkit::WidgetFamily family;
     /// The monitor's name; the first one when absent or not there.
     std::optional<std::string> monitor = {};
     std::int64_t column = 0, row = 0;

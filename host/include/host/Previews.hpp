@@ -17,9 +17,9 @@ class Previews {
 
     /// The completion gets nothing, and the log a line, when the extension has none.
     void ask(
-        const std::string& kind, WidgetFamily family,
-        std::function<void(const std::optional<ArchivedEntry>&)> completion) const {
-        Request wanted = client_.request(RequestKind::snapshot, kind, family);
+        const std::string& kind, widgetkit::WidgetFamily family,
+        std::function<void(const std::optional<widgetkit::ArchivedEntry>&)> completion) const {
+        widgetkit::Request wanted = client_.request(widgetkit::RequestKind::snapshot, kind, family);
         wanted.preview = true;
         client_.ask(
             {std::move(wanted)}, [log = log_, kind, completion = std::move(completion)](Outcomes outcomes) {

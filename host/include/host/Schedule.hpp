@@ -17,7 +17,7 @@ namespace zelto::host {
 class Schedule {
   public:
     /// A widget that starts with its stored timeline, if there is one, and wants a fresh one.
-    void add(const std::string& id, std::optional<ArchivedTimeline> stored);
+    void add(const std::string& id, std::optional<widgetkit::ArchivedTimeline> stored);
     void remove(const std::string& id);
 
     /// A new timeline is wanted as soon as possible, whatever pauses there are.
@@ -33,11 +33,11 @@ class Schedule {
     /// doubtful: all are asked for anew.
     Due at(Date now);
     /// The answer to such a request.
-    void received(const std::string& id, ArchivedTimeline timeline, Date now);
+    void received(const std::string& id, widgetkit::ArchivedTimeline timeline, Date now);
     void failed(const std::string& id, Date now);
 
     /// The entry on show; null before the first timeline.
-    const ArchivedEntry* shown(const std::string& id) const;
+    const widgetkit::ArchivedEntry* shown(const std::string& id) const;
     /// When `at` has something to do next; absent while nothing is to come by itself.
     std::optional<Date> nextInstant() const;
 
@@ -51,8 +51,8 @@ class Schedule {
 
   private:
     struct Widget {
-        std::optional<ArchivedTimeline> timeline = {};
-        std::optional<ArchivedEntry> shown = {};
+        std::optional<widgetkit::ArchivedTimeline> timeline = {};
+        std::optional<widgetkit::ArchivedEntry> shown = {};
         bool isAsked = false;
         /// When to ask for the next timeline; absent for at once.
         std::optional<Date> askAt = {};

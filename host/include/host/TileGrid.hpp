@@ -20,8 +20,10 @@ struct Span {
     std::int64_t columns, rows;
     constexpr bool operator==(const Span&) const = default;
 };
-constexpr Span spanOf(WidgetFamily family) {
-    return {family == WidgetFamily::systemSmall ? 1 : 2, family == WidgetFamily::systemLarge ? 2 : 1};
+constexpr Span spanOf(widgetkit::WidgetFamily family) {
+    return {
+        family == widgetkit::WidgetFamily::systemSmall ? 1 : 2,
+        family == widgetkit::WidgetFamily::systemLarge ? 2 : 1};
 }
 
 /// From one tile's corner to the next one's, in points; the gap between tiles is part of it.
@@ -33,10 +35,10 @@ class TileGrid {
   public:
     explicit TileGrid(std::int64_t columns) : columns_(columns) {}
 
-    bool isFree(Cell cell, WidgetFamily family) const;
-    void take(Cell cell, WidgetFamily family);
+    bool isFree(Cell cell, widgetkit::WidgetFamily family) const;
+    void take(Cell cell, widgetkit::WidgetFamily family);
     /// The first gap that the widget fits, row by row. On a grid narrower than the widget, the first column.
-    Cell firstFree(WidgetFamily family) const;
+    Cell firstFree(widgetkit::WidgetFamily family) const;
 
     std::int64_t usedColumns() const;
     std::int64_t usedRows() const;

@@ -33,7 +33,7 @@ class Timelines {
     void reloadAll() { schedule_.reloadAll(); }
 
     /// Null before the first timeline.
-    const ArchivedEntry* shown(const std::string& id) const { return schedule_.shown(id); }
+    const widgetkit::ArchivedEntry* shown(const std::string& id) const { return schedule_.shown(id); }
 
   private:
     void ask(const std::vector<std::string>& ids);

@@ -15,9 +15,9 @@ namespace zelto::host {
 /// What the host reaches the world through.
 struct HostSeams {
     std::function<Date()> now;
-    std::function<Environment()> environment;
+    std::function<texts::Environment()> environment;
     /// Asks the extension (ExtensionClient.hpp).
-    std::function<void(std::vector<Request>, std::function<void(Outcomes)>)> ask;
+    std::function<void(std::vector<widgetkit::Request>, std::function<void(Outcomes)>)> ask;
     /// Replaces the instant at which `wake` is to be called; absent for none.
     std::function<void(std::optional<Date>)> wakeAt;
     std::function<void(const std::string&)> log;
@@ -29,9 +29,9 @@ class HostObserver {
     virtual ~HostObserver() = default;
     /// All widgets, and where they are now: something of that has changed.
     virtual void arranged(const std::vector<ArrangedWidget>& widgets) = 0;
-    virtual void shows(const PlacedWidget& widget, const ArchivedEntry& entry) = 0;
+    virtual void shows(const PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) = 0;
     /// The extension told which widgets there are.
-    virtual void offers(const std::vector<WidgetDescription>& widgets) = 0;
+    virtual void offers(const std::vector<widgetkit::WidgetDescription>& widgets) = 0;
 };
 
 /// The widget host without a window: carries what happens on the desktop to its layout and its timelines, and
@@ -54,17 +54,18 @@ class WidgetHost {
     const std::vector<PlacedWidget>& widgets() const { return layout_.widgets; }
     const Offers& offers() const { return offers_; }
     const Previews& previews() const { return previews_; }
-    const ArchivedEntry* shown(const std::string& id) const { return timelines_.shown(id); }
+    const widgetkit::ArchivedEntry* shown(const std::string& id) const { return timelines_.shown(id); }
 
     /// Places a widget on the first monitor, at `cell` if that is free, otherwise where there is room; its
     /// id. A kind that the extension is not known to offer is refused once it has told what it offers.
-    Result<std::string> add(const std::string& kind, WidgetFamily family, std::optional<Cell> cell = {});
+    Result<std::string> add(
+        const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell = {});
     Result<void> remove(const std::string& id);
     /// To a place where no other widget stands.
     Result<void> move(const std::string& id, const std::optional<std::string>& monitor, Cell cell);
     Result<void> move(const std::string& id, Slot slot);
     /// Moves it too when it would cover others where it stands.
-    Result<void> setFamily(const std::string& id, WidgetFamily family);
+    Result<void> setFamily(const std::string& id, widgetkit::WidgetFamily family);
     /// Asks for a new timeline of one widget, of all of a kind, or of all.
     Result<void> reload(const std::string& id);
     Result<void> reloadKind(const std::string& kind);

@@ -14,7 +14,7 @@
 // (docs/helper-contract.md). Records travel as JSON under their members' names; every member is required
 // unless it is optional.
 
-namespace zelto {
+namespace zelto::shared {
 
 enum class FanMode : std::uint8_t {
     automatic,    // left to the system
@@ -112,14 +112,14 @@ class ZeltoHelperProtocol {
     virtual void resetAllWithReply(ReplyBlock<> reply) = 0;
 };
 
-}  // namespace zelto
+}  // namespace zelto::shared
 
-ZELTO_NAMES(zelto::FanMode, "a fan mode", automatic, temperature, fixed);
-ZELTO_NAMES(zelto::FanSensor, "a fan sensor", hottest, cpu);
-ZELTO_NAMES(zelto::ChargeBackend, "a charge back-end", inhibit, adapterOnly, unavailable);
-ZELTO_RECORD(zelto::ChargeConfig, enabled, limit, sailing, dischargeAboveLimit);
-ZELTO_RECORD(zelto::FanConfig, mode, sensor, startTemperature, maxTemperature, fixedLevel);
-ZELTO_RECORD(zelto::FanStatus, index, actual, minimum, maximum, target, manual);
+ZELTO_NAMES(zelto::shared::FanMode, "a fan mode", automatic, temperature, fixed);
+ZELTO_NAMES(zelto::shared::FanSensor, "a fan sensor", hottest, cpu);
+ZELTO_NAMES(zelto::shared::ChargeBackend, "a charge back-end", inhibit, adapterOnly, unavailable);
+ZELTO_RECORD(zelto::shared::ChargeConfig, enabled, limit, sailing, dischargeAboveLimit);
+ZELTO_RECORD(zelto::shared::FanConfig, mode, sensor, startTemperature, maxTemperature, fixedLevel);
+ZELTO_RECORD(zelto::shared::FanStatus, index, actual, minimum, maximum, target, manual);
 ZELTO_RECORD(
-    zelto::HelperStatus, version, chargeConfig, chargeBackend, chargingPaused, adapterDisabled, fanConfig,
-    fans, controlTemperature, lastError);
+    zelto::shared::HelperStatus, version, chargeConfig, chargeBackend, chargingPaused, adapterDisabled,
+    fanConfig, fans, controlTemperature, lastError);

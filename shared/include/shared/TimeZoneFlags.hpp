@@ -5,7 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
-namespace zelto {
+namespace zelto::shared {
 
 /// The flag emoji of the country that a time zone belongs to, by the system's time-zone table.
 struct TimeZoneFlags {
@@ -24,4 +24,4 @@ struct TimeZoneFlags {
     static std::optional<std::string> flag(const std::string& zone, const Countries& countries);
 };
 
-}  // namespace zelto
+}  // namespace zelto::shared

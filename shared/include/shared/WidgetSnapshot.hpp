@@ -11,7 +11,7 @@
 #include "foundation/UUID.hpp"
 #include "texts/URL.hpp"
 
-namespace zelto {
+namespace zelto::shared {
 
 /// What the main app tells the widgets, as one JSON document (docs/snapshot-format.md). Fractions go from 0
 /// to 1, temperatures are in degrees Celsius, sizes in bytes, fan speeds in revolutions per minute.
@@ -57,7 +57,7 @@ struct WidgetSnapshot {
         bool allDay = false;
         std::string colorHex = "#4F8DF7";
         std::optional<std::string> location;
-        std::optional<URL> meetingURL;
+        std::optional<texts::URL> meetingURL;
     };
     struct CareItem {
         std::string title;
@@ -114,4 +114,4 @@ struct WidgetSnapshot {
     static WidgetSnapshot sample(Date now = Date::now());
 };
 
-}  // namespace zelto
+}  // namespace zelto::shared

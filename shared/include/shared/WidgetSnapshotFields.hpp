@@ -8,11 +8,11 @@
 // Of these there are many, and their no-argument initialiser draws random identifiers or reads the clock
 // twice.
 template <>
-inline zelto::WidgetSnapshot::Clip zelto::blank<zelto::WidgetSnapshot::Clip>() {
+inline zelto::shared::WidgetSnapshot::Clip zelto::records::blank<zelto::shared::WidgetSnapshot::Clip>() {
     return {.id = UUID::nil(), .text = {}, .imagePath = {}, .date = {}, .pinned = false};
 }
 template <>
-inline zelto::WidgetSnapshot::Event zelto::blank<zelto::WidgetSnapshot::Event>() {
+inline zelto::shared::WidgetSnapshot::Event zelto::records::blank<zelto::shared::WidgetSnapshot::Event>() {
     return {
         .id = {},
         .title = {},
@@ -25,14 +25,15 @@ inline zelto::WidgetSnapshot::Event zelto::blank<zelto::WidgetSnapshot::Event>()
 }
 
 ZELTO_RECORD(
-    zelto::WidgetSnapshot::Battery, percent, charging, pluggedIn, health, cycles, minutesRemaining,
+    zelto::shared::WidgetSnapshot::Battery, percent, charging, pluggedIn, health, cycles, minutesRemaining,
     temperature, watts, limitEnabled, limit, chargingPaused, adapterDisabled);
-ZELTO_RECORD(zelto::WidgetSnapshot::Fan, actual, minimum, maximum, manual);
-ZELTO_RECORD(zelto::WidgetSnapshot::Disk, name, total, available);
-ZELTO_RECORD(zelto::WidgetSnapshot::Clip, id, text, imagePath, date, pinned);
-ZELTO_RECORD(zelto::WidgetSnapshot::Event, id, title, start, end, allDay, colorHex, location, meetingURL);
-ZELTO_RECORD(zelto::WidgetSnapshot::CareItem, title, level, summary);
+ZELTO_RECORD(zelto::shared::WidgetSnapshot::Fan, actual, minimum, maximum, manual);
+ZELTO_RECORD(zelto::shared::WidgetSnapshot::Disk, name, total, available);
+ZELTO_RECORD(zelto::shared::WidgetSnapshot::Clip, id, text, imagePath, date, pinned);
 ZELTO_RECORD(
-    zelto::WidgetSnapshot, date, battery, cpu, cpuHistory, gpu, memory, memoryUsed, memoryTotal,
+    zelto::shared::WidgetSnapshot::Event, id, title, start, end, allDay, colorHex, location, meetingURL);
+ZELTO_RECORD(zelto::shared::WidgetSnapshot::CareItem, title, level, summary);
+ZELTO_RECORD(
+    zelto::shared::WidgetSnapshot, date, battery, cpu, cpuHistory, gpu, memory, memoryUsed, memoryTotal,
     chipTemperature, fans, fanMode, disk, awakeActive, awakeEnd, eqEnabled, eqPreset, eqOutput, clips,
     calendarAccess, events, clockZones, careDate, careItems);

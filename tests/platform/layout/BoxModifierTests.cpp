@@ -4,6 +4,7 @@
 #include "tests/platform/layout/FixedChildren.hpp"
 
 namespace zelto::layout {
+
 namespace {
 
 using test::FixedChild;

@@ -8,6 +8,9 @@
 
 namespace zelto::test {
 
+using namespace records;
+using namespace texts;
+
 /// The record that the document vectors speak of.
 struct Sheet {
     std::int64_t a = 0;

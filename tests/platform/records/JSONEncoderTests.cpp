@@ -9,6 +9,8 @@
 
 namespace zelto::test {
 
+using namespace records;
+
 struct Mixed {
     std::string text;
     std::optional<double> number;

@@ -6,6 +6,8 @@
 
 namespace zelto::test {
 
+using namespace records;
+
 enum class Fruit { apple, pear, plum };
 struct Basket {
     std::int64_t count = 0;

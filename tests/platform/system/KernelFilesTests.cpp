@@ -5,6 +5,8 @@
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
+
+using namespace system;
 namespace {
 
 TEST(CPUTicks, CountsGuestsOnceAndWaitingAsIdle) {

@@ -4,6 +4,8 @@
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
+
+using namespace system;
 namespace {
 
 struct PowerSourcesTest : testing::Test {

@@ -9,6 +9,8 @@
 #include "texts/Formatting.hpp"
 
 namespace zelto::test {
+
+using namespace texts;
 namespace {
 
 TEST(ByteCount, FollowsTheFileStyle) {

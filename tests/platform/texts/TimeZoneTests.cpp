@@ -16,6 +16,8 @@
 #include "texts/TimeZone.hpp"
 
 namespace zelto::test {
+
+using namespace texts;
 namespace {
 
 namespace fs = std::filesystem;

@@ -4,6 +4,8 @@
 #include "texts/URL.hpp"
 
 namespace zelto::test {
+
+using namespace texts;
 namespace {
 
 TEST(URL, ReadsAndStoresAsThePlatformDoes) {

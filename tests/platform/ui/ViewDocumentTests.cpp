@@ -12,6 +12,8 @@
 #include "ui/ViewFields.hpp"
 
 namespace zelto::test {
+
+using namespace records;
 namespace {
 
 /// The types that have a name of their own on the page, and what it calls them.

@@ -6,6 +6,8 @@
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
+
+using namespace widgetkit;
 namespace {
 
 using namespace ui;

@@ -11,6 +11,8 @@
 #include "widgetkit/Service.hpp"
 
 namespace zelto::test {
+
+using namespace widgetkit;
 namespace {
 
 struct ToyEntry {

@@ -9,6 +9,9 @@
 #include "widgetkit/ViewBounds.hpp"
 
 namespace zelto::test {
+
+using namespace records;
+using namespace widgetkit;
 namespace {
 
 using namespace ui;

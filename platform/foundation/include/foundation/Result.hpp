@@ -19,7 +19,8 @@ struct Fault {
 };
 
 /// A value, or why there is none. The shape is that of C++23's std::expected; asking for what is not there
-/// raises an exception.
+/// raises an exception. A result that nobody holds gives its content away by value, so that
+/// `for (auto& x : f().value())` walks over something that lives.
 template <class T, class F = Fault>
 class [[nodiscard]] Result {
   public:
@@ -31,16 +32,16 @@ class [[nodiscard]] Result {
 
     T& value() & { return std::get<0>(content_); }
     const T& value() const& { return std::get<0>(content_); }
-    T&& value() && { return std::get<0>(std::move(content_)); }
+    T value() && { return std::get<0>(std::move(content_)); }
     T& operator*() & { return value(); }
     const T& operator*() const& { return value(); }
-    T&& operator*() && { return std::move(*this).value(); }
+    T operator*() && { return std::move(*this).value(); }
     T* operator->() { return &value(); }
     const T* operator->() const { return &value(); }
 
     F& fault() & { return std::get<1>(content_); }
     const F& fault() const& { return std::get<1>(content_); }
-    F&& fault() && { return std::get<1>(std::move(content_)); }
+    F fault() && { return std::get<1>(std::move(content_)); }
 
   private:
     std::variant<T, F> content_;
@@ -58,7 +59,7 @@ class [[nodiscard]] Result<void, F> {
 
     F& fault() & { return fault_.value(); }
     const F& fault() const& { return fault_.value(); }
-    F&& fault() && { return std::move(fault_).value(); }
+    F fault() && { return std::move(fault_).value(); }
 
   private:
     std::optional<F> fault_;

@@ -7,7 +7,7 @@
 #include "foundation/Result.hpp"
 #include "records/Record.hpp"
 
-namespace zelto {
+namespace zelto::records {
 
 /// Decodes one JSON document into a blank value of the schema's type. Strict: a missing required key, a wrong
 /// type or a fault of the syntax rejects all of it; unknown keys are skipped, the first of duplicate keys
@@ -24,4 +24,4 @@ Result<T> decodeJSON(std::string_view document, std::size_t maximumDepth = 256) 
     return out;
 }
 
-}  // namespace zelto
+}  // namespace zelto::records

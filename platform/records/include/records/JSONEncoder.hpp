@@ -7,7 +7,7 @@
 
 #include "records/Record.hpp"
 
-namespace zelto {
+namespace zelto::records {
 
 /// A value as compact JSON, keys in table order, absent optionals left out, slashes escaped; absent when a
 /// number is not finite or a string is not UTF-8.
@@ -27,4 +27,4 @@ std::size_t jsonLength(std::string_view text);
 /// The number of leading bytes of `text`, whole code points, that take at most `bytes` bytes in JSON.
 std::size_t jsonPrefix(std::string_view text, std::size_t bytes);
 
-}  // namespace zelto
+}  // namespace zelto::records

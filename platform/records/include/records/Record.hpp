@@ -14,7 +14,7 @@
 #include "foundation/UUID.hpp"
 #include "records/Schema.hpp"
 
-namespace zelto {
+namespace zelto::records {
 
 /// The field table of a record; specialised by ZELTO_RECORD.
 template <class T>
@@ -320,7 +320,7 @@ const Schema& schemaOf() {
     return detail::MakeSchema<T>::schema;
 }
 
-}  // namespace zelto
+}  // namespace zelto::records
 
 // A macro applied to each of up to 64 names: the language cannot list a record's members by itself yet.
 #define ZELTO_PARENTHESES ()
@@ -333,27 +333,28 @@ const Schema& schemaOf() {
     macro(first) __VA_OPT__(ZELTO_FOR_EACH_AGAIN ZELTO_PARENTHESES(macro, __VA_ARGS__))
 #define ZELTO_FOR_EACH_AGAIN() ZELTO_FOR_EACH_STEP
 
-#define ZELTO_FIELD(member) ::zelto::detail::field<Type, decltype(Type::member), &Type::member>(#member),
+#define ZELTO_FIELD(member) \
+    ::zelto::records::detail::field<Type, decltype(Type::member), &Type::member>(#member),
 #define ZELTO_CASE(name) {Type::name, #name},
 
 /// The field table of a record: its type and its members, in the order in which they are written.
-#define ZELTO_RECORD(T, ...)                                                                     \
-    template <>                                                                                  \
-    struct zelto::Record<T> {                                                                    \
-        using Type = T;                                                                          \
-        static constexpr std::string_view name = ::zelto::detail::unqualified(#T);               \
-        static constexpr auto fields =                                                           \
-            ::zelto::detail::fieldTable(__VA_OPT__(ZELTO_FOR_EACH(ZELTO_FIELD, __VA_ARGS__)) 0); \
+#define ZELTO_RECORD(T, ...)                                                                              \
+    template <>                                                                                           \
+    struct zelto::records::Record<T> {                                                                    \
+        using Type = T;                                                                                   \
+        static constexpr std::string_view name = ::zelto::records::detail::unqualified(#T);               \
+        static constexpr auto fields =                                                                    \
+            ::zelto::records::detail::fieldTable(__VA_OPT__(ZELTO_FOR_EACH(ZELTO_FIELD, __VA_ARGS__)) 0); \
     }
 
 /// The cases of an enumeration, all of them in their order, coded by their names; a list in another order
 /// does not compile. `expected` is used in messages.
-#define ZELTO_NAMES(E, expected, ...)                                                          \
-    template <>                                                                                \
-    struct zelto::Names<E> {                                                                   \
-        using Type = E;                                                                        \
-        static constexpr std::string_view expectation = expected;                              \
-        static constexpr auto names =                                                          \
-            ::zelto::detail::namesInOrder<E>({ZELTO_FOR_EACH(ZELTO_CASE, __VA_ARGS__)});       \
-        static_assert(!::zelto::detail::hasCase<E, names.size()>(), "a case is missing here"); \
+#define ZELTO_NAMES(E, expected, ...)                                                                   \
+    template <>                                                                                         \
+    struct zelto::records::Names<E> {                                                                   \
+        using Type = E;                                                                                 \
+        static constexpr std::string_view expectation = expected;                                       \
+        static constexpr auto names =                                                                   \
+            ::zelto::records::detail::namesInOrder<E>({ZELTO_FOR_EACH(ZELTO_CASE, __VA_ARGS__)});       \
+        static_assert(!::zelto::records::detail::hasCase<E, names.size()>(), "a case is missing here"); \
     }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace zelto {
+namespace zelto::records {
 
 /// What a type looks like to everything that walks values: the JSON decoder and encoder, and the outline.
 /// One immutable description per type, made at compile time from the type's field table (Record.hpp).
@@ -68,4 +68,4 @@ struct Schema {
     const void* address(const Field& field, const void* record) const { return field.member(record); }
 };
 
-}  // namespace zelto
+}  // namespace zelto::records

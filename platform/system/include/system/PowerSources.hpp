@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-namespace zelto {
+namespace zelto::system {
 
 /// A power source as a table of named values. Keys in use: "Name", "Current Capacity" and "Max Capacity"
 /// (integers of one unit), "Is Charging" (a flag).
@@ -30,4 +30,4 @@ using PowerSourceDescription = std::map<std::string, PowerSourceValue>;
 /// names.
 std::optional<std::vector<PowerSourceDescription>> readPowerSources(const std::filesystem::path& classFolder);
 
-}  // namespace zelto
+}  // namespace zelto::system

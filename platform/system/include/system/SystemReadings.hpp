@@ -9,7 +9,7 @@
 
 #include "system/PowerSources.hpp"
 
-namespace zelto {
+namespace zelto::system {
 
 /// Cumulative processor time since the machine started, in ticks of one length.
 ///   user    user + guest time      (the kernel counts a guest's time as user time already)
@@ -52,4 +52,4 @@ struct SystemReadings {
     static SystemReadings ofLinux(const std::filesystem::path& root = "/");
 };
 
-}  // namespace zelto
+}  // namespace zelto::system

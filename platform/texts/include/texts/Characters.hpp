@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-namespace zelto {
+namespace zelto::texts {
 
 /// The user-perceived characters of a text, in order.
 std::vector<std::string> characters(std::string_view text);
@@ -23,4 +23,4 @@ std::string upperCased(std::string_view text);
 /// The first user-perceived character upper-cased, the rest left as it is.
 std::string firstUpperCased(std::string_view text);
 
-}  // namespace zelto
+}  // namespace zelto::texts

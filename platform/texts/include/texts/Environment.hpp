@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace zelto {
+namespace zelto::texts {
 
 /// Whose texts are wanted: a locale such as "pt_BR" and a time zone by its identifier (TimeZone::find), such
 /// as "America/Sao_Paulo".
@@ -25,4 +25,4 @@ std::string localeOf(const std::function<std::optional<std::string>(std::string_
 /// True for a locale whose language the locale data knows.
 bool isKnownLocale(const std::string& locale);
 
-}  // namespace zelto
+}  // namespace zelto::texts

@@ -8,7 +8,7 @@
 #include "foundation/Date.hpp"
 #include "texts/Environment.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 
 /// The platform's locale-aware texts and calendar for one environment. For one thread at a time.
 class Formatting {
@@ -58,4 +58,4 @@ class Formatting {
     std::unique_ptr<State> state_;
 };
 
-}  // namespace zelto
+}  // namespace zelto::texts

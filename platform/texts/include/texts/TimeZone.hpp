@@ -8,7 +8,7 @@
 
 #include "foundation/Date.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 
 /// A time zone by the system's own data (/usr/share/zoneinfo), which is kept up to date by itself. A plain
 /// handle; may be used on any thread.
@@ -50,4 +50,4 @@ struct TimeZoneSetting {
 /// where the setting makes no sense.
 std::string identifierOf(const TimeZoneSetting& setting);
 
-}  // namespace zelto
+}  // namespace zelto::texts

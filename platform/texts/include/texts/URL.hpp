@@ -7,7 +7,7 @@
 
 #include "records/Record.hpp"
 
-namespace zelto {
+namespace zelto::texts {
 
 /// A URL, held as its encoded (ASCII) text.
 class URL {
@@ -32,9 +32,9 @@ class URL {
 /// `text` with every byte but the ASCII letters and digits written as %XX, upper case.
 std::string percentEncodedAlphanumerics(std::string_view text);
 
-}  // namespace zelto
+}  // namespace zelto::texts
 
 template <>
-struct zelto::TokenName<zelto::URL> {
+struct zelto::records::TokenName<zelto::texts::URL> {
     static constexpr std::string_view name = "a URL";
 };

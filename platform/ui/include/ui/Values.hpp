@@ -49,11 +49,11 @@ enum class LineJoin : std::uint8_t { miter, round };
 }  // namespace zelto::ui
 
 template <>
-struct zelto::ShortText<zelto::ui::Color> {
+struct zelto::records::ShortText<zelto::ui::Color> {
     static void print(const ui::Color& color, std::string& out) { out += hexText(color); }
 };
 template <>
-struct zelto::ShortText<zelto::ui::LinearGradient> {
+struct zelto::records::ShortText<zelto::ui::LinearGradient> {
     static void print(const ui::LinearGradient& gradient, std::string& out) {
         out += hexText(gradient.top) + ".." + hexText(gradient.bottom);
     }

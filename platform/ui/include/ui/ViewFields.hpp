@@ -5,7 +5,7 @@
 #include "ui/View.hpp"
 
 template <>
-inline zelto::ui::View zelto::blank<zelto::ui::View>() {
+inline zelto::ui::View zelto::records::blank<zelto::ui::View>() {
     return {.node = ui::node::Text{}, .modifiers = {}};
 }
 

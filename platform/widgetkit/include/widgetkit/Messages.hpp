@@ -12,7 +12,7 @@
 #include "widgetkit/ViewBounds.hpp"
 #include "widgetkit/WidgetFamily.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 // What a host and an extension say to each other, one JSON object a line. docs/extension-protocol.md is the
 // prose.
@@ -82,17 +82,17 @@ std::optional<std::string> encodeReply(const Reply& reply);
 /// contents are out of bounds (ViewBounds.hpp) becomes an error reply to the same request.
 Result<Reply> decodeReply(std::string_view line);
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit
 
 template <>
-inline zelto::ArchivedEntry zelto::blank<zelto::ArchivedEntry>() {
-    return {.date = {}, .view = blank<ui::View>()};
+inline zelto::widgetkit::ArchivedEntry zelto::records::blank<zelto::widgetkit::ArchivedEntry>() {
+    return {.date = {}, .view = records::blank<ui::View>()};
 }
 
-ZELTO_NAMES(zelto::RequestKind, "a request", bundle, placeholder, snapshot, timeline);
-ZELTO_RECORD(zelto::Request, id, request, kind, family, preview, locale, timeZone);
-ZELTO_RECORD(zelto::RequestHead, id);
-ZELTO_RECORD(zelto::WidgetDescription, kind, displayName, description, families);
-ZELTO_RECORD(zelto::ArchivedEntry, date, view);
-ZELTO_RECORD(zelto::ArchivedTimeline, entries, reloadAfter);
-ZELTO_RECORD(zelto::Reply, id, widgets, entry, timeline, error);
+ZELTO_NAMES(zelto::widgetkit::RequestKind, "a request", bundle, placeholder, snapshot, timeline);
+ZELTO_RECORD(zelto::widgetkit::Request, id, request, kind, family, preview, locale, timeZone);
+ZELTO_RECORD(zelto::widgetkit::RequestHead, id);
+ZELTO_RECORD(zelto::widgetkit::WidgetDescription, kind, displayName, description, families);
+ZELTO_RECORD(zelto::widgetkit::ArchivedEntry, date, view);
+ZELTO_RECORD(zelto::widgetkit::ArchivedTimeline, entries, reloadAfter);
+ZELTO_RECORD(zelto::widgetkit::Reply, id, widgets, entry, timeline, error);

@@ -7,12 +7,13 @@
 
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 /// Answers requests for a list of widgets. Its operations may run on any thread.
 class Service {
   public:
-    Service(std::vector<WidgetConfiguration> widgets, Environment environment, std::function<Date()> now);
+    Service(
+        std::vector<WidgetConfiguration> widgets, texts::Environment environment, std::function<Date()> now);
 
     /// The reply to one line, itself a line without its end. Views are cut to the budget (ViewBounds.hpp). A
     /// request that makes no sense, or for which memory runs out, gets an error.
@@ -30,8 +31,8 @@ class Service {
     Reply reply(const Request& request) const;
 
     std::vector<WidgetConfiguration> widgets_;
-    Environment environment_;
+    texts::Environment environment_;
     std::function<Date()> now_;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

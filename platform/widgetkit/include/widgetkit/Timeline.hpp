@@ -8,12 +8,12 @@
 #include "texts/Formatting.hpp"
 #include "widgetkit/WidgetFamily.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 /// What surrounds a view while it is built.
 struct EnvironmentValues {
     WidgetFamily family;
-    const Formatting& formatting;
+    const texts::Formatting& formatting;
     /// The current instant, for the few rules that speak of it rather than of an entry's date.
     std::function<Date()> now;
 };
@@ -58,4 +58,4 @@ concept TimelineProvider = requires(
     { provider.getTimeline(context, takesTimeline) } -> std::same_as<void>;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

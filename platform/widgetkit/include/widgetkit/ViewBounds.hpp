@@ -6,7 +6,7 @@
 #include "foundation/Result.hpp"
 #include "ui/View.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 /// What a host takes of one view tree: within these bounds, laying out and drawing are safe.
 struct ViewBounds {
@@ -40,4 +40,4 @@ struct ViewBudget {
 /// left out, and what carried it stays.
 void keepToBudget(ui::View& view, double width, const ViewBudget& budget = {});
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

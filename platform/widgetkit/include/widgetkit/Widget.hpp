@@ -9,7 +9,7 @@
 #include "widgetkit/Messages.hpp"
 #include "widgetkit/Timeline.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 /// A widget as the host's requests meet it: its description, and three operations whose entries carry
 /// finished views.
@@ -65,7 +65,7 @@ requires std::invocable<const Content&, const typename Provider::Entry&, const E
             return archive(provider.placeholder(context), environment);
         },
         [provider, archive](const TimelineProviderContext& context, const EnvironmentValues& environment) {
-            ArchivedEntry out = blank<ArchivedEntry>();
+            ArchivedEntry out = records::blank<ArchivedEntry>();
             provider.getSnapshot(context, [&](const Entry& entry) { out = archive(entry, environment); });
             return out;
         },
@@ -93,4 +93,4 @@ concept WidgetBundle = requires(const B& bundle) {
     { bundle.body() } -> std::same_as<std::vector<WidgetConfiguration>>;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit

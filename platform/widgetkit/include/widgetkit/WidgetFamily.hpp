@@ -8,7 +8,7 @@
 #include "records/Record.hpp"
 #include "ui/Size.hpp"
 
-namespace zelto {
+namespace zelto::widgetkit {
 
 enum class WidgetFamily : std::uint8_t { systemSmall, systemMedium, systemLarge };
 
@@ -35,6 +35,6 @@ constexpr std::optional<WidgetFamily> familyCalled(std::string_view shortName) {
     return std::nullopt;
 }
 
-}  // namespace zelto
+}  // namespace zelto::widgetkit
 
-ZELTO_NAMES(zelto::WidgetFamily, "a widget family", systemSmall, systemMedium, systemLarge);
+ZELTO_NAMES(zelto::widgetkit::WidgetFamily, "a widget family", systemSmall, systemMedium, systemLarge);

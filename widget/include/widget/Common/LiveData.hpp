@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace zelto {
+namespace zelto::widget {
 
 /// Readings that the widget process takes itself.
 struct LiveData {
@@ -16,4 +16,4 @@ struct LiveData {
     std::uint64_t diskTotal = 0;  // bytes
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

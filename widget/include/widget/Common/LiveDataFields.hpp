@@ -5,4 +5,4 @@
 #include "records/Record.hpp"
 #include "widget/Common/LiveData.hpp"
 
-ZELTO_RECORD(zelto::LiveData, battery, charging, cpu, memory, disk, diskFree, diskTotal);
+ZELTO_RECORD(zelto::widget::LiveData, battery, charging, cpu, memory, disk, diskFree, diskTotal);

@@ -6,7 +6,7 @@
 #include "shared/WidgetSnapshot.hpp"
 #include "widget/Common/LiveData.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// One entry of a widget's timeline. Immutable once made, so that the entries of a timeline share one
 /// snapshot.
@@ -15,12 +15,12 @@ struct ZeltoEntry {
     Date date;
     LiveData live;
     /// Null when none could be loaded.
-    std::shared_ptr<const WidgetSnapshot> snapshot;
+    std::shared_ptr<const shared::WidgetSnapshot> snapshot;
 
     /// The snapshot when it is less than 900 seconds older than the entry, otherwise null.
-    const WidgetSnapshot* freshSnapshot() const {
+    const shared::WidgetSnapshot* freshSnapshot() const {
         return snapshot && date - snapshot->date < 900 ? snapshot.get() : nullptr;
     }
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

@@ -6,14 +6,14 @@
 #include "widget/Common/ZeltoEntry.hpp"
 #include "widgetkit/Timeline.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// Where the provider's values come from.
 struct ProviderSources {
     std::function<Date()> now;
     /// Blocks for about half a second.
     std::function<LiveData()> live;
-    std::function<std::optional<WidgetSnapshot>()> snapshot;
+    std::function<std::optional<shared::WidgetSnapshot>()> snapshot;
 
     /// The clock, this machine and the user's snapshot file.
     static ProviderSources system();
@@ -30,15 +30,16 @@ struct ZeltoProvider {
     bool minuteByMinute = false;
     ProviderSources sources;
 
-    ZeltoEntry placeholder(const TimelineProviderContext& context) const;
+    ZeltoEntry placeholder(const widgetkit::TimelineProviderContext& context) const;
     void getSnapshot(
-        const TimelineProviderContext& context, const std::function<void(ZeltoEntry)>& completion) const;
+        const widgetkit::TimelineProviderContext& context,
+        const std::function<void(ZeltoEntry)>& completion) const;
     void getTimeline(
-        const TimelineProviderContext& context,
-        const std::function<void(Timeline<ZeltoEntry>)>& completion) const;
+        const widgetkit::TimelineProviderContext& context,
+        const std::function<void(widgetkit::Timeline<ZeltoEntry>)>& completion) const;
 
   private:
     ZeltoEntry currentEntry() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

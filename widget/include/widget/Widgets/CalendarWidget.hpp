@@ -7,15 +7,15 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// The next calendar events, with a button to join a meeting.
 struct CalendarWidget {
-    WidgetConfiguration body(const ProviderSources& sources) const;
+    widgetkit::WidgetConfiguration body(const ProviderSources& sources) const;
 };
 
 struct CalendarWidgetView {
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
     const ZeltoEntry& entry;
 
     ui::View body() const;
@@ -27,14 +27,14 @@ struct CalendarWidgetView {
 
 /// One event's row.
 struct EventLine {
-    const WidgetSnapshot::Event& event;
+    const shared::WidgetSnapshot::Event& event;
     Date now;
-    const EnvironmentValues& environment;
+    const widgetkit::EnvironmentValues& environment;
 
     ui::View body() const;
     std::string timeText() const;
     /// Where a meeting is joined.
-    static std::string joinLink(const URL& meeting);
+    static std::string joinLink(const texts::URL& meeting);
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget

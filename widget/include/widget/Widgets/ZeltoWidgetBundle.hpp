@@ -5,13 +5,13 @@
 #include "widget/Common/ZeltoProvider.hpp"
 #include "widgetkit/Widget.hpp"
 
-namespace zelto {
+namespace zelto::widget {
 
 /// All widgets of the extension, in gallery order.
 struct ZeltoWidgetBundle {
     ProviderSources sources = ProviderSources::system();
 
-    std::vector<WidgetConfiguration> body() const;
+    std::vector<widgetkit::WidgetConfiguration> body() const;
 };
 
-}  // namespace zelto
+}  // namespace zelto::widget
