@@ -10,6 +10,7 @@
 #include "drawing/PNG.hpp"
 #include "drawing/Renderer.hpp"
 #include "layout/Layout.hpp"
+#include "pictures/PictureProcess.hpp"
 #include "records/JSONDecoder.hpp"
 #include "records/JSONEncoder.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
@@ -108,7 +109,14 @@ void preview(const PreviewOptions& options) {
     const auto& widget = widgets[static_cast<std::size_t>(&found - descriptions.data())];
 
     const texts::Formatting formatting(environment);
-    entry = widget.snapshot({family, false}, {family, formatting, [&] { return now; }});
+    const auto pictures = pictures::PictureProcess::standBy(pictures::installedPictures());
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    entry = widget.snapshot(
+        {family, false},
+        {.family = family,
+         .formatting = formatting,
+         .now = [&] { return now; },
+         .thumbnail = [&](const std::string& path) { return pictures.thumbnail(path, deadline); }});
     std::string out;
     if (options.accessibility)
         for (const std::string& text : ui::readingTexts(entry->view, now)) out += text + "\n";

@@ -1,5 +1,6 @@
 // zelto-widgets: the widget extension. A host starts it and talks to it over its standard input and output
-// (docs/extension-protocol.md). It draws nothing, writes no file and starts nothing.
+// (docs/extension-protocol.md). It draws nothing, writes no file and, but for the picture process, starts nothing:
+// before its first request it confines itself so that it cannot (docs/confinement.md).
 
 #include <csignal>
 #include <cstdio>
@@ -10,7 +11,10 @@
 
 #include <unistd.h>
 
+#include "Common/ExtensionAllowance.hpp"
+#include "confinement/Confinement.hpp"
 #include "foundation/ISO8601.hpp"
+#include "pictures/PictureProcess.hpp"
 #include "widget/Common/LiveReader.hpp"
 #include "widget/Widgets/ZeltoWidgetBundle.hpp"
 #include "widgetkit/Service.hpp"
@@ -73,10 +77,19 @@ int run(int argc, char** argv) {
         std::puts("zelto-widgets " ZELTO_VERSION);
         return 0;
     }
+    // Whoever started it may have left something open.
+    zelto::confinement::closeDescriptors(STDERR_FILENO + 1);
+    // What is looked up outside is looked up before the door closes.
+    const auto home = zelto::HomeLookup::fixed(options->home.home());
+    const auto environment = zelto::texts::Environment::current();
+    const std::filesystem::path folder = zelto::shared::WidgetSnapshot::folder(home);
+    const auto pictures = zelto::pictures::PictureProcess::standBy(zelto::pictures::installedPictures());
     // A host that goes away is seen as a failed write, not as a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // Every request has a thread of its own; one arena for all keeps the memory of eleven at that of one.
     mallopt(M_ARENA_MAX, 1);
+    const auto lacks = zelto::confinement::confine(
+        zelto::widget::extensionAllowance(folder, options->machine, environment.timeZone));
 
     const auto readings = [machine = options->machine] {
         return zelto::system::SystemReadings::ofLinux(machine);
@@ -86,10 +99,15 @@ int run(int argc, char** argv) {
         .now = now,
         .live = [readings] { return zelto::widget::LiveReader::read(readings()); },
         // Without memory there is an error to tell, not a picture of nothing.
-        .snapshot = [home = options->home] { return zelto::shared::WidgetSnapshot::read(home); },
+        .snapshot = [home] { return zelto::shared::WidgetSnapshot::read(home); },
     };
     const zelto::widgetkit::Service service(
-        zelto::widget::ZeltoWidgetBundle{sources}.body(), zelto::texts::Environment::current(), now);
+        zelto::widget::ZeltoWidgetBundle{sources}.body(),
+        {.environment = environment,
+         .now = now,
+         .thumbnail = [&](const std::string& path,
+                          auto deadline) { return pictures.thumbnail(path, deadline); },
+         .confinement = zelto::widgetkit::Confinement{.lacks = lacks, .folders = {folder.string()}}});
     return service.serve(STDIN_FILENO, STDOUT_FILENO) ? 0 : 1;
 }
 

@@ -2,108 +2,82 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <gdk-pixbuf/gdk-pixbuf.h>
-#include <mutex>
+#include <cstdio>
+#include <span>
+#include <string_view>
 
-#include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "foundation/FileDescriptor.hpp"
+#include "Formats.hpp"
 #include "foundation/Handle.hpp"
 
 namespace zelto::imaging {
 namespace {
 
-/// Of decoded pixels at four bytes each.
-constexpr std::int64_t mostBytes = 48'000'000;
-/// A file that is larger is not read at all.
-constexpr off_t largestFile = 64 * 1024 * 1024;
+using namespace std::string_view_literals;
 
-using Loader = Handle<GdkPixbufLoader, g_object_unref>;
-using Pixbuf = Handle<GdkPixbuf, g_object_unref>;
+/// A file's bytes in memory, read as they are looked at.
+class MappedFile {
+  public:
+    explicit MappedFile(int file) {
+        struct stat status {};
+        if (fstat(file, &status) != 0 || status.st_size <= 0) return;
+        size_ = static_cast<std::size_t>(status.st_size);
+        memory_ = mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, file, 0);
+    }
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+    ~MappedFile() {
+        if (memory_ != MAP_FAILED) munmap(memory_, size_);
+    }
 
-/// How far a file has come.
-struct Progress {
-    bool tooLarge = false;
-    int rows = 0;  // that have their pixels
+    std::span<const std::uint8_t> bytes() const {
+        if (memory_ == MAP_FAILED) return {};
+        return {static_cast<const std::uint8_t*>(memory_), size_};
+    }
+
+  private:
+    void* memory_ = MAP_FAILED;
+    std::size_t size_ = 0;
 };
 
-/// Called as soon as the file has told its size, before there is room for pixels. A size of nothing makes the
-/// decoder stop.
-void checkSize(GdkPixbufLoader* loader, int width, int height, void* progress) {
-    if (std::int64_t{4} * width * height <= mostBytes) return;
-    static_cast<Progress*>(progress)->tooLarge = true;
-    gdk_pixbuf_loader_set_size(loader, 0, 0);
-}
-void noteRows(GdkPixbufLoader*, int, int y, int, int height, void* progress) {
-    auto& rows = static_cast<Progress*>(progress)->rows;
-    rows = std::max(rows, y + height);
+std::string_view beginning(int file, std::array<char, 12>& bytes) {
+    const ssize_t count = pread(file, bytes.data(), bytes.size(), 0);
+    return {bytes.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0))};
 }
 
-/// Feeds the file to the loader; false when it is no sound image or too large.
-bool feed(GdkPixbufLoader* loader, int fd, Progress& progress) {
-    g_signal_connect(loader, "size-prepared", G_CALLBACK(checkSize), &progress);
-    g_signal_connect(loader, "area-updated", G_CALLBACK(noteRows), &progress);
-    std::array<guchar, 4096> buffer;
-    while (true) {
-        const ssize_t count = read(fd, buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR) continue;
-        const bool written =
-            count >= 0 &&
-            (count == 0 ||
-             gdk_pixbuf_loader_write(loader, buffer.data(), static_cast<gsize>(count), nullptr) != FALSE);
-        if (!written || progress.tooLarge) {
-            gdk_pixbuf_loader_close(loader, nullptr);
-            return false;
-        }
-        if (count == 0) return gdk_pixbuf_loader_close(loader, nullptr) != FALSE;
-    }
+using Stream = Handle<std::FILE, std::fclose>;
+Stream streamOf(int file) {
+    return Stream(fdopen(dup(file), "rb"));
 }
 
-/// The pixels of a picture as red, green, blue and opacity.
-ui::node::Image copyPixels(const GdkPixbuf* picture) {
-    const int width = gdk_pixbuf_get_width(picture), height = gdk_pixbuf_get_height(picture);
-    const int channels = gdk_pixbuf_get_n_channels(picture), stride = gdk_pixbuf_get_rowstride(picture);
-    const guchar* pixels = gdk_pixbuf_read_pixels(picture);
-    ui::node::Image out{width, height, {}};
-    out.pixels.bytes.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x) {
-            const guchar* pixel =
-                pixels + static_cast<std::ptrdiff_t>(y) * stride + static_cast<std::ptrdiff_t>(x) * channels;
-            out.pixels.bytes.insert(out.pixels.bytes.end(), pixel, pixel + 3);
-            out.pixels.bytes.push_back(channels == 4 ? pixel[3] : 255);
-        }
-    return out;
+std::optional<Square> decodeSquare(int file, int side) {
+    std::array<char, 12> bytes{};
+    const std::string_view magic = beginning(file, bytes);
+    if (magic.starts_with("\x89PNG\r\n\x1a\n"sv))
+        if (const Stream stream = streamOf(file)) return decodePNG(stream.get(), side);
+    if (magic.starts_with("\xff\xd8\xff"sv))
+        if (const Stream stream = streamOf(file)) return decodeJPEG(stream.get(), side);
+    if (magic.starts_with("RIFF"sv) && magic.substr(8) == "WEBP"sv)
+        return decodeWebP(MappedFile(file).bytes(), side);
+    if (magic.starts_with("GIF87a"sv) || magic.starts_with("GIF89a"sv))
+        return decodeByLoader("gif", file, side);
+    if (magic.starts_with("BM"sv)) return decodeByLoader("bmp", file, side);
+    return std::nullopt;
 }
 
 }  // namespace
 
-std::optional<ui::node::Image> thumbnail(const std::string& path, int side) {
-    const FileDescriptor fd(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
-    struct stat status {};
-    if (!fd || fstat(fd.get(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > largestFile)
-        return std::nullopt;
+std::optional<ui::node::Image> decode(int file, int side) {
+    auto square = decodeSquare(file, side);
+    if (!square) return std::nullopt;
+    return upright(*std::move(square));
+}
 
-    // One picture at a time, or requests side by side would add their memory up.
-    static std::mutex oneAtATime;
-    const std::lock_guard lock(oneAtATime);
-    const Loader loader(gdk_pixbuf_loader_new());
-    Progress progress;
-    if (!feed(loader.get(), fd.get(), progress)) return std::nullopt;
-    GdkPixbuf* whole = gdk_pixbuf_loader_get_pixbuf(loader.get());
-    // A file that breaks off leaves rows without pixels, which not every decoder calls a fault.
-    if (!whole || progress.rows < gdk_pixbuf_get_height(whole)) return std::nullopt;
-    const int width = gdk_pixbuf_get_width(whole), height = gdk_pixbuf_get_height(whole);
-    const int square = std::min(width, height);
-    const Pixbuf middle(
-        gdk_pixbuf_new_subpixbuf(whole, (width - square) / 2, (height - square) / 2, square, square));
-    if (square <= side) return copyPixels(middle.get());
-    const Pixbuf scaled(gdk_pixbuf_scale_simple(middle.get(), side, side, GDK_INTERP_BILINEAR));
-    if (!scaled) return std::nullopt;
-    return copyPixels(scaled.get());
+void prepare() {
+    prepareLoaders();
 }
 
 }  // namespace zelto::imaging

@@ -9,6 +9,9 @@
 namespace zelto::widgetkit {
 namespace {
 
+/// All pictures of an answer together: well within what hosts wait for it.
+constexpr std::chrono::seconds picturePatience{4};
+
 std::string errorLine(std::optional<std::int64_t> id, std::string error) {
     Reply reply;
     reply.id = id;
@@ -40,9 +43,8 @@ std::optional<std::int64_t> idOf(std::string_view line) {
 
 }  // namespace
 
-Service::Service(
-    std::vector<WidgetConfiguration> widgets, texts::Environment environment, std::function<Date()> now)
-    : widgets_(std::move(widgets)), environment_(std::move(environment)), now_(std::move(now)) {}
+Service::Service(std::vector<WidgetConfiguration> widgets, ServiceSeams seams)
+    : widgets_(std::move(widgets)), seams_(std::move(seams)) {}
 
 std::string Service::answer(std::string_view line) const {
     if (line.size() > longestLine)
@@ -66,6 +68,7 @@ Reply Service::reply(const Request& request) const {
     if (request.request == RequestKind::bundle) {
         auto& widgets = out.widgets.emplace();
         for (const auto& widget : widgets_) widgets.push_back(widget.info());
+        out.confinement = seams_.confinement;
         return out;
     }
 
@@ -84,9 +87,17 @@ Reply Service::reply(const Request& request) const {
     if (request.locale && !texts::isKnownLocale(*request.locale)) return fail("locale: unknown");
 
     const texts::Formatting formatting(
-        {request.locale.value_or(environment_.locale), request.timeZone.value_or(environment_.timeZone)});
+        {request.locale.value_or(seams_.environment.locale),
+         request.timeZone.value_or(seams_.environment.timeZone)});
     const TimelineProviderContext context{*request.family, request.preview.value_or(false)};
-    const EnvironmentValues values{*request.family, formatting, now_};
+    const auto deadline = std::chrono::steady_clock::now() + picturePatience;
+    const EnvironmentValues values{
+        .family = *request.family,
+        .formatting = formatting,
+        .now = seams_.now,
+        .thumbnail = [&](const std::string& path) -> std::optional<ui::node::Image> {
+            return seams_.thumbnail ? seams_.thumbnail(path, deadline) : std::nullopt;
+        }};
     switch (request.request) {
         case RequestKind::bundle: break;
         case RequestKind::placeholder: out.entry = widget->placeholder(context, values); break;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -24,6 +25,7 @@ struct Look {
     Date date = wednesday;
     texts::Environment environment = {"pt_BR", "America/Sao_Paulo"};
     Date now = wednesday;
+    std::function<std::optional<ui::node::Image>(const std::string& path)> thumbnail = {};
 };
 
 /// A widget's view, made by its own configuration from the bundle.
@@ -35,7 +37,7 @@ inline ui::View view(const std::string& kind, widgetkit::WidgetFamily family, co
     const texts::Formatting formatting(look.environment);
     for (const auto& widget : widget::ZeltoWidgetBundle{sources}.body())
         if (widget.info().kind == kind)
-            return widget.snapshot({family, false}, {family, formatting, [&] { return look.now; }}).view;
+            return widget.snapshot({family, false}, {family, formatting, [&] { return look.now; }, look.thumbnail}).view;
     return ui::View{.node = ui::node::Text{"no widget " + kind}, .modifiers = {}};
 }
 inline std::string outlineOf(const std::string& kind, widgetkit::WidgetFamily family, const Look& look) {

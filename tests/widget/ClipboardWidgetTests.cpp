@@ -61,13 +61,12 @@ TEST(ClipboardWidget, FallsBackToTheTextOfAnImageThatCannotBeRead) {
 }
 
 TEST(ClipboardWidget, ShowsAThumbnail) {
-    const TemporaryFolder folder;
-    // A PPM file needs no compression to be written by hand: 100 × 80 red pixels.
-    std::string picture = "P6\n100 80\n255\n";
-    for (int i = 0; i < 8000; ++i) picture += std::string("\xff\0\0", 3);
-    const std::string path = folder.write("a.ppm", picture);
-    const std::string text =
-        outlineOf("ZeltoClipboard", medium, clips(1, [&](auto& c) { c.imagePath = path; }));
+    Look look = clips(1, [](auto& c) { c.imagePath = "/a.png"; });
+    look.thumbnail = [](const std::string& path) -> std::optional<ui::node::Image> {
+        if (path != "/a.png") return std::nullopt;
+        return ui::node::Image{66, 66, {std::vector<std::uint8_t>(66 * 66 * 4)}};
+    };
+    const std::string text = outlineOf("ZeltoClipboard", medium, look);
     EXPECT_TRUE(
         has(text,
             "Image width=66 height=66 pixels=17424 bytes .scaledToFill() .frame(width=22 height=22)"

@@ -8,7 +8,6 @@
 #include "Common/WidgetHeader.hpp"
 #include "Common/ZeltoConfiguration.hpp"
 #include "Widgets/WidgetKinds.hpp"
-#include "imaging/Thumbnail.hpp"
 #include "texts/Characters.hpp"
 #include "ui/Building.hpp"
 
@@ -24,12 +23,10 @@ namespace {
 /// Bytes; whoever copies more than that does not copy nothing.
 constexpr std::size_t longestBlank = 1024;
 constexpr double thumbnailSide = 22;  // points
-/// Pixels that the side needs on the finest display.
-constexpr int thumbnailPixels = 66;
 
-Views content(const WidgetSnapshot::Clip& clip) {
-    if (clip.imagePath)
-        if (auto image = imaging::thumbnail(*clip.imagePath, thumbnailPixels))
+Views content(const WidgetSnapshot::Clip& clip, const EnvironmentValues& environment) {
+    if (clip.imagePath && environment.thumbnail)
+        if (auto image = environment.thumbnail(*clip.imagePath))
             return list(
                 Image(*std::move(image))
                     .scaledToFill()
@@ -43,10 +40,10 @@ Views content(const WidgetSnapshot::Clip& clip) {
                                                     : std::move(shown));
 }
 
-View row(const WidgetSnapshot::Clip& clip) {
+View row(const WidgetSnapshot::Clip& clip, const EnvironmentValues& environment) {
     return HStack(
                {.spacing = 6},
-               content(clip),
+               content(clip, environment),
                Spacer(4),
                when(
                    clip.pinned,
@@ -95,7 +92,8 @@ Views ClipboardWidgetView::rows() const {
             Spacer(), Text("Copie algo e ele aparece aqui.").font(11).foreground(secondary), Spacer());
     const std::span clips(entry.snapshot->clips);
     const std::size_t limit = environment.family == WidgetFamily::systemLarge ? 7 : 3;
-    return list(forEach(clips.first(std::min(limit, clips.size())), row), Spacer(0));
+    const auto rowOf = [this](const WidgetSnapshot::Clip& clip) { return row(clip, environment); };
+    return list(forEach(clips.first(std::min(limit, clips.size())), rowOf), Spacer(0));
 }
 
 }  // namespace zelto::widget

@@ -62,14 +62,26 @@ struct ArchivedTimeline {
     bool operator==(const ArchivedTimeline&) const = default;
 };
 
-/// Exactly one of `widgets`, `entry`, `timeline` and `error` is present. `id` is absent when the request had
-/// none that could be read.
+/// How an extension's process is confined.
+struct Confinement {
+    /// What the kernel did not offer for it, by name.
+    std::vector<std::string> lacks = {};
+    /// Folders that the process can only see as they were when it started: where one of them appears or is
+    /// replaced, what is asked next is for a new process.
+    std::vector<std::string> folders = {};
+
+    bool operator==(const Confinement&) const = default;
+};
+
+/// Exactly one of `widgets`, `entry`, `timeline` and `error` is present, and `confinement` beside `widgets` at
+/// most. `id` is absent when the request had none that could be read.
 struct Reply {
     std::optional<std::int64_t> id = {};
     std::optional<std::vector<WidgetDescription>> widgets = {};
     std::optional<ArchivedEntry> entry = {};
     std::optional<ArchivedTimeline> timeline = {};
     std::optional<std::string> error = {};
+    std::optional<Confinement> confinement = {};
 
     bool operator==(const Reply&) const = default;
 };
@@ -95,4 +107,5 @@ ZELTO_RECORD(zelto::widgetkit::RequestHead, id);
 ZELTO_RECORD(zelto::widgetkit::WidgetDescription, kind, displayName, description, families);
 ZELTO_RECORD(zelto::widgetkit::ArchivedEntry, date, view);
 ZELTO_RECORD(zelto::widgetkit::ArchivedTimeline, entries, reloadAfter);
-ZELTO_RECORD(zelto::widgetkit::Reply, id, widgets, entry, timeline, error);
+ZELTO_RECORD(zelto::widgetkit::Confinement, lacks, folders);
+ZELTO_RECORD(zelto::widgetkit::Reply, id, widgets, entry, timeline, error, confinement);

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,11 +11,23 @@
 
 namespace zelto::widgetkit {
 
+/// What surrounds a service.
+struct ServiceSeams {
+    /// The locale and zone of requests that name none.
+    texts::Environment environment;
+    std::function<Date()> now = {};
+    /// The middle of an image file, when it is there by the deadline; none without it.
+    std::function<std::optional<ui::node::Image>(
+        const std::string& path, std::chrono::steady_clock::time_point deadline)>
+        thumbnail = {};
+    /// What the `bundle` reply tells of the process.
+    std::optional<Confinement> confinement = {};
+};
+
 /// Answers requests for a list of widgets. Its operations may run on any thread.
 class Service {
   public:
-    Service(
-        std::vector<WidgetConfiguration> widgets, texts::Environment environment, std::function<Date()> now);
+    Service(std::vector<WidgetConfiguration> widgets, ServiceSeams seams);
 
     /// The reply to one line, itself a line without its end. Views are cut to the budget (ViewBounds.hpp). A
     /// request that makes no sense, or for which memory runs out, gets an error.
@@ -31,8 +45,7 @@ class Service {
     Reply reply(const Request& request) const;
 
     std::vector<WidgetConfiguration> widgets_;
-    texts::Environment environment_;
-    std::function<Date()> now_;
+    ServiceSeams seams_;
 };
 
 }  // namespace zelto::widgetkit

@@ -2,10 +2,13 @@
 
 #include <concepts>
 #include <functional>
+#include <optional>
+#include <string>
 #include <vector>
 
 #include "foundation/Date.hpp"
 #include "texts/Formatting.hpp"
+#include "ui/Nodes.hpp"
 #include "widgetkit/WidgetFamily.hpp"
 
 namespace zelto::widgetkit {
@@ -16,6 +19,9 @@ struct EnvironmentValues {
     const texts::Formatting& formatting;
     /// The current instant, for the few rules that speak of it rather than of an entry's date.
     std::function<Date()> now;
+    /// The middle of an image file, as a small square; absent for whatever is no sound image, or does not come
+    /// in time for the answer.
+    std::function<std::optional<ui::node::Image>(const std::string& path)> thumbnail = {};
 };
 
 /// What a host says when it asks a provider.

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <span>
+
+#include "confinement/Confinement.hpp"
+
+namespace zelto::confinement {
+
+/// Leaves this process only those system calls. False when the kernel has no filters.
+bool restrictCalls(std::span<const AllowedCall> calls);
+
+}  // namespace zelto::confinement

@@ -1,0 +1,62 @@
+#include "Common/ExtensionAllowance.hpp"
+
+#include <array>
+#include <vector>
+
+namespace zelto::widget {
+namespace {
+
+using confinement::AllowedCall;
+using Terms = AllowedCall::Terms;
+
+/// Beside the basic ones.
+constexpr std::array ownCalls{
+    AllowedCall{"openat", Terms::readOnly},
+    AllowedCall{"getdents64"},
+    AllowedCall{"readlink"},
+    AllowedCall{"access"},
+    AllowedCall{"statfs"},
+    AllowedCall{"sysinfo"},
+    AllowedCall{"sched_getaffinity"},
+    AllowedCall{"clock_nanosleep"},
+    // Pictures are asked for over a socket that is there.
+    AllowedCall{"sendto", Terms::connected},
+    // Threads, and what the C library does for each.
+    AllowedCall{"clone", Terms::threadsOnly},
+    AllowedCall{"set_robust_list"},
+    AllowedCall{"rseq"},
+    AllowedCall{"prlimit64", Terms::askingOnly},
+};
+
+const std::vector<AllowedCall>& allCalls() {
+    static const std::vector<AllowedCall> all = [] {
+        const auto basic = confinement::basicCalls();
+        std::vector<AllowedCall> out(basic.begin(), basic.end());
+        out.insert(out.end(), ownCalls.begin(), ownCalls.end());
+        return out;
+    }();
+    return all;
+}
+
+}  // namespace
+
+confinement::Allowance extensionAllowance(
+    const std::filesystem::path& snapshotFolder, const std::filesystem::path& machine,
+    const std::string& timeZone) {
+    confinement::Allowance out{
+        .readable =
+            {snapshotFolder,
+             "/usr/share/zoneinfo",
+             "/usr/share/zoneinfo-icu",
+             "/etc/localtime",
+             machine / "proc/stat",
+             machine / "proc/meminfo",
+             machine / "sys/class/power_supply",
+             machine / "sys/block",
+             machine / "sys/devices"},
+        .calls = allCalls()};
+    if (timeZone.starts_with('/')) out.readable.emplace_back(timeZone);
+    return out;
+}
+
+}  // namespace zelto::widget
