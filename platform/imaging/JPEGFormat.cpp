@@ -3,7 +3,6 @@
 
 // The library's header needs the types of this one.
 #include <cstdio>
-
 #include <jerror.h>
 #include <jpeglib.h>
 
@@ -58,8 +57,7 @@ bool start(Reader& reader, unsigned reduction) {
     decoder.scale_denom = reduction;
     decoder.dct_method = JDCT_IFAST;
     decoder.do_fancy_upsampling = FALSE;
-    const bool isForPrinting =
-        decoder.jpeg_color_space == JCS_CMYK || decoder.jpeg_color_space == JCS_YCCK;
+    const bool isForPrinting = decoder.jpeg_color_space == JCS_CMYK || decoder.jpeg_color_space == JCS_YCCK;
     decoder.out_color_space = isForPrinting ? JCS_CMYK : JCS_EXT_RGBA;
     return jpeg_start_decompress(&decoder) == TRUE;
 }
@@ -67,8 +65,7 @@ bool start(Reader& reader, unsigned reduction) {
 /// Inks as light: the programs that write such files store them inverted.
 void mixInks(std::uint8_t* row, unsigned width) {
     for (std::uint8_t* pixel = row; pixel < row + std::size_t{width} * 4; pixel += 4) {
-        for (int ink = 0; ink < 3; ++ink)
-            pixel[ink] = static_cast<std::uint8_t>(pixel[ink] * pixel[3] / 255);
+        for (int ink = 0; ink < 3; ++ink) pixel[ink] = static_cast<std::uint8_t>(pixel[ink] * pixel[3] / 255);
         pixel[3] = 255;
     }
 }
@@ -104,8 +101,7 @@ std::optional<Square> decodeJPEG(std::FILE* file, int side) {
     while (reduction > static_cast<unsigned>(spare)) reduction /= 2;
     const int orientation = orientationOf(decoder);
     if (!start(reader, reduction)) return std::nullopt;
-    Shrinker shrinker(
-        static_cast<int>(decoder.output_width), static_cast<int>(decoder.output_height), side);
+    Shrinker shrinker(static_cast<int>(decoder.output_width), static_cast<int>(decoder.output_height), side);
     std::vector<std::uint8_t> row(std::size_t{decoder.output_width} * 4);
     auto image = readRows(reader, row.data(), shrinker) ? shrinker.finish() : std::nullopt;
     if (!image) return std::nullopt;

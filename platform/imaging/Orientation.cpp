@@ -33,8 +33,8 @@ ui::node::Image upright(Square square) {
     const bool isTransposed = square.orientation >= 5;
     const bool mirrorsColumns = square.orientation == 2 || square.orientation == 3 ||
                                 square.orientation == 6 || square.orientation == 7;
-    const bool mirrorsRows = square.orientation == 3 || square.orientation == 4 ||
-                             square.orientation == 7 || square.orientation == 8;
+    const bool mirrorsRows = square.orientation == 3 || square.orientation == 4 || square.orientation == 7 ||
+                             square.orientation == 8;
     const auto side = static_cast<std::size_t>(square.image.width);
     ui::node::Image out = square.image;
     for (std::size_t y = 0; y < side; ++y)

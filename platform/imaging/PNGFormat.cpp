@@ -1,5 +1,6 @@
 #include <csetjmp>
 #include <memory>
+
 #include <png.h>
 
 #include "Formats.hpp"
@@ -8,10 +9,15 @@
 namespace zelto::imaging {
 namespace {
 
+[[noreturn]] void onFault(png_structp png, png_const_charp) {
+    png_longjmp(png, 1);
+}
+
 /// Owns what the library needs to read; its faults jump to where `setjmp` was called with its buffer.
 struct Reader {
     Reader() {
-        png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, [](png_structp, png_const_charp) {});
+        png = png_create_read_struct(
+            PNG_LIBPNG_VER_STRING, nullptr, onFault, [](png_structp, png_const_charp) {});
         if (png) info = png_create_info_struct(png);
     }
     Reader(const Reader&) = delete;
@@ -83,7 +89,8 @@ std::optional<Square> decodePNG(std::FILE* file, int side) {
         isSound = readRows(reader, row.data(), height, shrinker);
     } else {
         // Without a touch, so that a header alone takes no memory.
-        const std::unique_ptr<std::uint8_t[]> pixels(new std::uint8_t[stride * static_cast<std::size_t>(height)]);
+        const std::unique_ptr<std::uint8_t[]> pixels(
+            new std::uint8_t[stride * static_cast<std::size_t>(height)]);
         isSound = readInterlaced(reader, pixels.get(), stride, height, shrinker);
     }
     auto image = isSound ? shrinker.finish() : std::nullopt;

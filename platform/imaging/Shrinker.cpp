@@ -20,8 +20,7 @@ ui::node::Image pixelsOf(const GdkPixbuf* picture) {
     const std::size_t row = static_cast<std::size_t>(width) * channels;
     out.pixels.bytes.reserve(row * static_cast<std::size_t>(height));
     for (std::size_t y = 0; y < static_cast<std::size_t>(height); ++y)
-        out.pixels.bytes.insert(
-            out.pixels.bytes.end(), pixels + y * stride, pixels + y * stride + row);
+        out.pixels.bytes.insert(out.pixels.bytes.end(), pixels + y * stride, pixels + y * stride + row);
     return out;
 }
 
@@ -60,7 +59,9 @@ void Shrinker::take(const std::uint8_t* row) {
         const std::uint32_t opacity = sums_[x + 3];
         for (std::size_t channel = 0; channel < 3; ++channel)
             kept_.push_back(static_cast<std::uint8_t>(
-                opacity == 0 ? 0 : std::min<std::uint64_t>(255, std::uint64_t{sums_[x + channel]} * 255 / opacity)));
+                opacity == 0
+                    ? 0
+                    : std::min<std::uint64_t>(255, std::uint64_t{sums_[x + channel]} * 255 / opacity)));
         kept_.push_back(static_cast<std::uint8_t>(opacity / static_cast<std::uint32_t>(factor_ * factor_)));
     }
     std::ranges::fill(sums_, 0);

@@ -113,7 +113,8 @@ std::optional<ui::node::Image> PictureProcess::thumbnail(
     if (state.isDead) return std::nullopt;
     const std::uint64_t id = ++state.lastID;
     const std::string packet = encode(PictureRequest{id, path});
-    if (packet.size() > longestPacket) return std::nullopt;
+    // What is no path at all gets no answer.
+    if (!decodeRequest(packet)) return std::nullopt;
     if (send(state.socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT) < 0) {
         // Too much to do already is no death.
         state.isDead = errno != EAGAIN && errno != EMSGSIZE;

@@ -37,8 +37,7 @@ bool isLacking(const std::string& name) {
 TEST_F(ZeltoProcess, TheBundleTellsHowTheExtensionIsConfined) {
     const auto confinement = confinementOf(folder.path());
     EXPECT_EQ(
-        confinement.folders,
-        std::vector<std::string>{folder.path() / "Library/Application Support/Zelto"});
+        confinement.folders, std::vector<std::string>{folder.path() / "Library/Application Support/Zelto"});
     // A kernel may lack what it likes; sanitizers always do without these two.
     if (isSanitized) {
         EXPECT_TRUE(isLacking("limits"));
@@ -69,7 +68,7 @@ struct Probes : testing::TestWithParam<Probe> {
             "LD_PRELOAD=" + (programFolder() / "libprobe.so").string(),
             "PROBE=" + std::string(GetParam().what) + " " + object};
         if (isEarly) environment.emplace_back("PROBE_EARLY=1");
-        return run({programFolder() / "zelto-widgets", "--home", folder.path()}, "{}\n", environment);
+        return run({programFolder() / "zelto-widgets", "--home", folder.path()}, "", environment);
     }
 };
 
