@@ -9,6 +9,8 @@ namespace {
 
 /// An upgrade of the zones' data counts as done when nothing has changed for so long.
 constexpr double upgradeSeconds = 2;
+/// And a new folder as filled.
+constexpr double settledSeconds = 0.3;
 
 }  // namespace
 
@@ -24,6 +26,7 @@ Desktop::Desktop(DesktopOptions options)
         seams(), std::move(layouts), host::EntryStore(options_.folders.cache / "widgets"), *this);
 
     watchClock();
+    watchFolders();
     if (const auto font = drawing::Renderer::substituteFont())
         options_.log("the font Inter is not installed; texts are drawn in " + *font);
     watchMonitors();
@@ -71,6 +74,17 @@ void Desktop::watchClock() {
                 supervisor_->restart();
                 host_->environmentChanged();
             });
+    });
+}
+
+void Desktop::watchFolders() {
+    folderSource_ = host::MainSource::whenReadable(folders_.fd(), [this] {
+        if (!folders_.take()) return;
+        // What is put into a new folder comes a little later than it.
+        folderSettled_ = host::MainSource::after(settledSeconds, [this] {
+            supervisor_->restart();
+            host_->reloadAll();
+        });
     });
 }
 
@@ -143,6 +157,8 @@ void Desktop::offers(const std::vector<widgetkit::WidgetDescription>& widgets) {
     for (const auto& [id, window] : windows_)
         if (const auto* description = host_->offers().find(window->kind())) window->describe(*description);
     if (gallery_) gallery_->offer(widgets);
+    const auto& folders = host_->offers().confinement().folders;
+    folders_.follow({folders.begin(), folders.end()});
     // Whoever starts this for the first time sees what there is.
     if (!isFirstStart_ || !host_->widgets().empty()) return;
     isFirstStart_ = false;

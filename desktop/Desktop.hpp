@@ -10,6 +10,7 @@
 #include "Gallery.hpp"
 #include "WidgetWindow.hpp"
 #include "host/ExtensionSupervisor.hpp"
+#include "host/FolderWatch.hpp"
 #include "host/Folders.hpp"
 #include "host/LinkOpener.hpp"
 #include "host/MainLoop.hpp"
@@ -48,6 +49,7 @@ class Desktop : public host::HostObserver {
     void watchMonitors();
     void monitorsChanged();
     void watchClock();
+    void watchFolders();
     /// The window of a widget, made if there is none.
     WidgetWindow& windowOf(const host::PlacedWidget& widget);
     void close(const std::string& id);
@@ -60,7 +62,8 @@ class Desktop : public host::HostObserver {
     host::LinkOpener links_;
     host::WallTimer timer_;
     host::ZoneWatch zone_;
-    host::MainSource timerSource_, zoneSource_, zoneDataSource_;
+    host::FolderWatch folders_;
+    host::MainSource timerSource_, zoneSource_, zoneDataSource_, folderSource_, folderSettled_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;
     bool isFirstStart_ = false;

@@ -1,5 +1,6 @@
 #include "host/ExtensionProcess.hpp"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstring>
@@ -40,6 +41,27 @@ std::string describe(GSubprocess* process) {
 Outcome outcomeOf(widgetkit::Reply reply, std::string line) {
     if (reply.error) return NoReply{reply.error->empty() ? "an error without a reason" : *reply.error};
     return CheckedReply{std::move(reply), std::move(line)};
+}
+
+using Launcher = Handle<GSubprocessLauncher, g_object_unref>;
+
+/// Of the environment it gets what its texts depend on, and nothing that is secret.
+Launcher launcher() {
+    Launcher out(g_subprocess_launcher_new(static_cast<GSubprocessFlags>(
+        G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
+    const Handle<gchar*, g_strfreev> all(g_get_environ());
+    Handle<gchar*, g_strfreev> kept(g_new0(gchar*, 1));
+    for (gchar** each = all.get(); *each; ++each) {
+        const std::string_view variable(*each);
+        const std::string_view name = variable.substr(0, variable.find('='));
+        constexpr std::array<std::string_view, 6> passed{
+            "HOME", "LANG", "LANGUAGE", "TZ", "PATH", "XDG_DATA_DIRS"};
+        if (!name.starts_with("LC_") && std::ranges::find(passed, name) == passed.end()) continue;
+        const std::string own(name), value(variable.substr(std::min(name.size() + 1, variable.size())));
+        kept.reset(g_environ_setenv(kept.release(), own.c_str(), value.c_str(), TRUE));
+    }
+    g_subprocess_launcher_set_environ(out.get(), kept.get());
+    return out;
 }
 
 /// Calls a function once the process is gone.
@@ -221,11 +243,7 @@ Result<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program
     for (auto& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     GError* error = nullptr;
-    Subprocess started(g_subprocess_newv(
-        argv.data(),
-        static_cast<GSubprocessFlags>(
-            G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE),
-        &error));
+    Subprocess started(g_subprocess_launcher_spawnv(launcher().get(), argv.data(), &error));
     if (!started) {
         // The library's message repeats the path and has quotes of its own.
         const std::string reason =

@@ -12,6 +12,9 @@ void Offers::tick(Date now) {
         Outcome& outcome = outcomes.at(0);
         if (outcome && outcome->reply.widgets) {
             widgets_ = *std::move(outcome->reply.widgets);
+            if (outcome->reply.confinement) confinement_ = *std::move(outcome->reply.confinement);
+            for (const std::string& name : confinement_.lacks)
+                seams_.log("the widget extension is not fully confined: this system has no " + name);
         } else {
             seams_.log(
                 "could not list the widgets: " +

@@ -24,6 +24,8 @@ class Offers {
 
     /// Empty until they are told.
     const std::vector<widgetkit::WidgetDescription>& widgets() const { return widgets_; }
+    /// How the extension is confined, as it told with the widgets.
+    const widgetkit::Confinement& confinement() const { return confinement_; }
     const widgetkit::WidgetDescription* find(const std::string& kind) const;
     /// Refuses a kind that is not offered, or not in that family, once it is known what is.
     Result<void> check(const std::string& kind, widgetkit::WidgetFamily family) const;
@@ -31,6 +33,7 @@ class Offers {
   private:
     AskerSeams seams_;
     std::vector<widgetkit::WidgetDescription> widgets_;
+    widgetkit::Confinement confinement_;
     bool isAsking_ = false;
     Date askAt_{};
     Backoff backoff_{Schedule::firstPause, Schedule::longestPause};

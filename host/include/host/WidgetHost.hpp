@@ -30,7 +30,8 @@ class HostObserver {
     /// All widgets, and where they are now: something of that has changed.
     virtual void arranged(const std::vector<ArrangedWidget>& widgets) = 0;
     virtual void shows(const PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) = 0;
-    /// The extension told which widgets there are.
+    /// The extension told which widgets there are, and of which folders it sees no more than was there when
+    /// it started.
     virtual void offers(const std::vector<widgetkit::WidgetDescription>& widgets) = 0;
 };
 
