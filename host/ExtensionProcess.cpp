@@ -157,9 +157,9 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
         }
         received.erase(0, begin);
         searched = received.size();
-        static_assert(longestLine == std::size_t{32} << 20);
+        static_assert(longestLine == std::size_t{2} << 20);
         if (received.size() > longestLine)
-            return Fault{.reason = "the widget extension sent a reply longer than 32 MiB"};
+            return Fault{.reason = "the widget extension sent a reply longer than 2 MiB"};
         return {};
     }
 

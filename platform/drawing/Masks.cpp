@@ -8,8 +8,8 @@
 namespace zelto::drawing {
 namespace {
 
-/// How many masks are kept before all are dropped.
-constexpr std::size_t mostMasks = 512;
+/// How many masks are kept, and how many bytes of them, before all are dropped.
+constexpr std::size_t mostMasks = 512, mostBytes = std::size_t{8} << 20;
 
 /// The coverage of single pixels, relative to the arc's centre.
 class ArcCoverage {
@@ -57,14 +57,15 @@ double halfChord(double radius, double distance) {
 
 }  // namespace
 
-Mask arcMask(const ArcStroke& arc) {
+Mask arcMask(const ArcStroke& arc, const PixelBounds& visible) {
     // One pixel more than the stroke reaches, for its soft edge.
     const double outer = arc.radius + arc.lineWidth / 2 + 1, inner = arc.radius - arc.lineWidth / 2 - 1;
     Mask mask;
-    mask.x = static_cast<int>(std::floor(arc.centerX - outer));
-    mask.y = static_cast<int>(std::floor(arc.centerY - outer));
-    const int width = static_cast<int>(std::ceil(arc.centerX + outer)) - mask.x;
-    const int height = static_cast<int>(std::ceil(arc.centerY + outer)) - mask.y;
+    mask.x = std::max(static_cast<int>(std::floor(arc.centerX - outer)), visible.left);
+    mask.y = std::max(static_cast<int>(std::floor(arc.centerY - outer)), visible.top);
+    const int width = std::min(static_cast<int>(std::ceil(arc.centerX + outer)), visible.right) - mask.x;
+    const int height = std::min(static_cast<int>(std::ceil(arc.centerY + outer)), visible.bottom) - mask.y;
+    if (width <= 0 || height <= 0) return mask;
     mask.surface.reset(cairo_image_surface_create(CAIRO_FORMAT_A8, width, height));
     unsigned char* pixels = cairo_image_surface_get_data(mask.surface.get());
     if (!pixels) return mask;
@@ -79,6 +80,7 @@ Mask arcMask(const ArcStroke& arc) {
         const auto run = [&](double from, double to) {
             const int begin = std::max(static_cast<int>(std::floor(left + from)), 0);
             const int end = std::min(static_cast<int>(std::ceil(left + to)), width);
+            if (begin >= end) return;
             coverage.run(
                 static_cast<float>(begin + 0.5 - left), static_cast<float>(y), line + begin, end - begin);
         };
@@ -96,8 +98,14 @@ Mask arcMask(const ArcStroke& arc) {
 
 const Mask& MaskCache::get(const std::string& key, const std::function<Mask()>& make) {
     if (const auto found = masks_.find(key); found != masks_.end()) return found->second;
-    if (masks_.size() >= mostMasks) masks_.clear();
-    return masks_.emplace(key, make()).first->second;
+    if (masks_.size() >= mostMasks || bytes_ > mostBytes) {
+        masks_.clear();
+        bytes_ = 0;
+    }
+    Mask made = make();
+    bytes_ += static_cast<std::size_t>(cairo_image_surface_get_stride(made.surface.get())) *
+              static_cast<std::size_t>(cairo_image_surface_get_height(made.surface.get()));
+    return masks_.emplace(key, std::move(made)).first->second;
 }
 
 }  // namespace zelto::drawing

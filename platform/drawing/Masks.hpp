@@ -20,9 +20,15 @@ struct ArcStroke {
     double start, sweep;  // a sweep of 2π or more is the whole circle
 };
 
+/// What of a picture there is to be painted, in pixels.
+struct PixelBounds {
+    int left, top, right, bottom;
+};
+
 /// The coverage of a stroked arc with round caps, by each pixel's distance from the stroke: a fraction of
-/// what tessellating the stroke costs. Positioned in absolute pixels.
-Mask arcMask(const ArcStroke& arc);
+/// what tessellating the stroke costs. Positioned in absolute pixels. No more than what is visible of it;
+/// without a surface where nothing is.
+Mask arcMask(const ArcStroke& arc, const PixelBounds& visible);
 
 /// Keeps masks of what is expensive to draw and recurs: symbols.
 class MaskCache {
@@ -31,6 +37,7 @@ class MaskCache {
 
   private:
     std::unordered_map<std::string, Mask> masks_;
+    std::size_t bytes_ = 0;
 };
 
 }  // namespace zelto::drawing

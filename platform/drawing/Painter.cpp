@@ -123,7 +123,8 @@ class ItemPainter {
         cairo_translate(context_, text.frame.x, text.frame.y);
         cairo_scale(context_, text.scale, text.scale);
         const Similarity space = Similarity::of(context_);
-        if (tools_.toPixels && space.upright && !typeset.isColored && isMaskable(typeset, space.scale))
+        if (tools_.toPixels && space.upright && !typeset.isColored &&
+            isMaskable(typeset.ink.width, typeset.ink.height, space.scale))
             paintTextMask(typeset, space.scale);
         else
             paintOutlines(typeset, space.upright);
@@ -145,7 +146,7 @@ class ItemPainter {
             cairo_translate(target, -symbol->left, 0);
             drawSymbol(target, *symbol);
         };
-        if (tools_.toPixels && space.upright) {
+        if (tools_.toPixels && space.upright && isMaskable(placed.frame.width, side, space.scale)) {
             const std::string key =
                 placed.name + '\n' + std::to_string(placed.fontSize) + '\n' + std::to_string(space.scale);
             const Mask& mask = tools_.masks.get(key, [&] {
@@ -252,10 +253,10 @@ class ItemPainter {
             context_, mask.surface.get(), std::round(x * deviceX) + mask.x, std::round(y * deviceY) + mask.y);
     }
 
-    /// Texts that fit a widget are; what a stranger makes larger is drawn without being kept.
-    static bool isMaskable(const TypesetText& typeset, double scale) {
+    /// What fits a widget is; what a stranger makes larger is drawn without being kept.
+    static bool isMaskable(double width, double height, double scale) {
         constexpr double mostPixels = 4e6;
-        return (typeset.ink.width * scale + 1) * (typeset.ink.height * scale + 1) < mostPixels;
+        return (width * scale + 1) * (height * scale + 1) < mostPixels;
     }
 
     /// Glyphs stand where they belong, to a quarter of a pixel, and the baseline on a pixel's edge, or feet
@@ -322,22 +323,35 @@ class ItemPainter {
         cairo_stroke(context_);
     }
 
+    /// What the clips leave, with user space in pixels.
+    PixelBounds visiblePixels() const {
+        double left = 0, top = 0, right = 0, bottom = 0;
+        cairo_clip_extents(context_, &left, &top, &right, &bottom);
+        return {
+            static_cast<int>(std::floor(left)),
+            static_cast<int>(std::floor(top)),
+            static_cast<int>(std::ceil(right)),
+            static_cast<int>(std::ceil(bottom))};
+    }
+
     void paintArc(const layout::Rect& frame, double trim, double lineWidth) const {
         const Similarity space = Similarity::of(context_);
         double deviceX = 1, deviceY = 1;
         cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
         double x = frame.center().x, y = frame.center().y;
         cairo_user_to_device(context_, &x, &y);
+        const SavedState saved(context_);
+        cairo_identity_matrix(context_);
+        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
         const Mask mask = arcMask(
             {.centerX = x * deviceX,
              .centerY = y * deviceY,
              .radius = std::min(frame.width, frame.height) / 2 * space.scale,
              .lineWidth = lineWidth * space.scale,
              .start = space.angle,
-             .sweep = 2 * std::numbers::pi * trim});
-        const SavedState saved(context_);
-        cairo_identity_matrix(context_);
-        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
+             .sweep = 2 * std::numbers::pi * trim},
+            visiblePixels());
+        if (!mask.surface) return;
         cairo_mask_surface(context_, mask.surface.get(), mask.x, mask.y);
     }
 

@@ -14,31 +14,82 @@ class Inspector {
   public:
     explicit Inspector(const ViewBounds& bounds) : bounds_(bounds) {}
 
-    Result<void> inspect(const ui::View& view, std::size_t depth) {
+    /// The length of what is read of it.
+    Result<std::size_t> inspect(const ui::View& view, std::size_t depth) {
         if (++nodes_ > bounds_.nodes) return Fault{.reason = "too many nodes"};
         if (depth > bounds_.depth) return Fault{.reason = "nodes nested too deeply"};
         if (view.modifiers.size() > bounds_.modifiers) return Fault{.reason = "too many modifiers on a node"};
         if (const auto* image = std::get_if<ui::node::Image>(&view.node))
-            if (auto checked = inspect(*image); !checked) return checked;
+            if (auto checked = inspect(*image); !checked) return std::move(checked).fault();
         if (const auto* grid = std::get_if<ui::node::Grid>(&view.node);
             grid && (grid->columns < 1 || grid->columns > 64))
             return Fault{.reason = "a grid without a sensible number of columns"};
-        for (const ui::Modifier& modifier : view.modifiers)
-            if (isNegative(modifier)) return Fault{.reason = "a negative size"};
-        if (auto checked = values(records::schemaOf<ui::Node>(), &view.node); !checked) return checked;
-        if (auto checked = values(records::schemaOf<std::vector<ui::Modifier>>(), &view.modifiers); !checked)
-            return checked;
+        if (isNegative(view.node)) return Fault{.reason = "a negative size"};
+        if (auto checked = values(records::schemaOf<ui::Node>(), &view.node); !checked)
+            return std::move(checked).fault();
+        const std::string* label = nullptr;
+        bool isLink = false;
+        for (const ui::Modifier& modifier : view.modifiers) {
+            if (auto checked = inspect(modifier); !checked) return std::move(checked).fault();
+            if (const auto* accessible = std::get_if<ui::modifier::AccessibilityLabel>(&modifier);
+                accessible && !label)
+                label = &accessible->label;
+            isLink = isLink || std::holds_alternative<ui::modifier::Link>(modifier);
+        }
+        std::size_t inside = 0;
         if (const ui::Views* children = ui::childrenOf(view.node))
-            for (const ui::View& child : *children)
-                if (auto checked = inspect(child, depth + 1); !checked) return checked;
-        return {};
+            for (const ui::View& child : *children) {
+                const auto read = inspect(child, depth + 1);
+                if (!read) return read;
+                inside = joinedLength(inside, *read);
+            }
+        const std::size_t read = readLength(view.node, label, inside);
+        if (isLink && read > bounds_.linkNameBytes) return Fault{.reason = "a link whose name is too long"};
+        return read;
     }
 
   private:
-    static bool isNegative(const ui::Modifier& modifier) {
-        if (const auto* font = std::get_if<ui::modifier::Font>(&modifier)) return font->size < 0;
-        const auto* frame = std::get_if<ui::modifier::Frame>(&modifier);
-        return frame && (frame->width.value_or(0) < 0 || frame->height.value_or(0) < 0);
+    /// As texts are joined: by a comma and a space.
+    static std::size_t joinedLength(std::size_t first, std::size_t second) {
+        return first == 0 ? second : second == 0 ? first : first + 2 + second;
+    }
+    /// Of a node whose children are read in `inside` bytes, and of a countdown's longest text.
+    static std::size_t readLength(const ui::Node& node, const std::string* label, std::size_t inside) {
+        constexpr std::size_t longestTimer = 32;
+        if (std::holds_alternative<ui::node::Countdown>(node))
+            return longestTimer + (label ? label->size() + 1 : 0);
+        if (label) return label->size();
+        if (const auto* text = std::get_if<ui::node::Text>(&node)) return text->text.size();
+        return inside;
+    }
+
+    static bool isNegative(const ui::Node& node) {
+        if (const auto* spacer = std::get_if<ui::node::Spacer>(&node))
+            return spacer->minLength.value_or(0) < 0;
+        const auto* shape = std::get_if<ui::node::Shape>(&node);
+        if (!shape) return false;
+        const auto* stroke = std::get_if<ui::Stroke>(&shape->paint);
+        const auto* corners = std::get_if<ui::RoundedRectangle>(&shape->geometry);
+        return (stroke && stroke->lineWidth < 0) || (corners && corners->radius < 0);
+    }
+
+    Result<void> inspect(const ui::Modifier& modifier) {
+        const std::string* url = nullptr;
+        if (const auto* font = std::get_if<ui::modifier::Font>(&modifier)) {
+            if (font->size < 0) return Fault{.reason = "a negative size"};
+            if (font->size > bounds_.fontPoints) return Fault{.reason = "a font that is too large"};
+        } else if (const auto* frame = std::get_if<ui::modifier::Frame>(&modifier)) {
+            if (frame->width.value_or(0) < 0 || frame->height.value_or(0) < 0)
+                return Fault{.reason = "a negative size"};
+        } else if (const auto* link = std::get_if<ui::modifier::Link>(&modifier)) {
+            if (++links_ > bounds_.links) return Fault{.reason = "too many links"};
+            url = &link->url;
+        } else if (const auto* whole = std::get_if<ui::modifier::WidgetURL>(&modifier)) {
+            url = &whole->url;
+        }
+        if (!url) return values(records::schemaOf<ui::Modifier>(), &modifier);
+        if (url->size() > bounds_.linkBytes) return Fault{.reason = "a link that is too long"};
+        return {};
     }
 
     Result<void> inspect(const ui::node::Image& image) const {
@@ -50,7 +101,14 @@ class Inspector {
         return {};
     }
 
-    Result<void> values(const records::Schema& schema, const void* value) const {
+    Result<void> text(const std::string& text) {
+        if (text.size() > bounds_.textBytes) return Fault{.reason = "a text that is too long"};
+        allTextBytes_ += text.size();
+        if (allTextBytes_ > bounds_.allTextBytes) return Fault{.reason = "too much text"};
+        return {};
+    }
+
+    Result<void> values(const records::Schema& schema, const void* value) {
         switch (schema.kind) {
             case Kind::real:
                 if (!(std::fabs(*static_cast<const double*>(value)) <= bounds_.points))
@@ -60,10 +118,7 @@ class Inspector {
                 if (!(std::fabs(static_cast<const Date*>(value)->sinceReference) <= bounds_.seconds))
                     return Fault{.reason = "a date beyond all clocks"};
                 return {};
-            case Kind::string:
-                if (static_cast<const std::string*>(value)->size() > bounds_.textBytes)
-                    return Fault{.reason = "a text that is too long"};
-                return {};
+            case Kind::string: return text(*static_cast<const std::string*>(value));
             case Kind::optional:
             case Kind::list:
                 if (&schema == &records::schemaOf<ui::Views>()) return {};  // inspected as views
@@ -83,13 +138,15 @@ class Inspector {
     }
 
     const ViewBounds& bounds_;
-    std::size_t nodes_ = 0;
+    std::size_t nodes_ = 0, links_ = 0, allTextBytes_ = 0;
 };
 
 }  // namespace
 
 Result<void> check(const ui::View& view, const ViewBounds& bounds) {
-    return Inspector(bounds).inspect(view, 1);
+    auto inspected = Inspector(bounds).inspect(view, 1);
+    if (!inspected) return std::move(inspected).fault();
+    return {};
 }
 
 }  // namespace zelto::widgetkit

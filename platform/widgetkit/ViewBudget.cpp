@@ -62,8 +62,10 @@ class Cutter {
             for (ui::View& child : *children) cut(child);
 
         std::erase_if(view.modifiers, [this](const ui::Modifier& modifier) {
+            if (const auto* whole = std::get_if<ui::modifier::WidgetURL>(&modifier))
+                return records::jsonLength(whole->url) > budget_.linkBytes;
             const auto* link = std::get_if<ui::modifier::Link>(&modifier);
-            return link && records::jsonLength(link->url) > budget_.linkBytes;
+            return link && (records::jsonLength(link->url) > budget_.linkBytes || links_++ >= budget_.links);
         });
         const bool isLink = std::ranges::any_of(view.modifiers, [](const ui::Modifier& modifier) {
             return std::holds_alternative<ui::modifier::Link>(modifier);
@@ -108,6 +110,7 @@ class Cutter {
     const ViewBudget& budget_;
     std::size_t left_;
     std::size_t steps_;
+    std::size_t links_ = 0;
 };
 
 }  // namespace

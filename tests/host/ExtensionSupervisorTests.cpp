@@ -127,7 +127,7 @@ TEST_F(Supervisor, NonsenseEndsTheProcess) {
 
 TEST_F(Supervisor, ALineWithoutAnEndIsNonsense) {
     standIn("read line; exec cat /dev/zero");
-    EXPECT_EQ(errorOf(), "the widget extension sent a reply longer than 32 MiB");
+    EXPECT_EQ(errorOf(), "the widget extension sent a reply longer than 2 MiB");
 }
 
 TEST_F(Supervisor, LastWordsGoToTheLog) {

@@ -63,7 +63,7 @@ class ExtensionProcess {
     void dismiss() &&;
 
     /// A longer reply line ends the process.
-    static constexpr std::size_t longestLine = std::size_t{32} * 1024 * 1024;
+    static constexpr std::size_t longestLine = widgetkit::ReplyBounds().bytes;
 
   private:
     struct State;

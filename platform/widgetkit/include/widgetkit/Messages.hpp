@@ -73,8 +73,8 @@ struct Confinement {
     bool operator==(const Confinement&) const = default;
 };
 
-/// Exactly one of `widgets`, `entry`, `timeline` and `error` is present, and `confinement` beside `widgets` at
-/// most. `id` is absent when the request had none that could be read.
+/// Exactly one of `widgets`, `entry`, `timeline` and `error` is present, and `confinement` beside `widgets`
+/// at most. `id` is absent when the request had none that could be read.
 struct Reply {
     std::optional<std::int64_t> id = {};
     std::optional<std::vector<WidgetDescription>> widgets = {};
@@ -90,8 +90,16 @@ struct Reply {
 /// UTF-8.
 std::optional<std::string> encodeReply(const Reply& reply);
 
+/// What a host takes of one reply.
+struct ReplyBounds {
+    std::size_t bytes = std::size_t{2} << 20;
+    std::size_t kinds = 64, entries = 256;
+    std::size_t errorBytes = 200;
+};
+
 /// Reads a reply and checks it as untrusted input. One whose syntax or fields are wrong is none. One whose
-/// contents are out of bounds (ViewBounds.hpp) becomes an error reply to the same request.
+/// contents are out of bounds, here or in ViewBounds.hpp, becomes an error reply to the same request. The
+/// text of an error is cut, and its control characters are blanks.
 Result<Reply> decodeReply(std::string_view line);
 
 }  // namespace zelto::widgetkit

@@ -15,7 +15,12 @@ struct ViewBounds {
     std::size_t modifiers = 32;  // of one node
     std::size_t values = 8192;   // of one list
     std::size_t textBytes = std::size_t{16} << 10;
+    std::size_t allTextBytes = std::size_t{64} << 10;
+    std::size_t links = 64;
+    std::size_t linkNameBytes = 256;               // of what is read of a link
+    std::size_t linkBytes = std::size_t{8} << 10;  // of a URL
     double points = 10'000;
+    double fontPoints = 500;
     double seconds = 1e12;         // of dates, from the reference date
     std::int64_t imageSide = 512;  // pixels
 };
@@ -29,15 +34,16 @@ struct ViewBudget {
     std::size_t nodes = 4000;
     std::size_t textBytes = 1024;                      // of one text, label or symbol's name
     std::size_t allTextBytes = std::size_t{48} << 10;  // of all of them
+    std::size_t links = 60;
     std::size_t linkNameBytes = 256;
     std::size_t linkBytes = std::size_t{8} << 10;  // of one link's URL
     double pointsPerStep = 0.25;                   // of a line chart, in which four values are kept
 };
 
 /// Cuts a view of a widget `width` points wide to the budget: texts at the end of a user-perceived character,
-/// those that come last first; names of links; the ends of lists that are too long; line charts to the first,
-/// least, greatest and last value of every step; dates at the ends of the clocks. A link that is too long is
-/// left out, and what carried it stays.
+/// those that come last first; names of links, and those that come last of too many; the ends of lists that
+/// are too long; line charts to the first, least, greatest and last value of every step; dates at the ends of
+/// the clocks. A link that is too long is left out, and what carried it stays.
 void keepToBudget(ui::View& view, double width, const ViewBudget& budget = {});
 
 }  // namespace zelto::widgetkit
