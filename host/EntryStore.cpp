@@ -1,10 +1,17 @@
 #include "host/EntryStore.hpp"
 
+#include <algorithm>
+#include <atomic>
+#include <cstring>
 #include <set>
 #include <string>
 
+#include <fcntl.h>
+#include <sys/mman.h>
 #include <system_error>
+#include <unistd.h>
 
+#include "foundation/FileDescriptor.hpp"
 #include "foundation/Files.hpp"
 
 namespace zelto::host {
@@ -30,7 +37,54 @@ std::string spelled(std::string_view text) {
     return out;
 }
 
+constexpr std::size_t markSize = 4096;
+constexpr const char* markName = "drawing";
+
+/// The page of a file, which outlives the process.
+std::shared_ptr<char> mappedPage(const std::filesystem::path& path) {
+    const FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    // With room on the disk, which would otherwise be missed at the first touch, and that is deadly.
+    if (!file || posix_fallocate(file.get(), 0, markSize) != 0) return nullptr;
+    void* const page = mmap(nullptr, markSize, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
+    if (page == MAP_FAILED) return nullptr;
+    return {static_cast<char*>(page), [](char* mapped) { munmap(mapped, markSize); }};
+}
+
 }  // namespace
+
+EntryStore::EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {
+    makeFolder();
+    mark_ = mappedPage(folder_ / markName);
+    if (!mark_ || *mark_ == '\0') return;
+    const std::string name(mark_.get(), strnlen(mark_.get(), markSize));
+    *mark_ = '\0';
+    std::error_code error;
+    // Whatever the page says, nothing beyond the folder is meant.
+    if (std::filesystem::path(name).filename() == name && std::filesystem::remove(folder_ / name, error))
+        dropped_ = name;
+}
+
+void EntryStore::makeFolder() const {
+    std::error_code error;
+    std::filesystem::create_directories(folder_, error);
+    // It may hold what was copied to the clipboard.
+    std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
+}
+
+void EntryStore::whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
+    const std::string name = fileOf(widget).filename().string();
+    if (!mark_ || name.size() >= markSize) {
+        draw();
+        return;
+    }
+    // The first byte last: before it, there is no mark.
+    std::copy(name.begin() + 1, name.end(), mark_.get() + 1);
+    mark_.get()[name.size()] = '\0';
+    std::atomic_signal_fence(std::memory_order_release);
+    *mark_ = name.front();
+    draw();
+    *mark_ = '\0';
+}
 
 std::filesystem::path EntryStore::fileOf(const PlacedWidget& widget) const {
     return folder_ / (spelled(widget.id) + "." + spelled(widget.kind) + "." +
@@ -47,10 +101,7 @@ std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const PlacedWidget& 
 
 Result<void> EntryStore::save(const PlacedWidget& widget, std::string_view line) const {
     if (line.size() > largestFile) return Fault{.reason = "larger than 2 MiB"};
-    std::error_code error;
-    std::filesystem::create_directories(folder_, error);
-    // It may hold what was copied to the clipboard.
-    std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
+    makeFolder();
     const auto file = fileOf(widget);
     if (!writeFileAtomically(file, line, {.durability = Durability::processDeath, .readers = Readers::owner}))
         return Fault{.path = file.string(), .reason = "cannot be written"};
@@ -58,7 +109,7 @@ Result<void> EntryStore::save(const PlacedWidget& widget, std::string_view line)
 }
 
 void EntryStore::keepOnly(const std::vector<PlacedWidget>& widgets) const {
-    std::set<std::filesystem::path> kept;
+    std::set<std::filesystem::path> kept{folder_ / markName};
     for (const PlacedWidget& widget : widgets) kept.insert(fileOf(widget));
     std::error_code error;
     std::vector<std::filesystem::path> others;

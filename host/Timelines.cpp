@@ -64,9 +64,17 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
         return;
     }
     failures_.erase(asked.id);
-    if (const auto saved = store_.save(asked, outcome->line); !saved)
-        seams_.log("the timeline of " + asked.kind + " cannot be stored: " + saved.fault().text());
+    unsaved_[asked.id] = {asked, std::move(outcome->line)};
     schedule_.received(asked.id, *std::move(outcome->reply.timeline), seams_.now());
+}
+
+void Timelines::storeDrawn() {
+    for (auto& [id, drawn] : std::exchange(unsaved_, {})) {
+        const auto& [widget, line] = drawn;
+        if (!isAmong(widget, widgets_)) continue;
+        if (const auto saved = store_.save(widget, line); !saved)
+            seams_.log("the timeline of " + widget.kind + " cannot be stored: " + saved.fault().text());
+    }
 }
 
 void Timelines::failed(const PlacedWidget& widget, const std::string& why) {

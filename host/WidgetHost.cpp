@@ -37,6 +37,10 @@ WidgetHost::WidgetHost(
       previews_(client_, seams_.log) {}
 
 void WidgetHost::start() {
+    if (const auto& dropped = timelines_.dropped())
+        seams_.log(
+            "the last run ended while it drew " + *dropped +
+            ", which is not shown any more until there is a new one");
     if (auto loaded = layouts_.load()) {
         adopt(*std::move(loaded));
         timelines_.forgetOthers();
@@ -62,8 +66,9 @@ void WidgetHost::tick() {
     for (const std::string& id : timelines_.tick(now)) {
         const PlacedWidget* widget = layout_.find(id);
         const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
-        if (widget && entry) observer_.shows(*widget, *entry);
+        if (widget && entry) timelines_.whileDrawing(*widget, [&] { observer_.shows(*widget, *entry); });
     }
+    timelines_.storeDrawn();
     seams_.wakeAt(first(timelines_.nextInstant(), offers_.nextInstant()));
 }
 

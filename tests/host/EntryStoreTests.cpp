@@ -1,6 +1,8 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include "foundation/Files.hpp"
 #include "host/EntryStore.hpp"
@@ -97,6 +99,53 @@ TEST_F(Entries, OfWidgetsThatAreGoneAreDeleted) {
     EXPECT_EQ(store.load(clock_), timeline);
     EXPECT_FALSE(
         std::filesystem::exists(folder.path() / "cache/zelto/.b.json.5E5A7C1E-0000-4000-8000-000000000000"));
+}
+
+/// Runs a function in a process of its own that it ends.
+void inChild(const std::function<void()>& function) {
+    const pid_t child = fork();
+    if (child == 0) {
+        function();
+        _exit(1);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_EQ(WEXITSTATUS(status), 0);
+}
+
+TEST_F(Entries, AreDroppedWhenDrawingThemWasTheEnd) {
+    EXPECT_TRUE(store.save(battery, line));
+    EXPECT_TRUE(store.save(clock_, line));
+    inChild([this] { store.whileDrawing(battery, [] { _exit(0); }); });
+    const EntryStore next(folder.path() / "cache/zelto");
+    EXPECT_EQ(next.dropped(), "b.ZeltoBattery.systemSmall.json");
+    EXPECT_EQ(next.load(battery), std::nullopt);
+    EXPECT_EQ(next.load(clock_), timeline);
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt);
+}
+
+TEST_F(Entries, StayWhenTheyWereDrawn) {
+    EXPECT_TRUE(store.save(battery, line));
+    inChild([this] {
+        store.whileDrawing(battery, [] {});
+        _exit(0);
+    });
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt);
+    EXPECT_EQ(store.load(battery), timeline);
+    store.keepOnly({battery});
+    inChild([this] { store.whileDrawing(battery, [] { _exit(0); }); });
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), "b.ZeltoBattery.systemSmall.json");
+}
+
+TEST_F(Entries, AMarkOfSomethingElseDropsNothing) {
+    folder.write("cache/victim", "");
+    for (const std::string mark : {"../victim", "..", ".", "/etc/hostname", "nothing"}) {
+        folder.write("cache/zelto/drawing", mark + std::string(4096 - mark.size(), '\0'));
+        EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt) << mark;
+    }
+    folder.write("cache/zelto/drawing", std::string(4096, 'x'));
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt);
+    EXPECT_TRUE(std::filesystem::exists(folder.path() / "cache/victim"));
 }
 
 }  // namespace

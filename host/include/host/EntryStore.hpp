@@ -1,7 +1,10 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,8 +19,14 @@ namespace zelto::host {
 /// faults are an absent timeline.
 class EntryStore {
   public:
-    /// Nothing else may be kept in the folder.
-    explicit EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
+    /// Nothing else may be kept in the folder. What was being drawn when the process before this one died is
+    /// dropped.
+    explicit EntryStore(std::filesystem::path folder);
+    /// The file that was.
+    const std::optional<std::string>& dropped() const { return dropped_; }
+    /// Marks a widget's timeline as being drawn while a function runs, where even a death leaves the mark: in
+    /// a page of memory that belongs to a file. Costs no system call.
+    void whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const;
 
     /// Checked like an answer of the extension; absent for another kind or family too.
     std::optional<widgetkit::ArchivedTimeline> load(const PlacedWidget& widget) const;
@@ -27,9 +36,12 @@ class EntryStore {
     void keepOnly(const std::vector<PlacedWidget>& widgets) const;
 
   private:
+    void makeFolder() const;
     std::filesystem::path fileOf(const PlacedWidget& widget) const;
 
     std::filesystem::path folder_;
+    std::shared_ptr<char> mark_;  // a page; null where there is no room for it
+    std::optional<std::string> dropped_;
 };
 
 }  // namespace zelto::host

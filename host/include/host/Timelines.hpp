@@ -26,6 +26,15 @@ class Timelines {
 
     /// Asks for what is due; the ids of widgets that show something else from now on.
     std::vector<std::string> tick(Date now);
+    /// The stored timeline of which the last run died, if it did.
+    const std::optional<std::string>& dropped() const { return store_.dropped(); }
+    /// Shows a widget, so that a death of it is known at the next start.
+    void whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
+        store_.whileDrawing(widget, draw);
+    }
+    /// Stores what has come; to be called when it has been drawn, so that nothing is kept for the next start
+    /// that cannot be.
+    void storeDrawn();
     /// When `tick` has something to do next.
     std::optional<Date> nextInstant() const { return schedule_.nextInstant(); }
     /// New timelines are wanted as soon as possible.
@@ -44,6 +53,8 @@ class Timelines {
     AskerSeams seams_;
     Schedule schedule_;
     std::vector<PlacedWidget> widgets_;
+    std::map<std::string, std::pair<PlacedWidget, std::string>>
+        unsaved_;                                  // replies that are not drawn yet, by id
     std::map<std::string, std::string> failures_;  // of widgets whose last request failed, by id
 };
 

@@ -90,7 +90,14 @@ TEST(Archive, BoundsWhatAStrangerMaySend) {
     EXPECT_EQ(fault(reply(deep)), "nodes nested too deeply");
     EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(5000, Text(""))))), "too many nodes");
     EXPECT_EQ(fault(reply(Text(std::string(20'000, 'x')))), "a text that is too long");
-    EXPECT_EQ(fault(reply(Text("x").font(1e9))), "a number that is too large");
+    EXPECT_EQ(fault(reply(Text("x").font(501))), "a font that is too large");
+    EXPECT_EQ(fault(reply(Text("x").font(500))), "");
+    EXPECT_EQ(fault(reply(Text("x").frame({.width = 1e5, .height = {}}))), "a number that is too large");
+    EXPECT_EQ(fault(reply(Spacer(-1))), "a negative size");
+    EXPECT_EQ(fault(reply(Filled(RoundedRectangle{-1}, secondary))), "a negative size");
+    EXPECT_EQ(fault(reply(Stroked(Circle{}, {.style = secondary, .lineWidth = -1}))), "a negative size");
+    EXPECT_EQ(
+        fault(reply(stack(VStackOptions{}, Views(5, Text(std::string(14'000, 'x')))))), "too much text");
     EXPECT_EQ(
         fault(reply(grid({.columns = 0, .rowSpacing = 0}, {}))),
         "a grid without a sensible number of columns");
@@ -109,6 +116,46 @@ TEST(Archive, BoundsWhatAStrangerMaySend) {
     View many = Text("x");
     for (int i = 0; i < 40; ++i) many = std::move(many).lineLimit(1);
     EXPECT_EQ(fault(reply(many)), "too many modifiers on a node");
+}
+
+TEST(Archive, BoundsLinksAndWhatTheyAreCalled) {
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(64, Text("x").link("a:b"))))), "");
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(65, Text("x").link("a:b"))))), "too many links");
+    EXPECT_EQ(fault(reply(Text("x").link("a:" + std::string(8 << 10, 'x')))), "a link that is too long");
+    EXPECT_EQ(fault(reply(Text("x").widgetURL("a:" + std::string(8 << 10, 'x')))), "a link that is too long");
+    const std::string longName(257, 'x'), longestName(256, 'x');
+    EXPECT_EQ(fault(reply(Text(longName).link("a:b"))), "a link whose name is too long");
+    EXPECT_EQ(fault(reply(Text(longestName).link("a:b"))), "");
+    // As it is read: with the commas between its texts, and by its label where it has one.
+    const Views halves(2, Text(std::string(127, 'x')));
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, halves).link("a:b"))), "");
+    EXPECT_EQ(
+        fault(reply(stack(VStackOptions{}, Views(2, Text(std::string(128, 'x')))).link("a:b"))),
+        "a link whose name is too long");
+    EXPECT_EQ(fault(reply(Text(longName).accessibilityLabel("x").link("a:b"))), "");
+    EXPECT_EQ(
+        fault(reply(VStack({}, Text("x").accessibilityLabel(longName)).link("a:b"))),
+        "a link whose name is too long");
+}
+
+TEST(Archive, BoundsTheWholeReply) {
+    Reply many = reply(Text(""));
+    many.timeline->entries.resize(257, many.timeline->entries[0]);
+    EXPECT_EQ(fault(many), "too many entries");
+    Reply never = reply(Text(""));
+    never.timeline->reloadAfter = {1.7e308};
+    EXPECT_EQ(fault(never), "a date beyond all clocks");
+    Reply late = reply(Text(""));
+    late.timeline->entries.back().date = {1e13};
+    EXPECT_EQ(fault(late), "a date beyond all clocks");
+    Reply kinds;
+    kinds.id = 1;
+    kinds.widgets.emplace(65);
+    EXPECT_EQ(fault(kinds), "too many widgets");
+    Reply error;
+    error.error = "\x1b[31m\n" + std::string(190, 'x') + "\u00e9\u00e9\u00e9";
+    const auto tamed = decodeReply(encodeReply(error).value());
+    EXPECT_EQ(tamed->error, " [31m " + std::string(190, 'x') + "\u00e9\u00e9");
 }
 
 TEST(Archive, ChecksTheReplyItself) {
