@@ -49,18 +49,34 @@ host::HostSeams Desktop::seams() {
                 std::vector<widgetkit::Request> requests, host::ExtensionSupervisor::Completion completion) {
                 supervisor_->ask(std::move(requests), std::move(completion));
             },
-        .wakeAt = [this](std::optional<Date> instant) { timer_.arm(instant); },
-        .log = options_.log};
+        .wakeAt = [this](std::optional<Date> instant) { wakeAt(instant); },
+        .log = options_.log,
+        .onDisk =
+            [this](std::function<Result<void>()> work, std::function<void(Result<void>)> then) {
+                disk_.run([work = std::move(work), then = std::move(then)] {
+                    host::postToMainThread([then, done = work()] { then(done); });
+                });
+            }};
+}
+
+void Desktop::wakeAt(std::optional<Date> instant) {
+    if (timer_.works())
+        timer_.arm(instant);
+    else if (instant)
+        timerSource_ = host::MainSource::after(*instant - Date::now(), [this] { host_->wake(); });
 }
 
 void Desktop::watchClock() {
-    timerSource_ = host::MainSource::whenReadable(timer_.fd(), [this] {
-        switch (timer_.take()) {
-            case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
-            case host::WallTimer::Event::expired: host_->wake(); break;
-            case host::WallTimer::Event::none: break;
-        }
-    });
+    if (!timer_.works())
+        options_.log("the system has no timer of the wall clock to give; a clock that is set is not noticed");
+    else
+        timerSource_ = host::MainSource::whenReadable(timer_.fd(), [this] {
+            switch (timer_.take()) {
+                case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
+                case host::WallTimer::Event::expired: host_->wake(); break;
+                case host::WallTimer::Event::none: break;
+            }
+        });
     zoneSource_ = host::MainSource::whenReadable(zone_.fd(), [this] {
         const auto changes = zone_.take();
         // What the extension has read of the zones stays with it: it is to start anew, also when the setting

@@ -9,6 +9,7 @@
 
 #include "Gallery.hpp"
 #include "WidgetWindow.hpp"
+#include "host/DiskThread.hpp"
 #include "host/ExtensionSupervisor.hpp"
 #include "host/FolderWatch.hpp"
 #include "host/Folders.hpp"
@@ -48,6 +49,7 @@ class Desktop : public host::HostObserver {
     host::HostSeams seams();
     void watchMonitors();
     void monitorsChanged();
+    void wakeAt(std::optional<Date> instant);
     void watchClock();
     void watchFolders();
     /// The window of a widget, made if there is none.
@@ -64,6 +66,7 @@ class Desktop : public host::HostObserver {
     host::ZoneWatch zone_;
     host::FolderWatch folders_;
     host::MainSource timerSource_, zoneSource_, zoneDataSource_, folderSource_, folderSettled_;
+    host::DiskThread disk_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;
     bool isFirstStart_ = false;

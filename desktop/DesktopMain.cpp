@@ -14,7 +14,9 @@
 #include <glib-unix.h>
 
 #include "Desktop.hpp"
-#include "host/DesktopInterface.hpp"
+#include "host/BusPresence.hpp"
+#include "host/HostLock.hpp"
+#include "host/LogLimiter.hpp"
 #include "texts/Environment.hpp"
 
 namespace {
@@ -23,8 +25,9 @@ using namespace zelto;
 
 void log(const std::string& line) {
     static std::mutex mutex;
+    static host::LogLimiter limiter;
     const std::lock_guard lock(mutex);
-    std::fprintf(stderr, "zelto-desktop: %s\n", line.c_str());
+    if (const auto passed = limiter.pass(line)) std::fprintf(stderr, "zelto-desktop: %s\n", passed->c_str());
 }
 
 using Additions = std::vector<std::pair<std::string, widgetkit::WidgetFamily>>;
@@ -160,25 +163,34 @@ int run(int argc, char** argv) {
     // Whoever has the name is the one host. Calls wait for the main loop, which runs once the desktop is
     // there.
     std::unique_ptr<desktop::Desktop> desktop;
-    auto listener = host::listenAsDesktop(
+    host::BusPresence presence(
         address,
         {.host = [&desktop]() -> host::WidgetHost& { return desktop->host(); },
          .showGallery = [&desktop] { desktop->showGallery(); },
          .quit = [] { gtk_main_quit(); }},
-        host::postToMainThread);
-    if (!listener) {
-        const bus::Error& error = listener.fault();
-        if (error.kind == bus::ErrorKind::nameTaken) return handOver(address, options.gallery, *additions);
-        log("without a message bus, other programs cannot reach the widgets: " + error.text);
+        log);
+    const auto joined = presence.join();
+    if (!joined && joined.fault().kind == bus::ErrorKind::nameTaken)
+        return handOver(address, options.gallery, *additions);
+    const auto settings = settingsOf(options, *additions);
+    const host::HostLock lock(settings.folders.configuration);
+    if (!lock.isHeld()) {
+        log("another zelto-desktop is already running on the files in " +
+            settings.folders.configuration.string());
+        return 1;
+    }
+    if (!joined) {
+        log("without a message bus, other programs cannot reach the widgets: " + joined.fault().text);
+        presence.rejoin();
     }
     if (!startToolkit()) {
         log("there is no display; `zelto render` draws pictures without one");
         return 1;
     }
-    desktop = std::make_unique<desktop::Desktop>(settingsOf(options, *additions));
+    desktop = std::make_unique<desktop::Desktop>(settings);
     gtk_main();
     // Whoever starts the widgets again from here on finds the name free.
-    listener = bus::Error{};
+    presence.leave();
     desktop.reset();
     return 0;
 }

@@ -31,28 +31,72 @@ using Done = bus::Result<void>;
 using Text = bus::Result<std::string>;
 using Host = std::function<WidgetHost&()>;
 
+/// Answers a call once what it changed is on the disk, or cannot be.
+WidgetHost::Saved whenSaved(const std::shared_ptr<ReplyBlock<Done>>& reply) {
+    return [reply](const Result<void>& saved) { (*reply)(onBus(saved)); };
+}
+
+/// Makes a change, and answers at once where it is refused.
+template <class Change>
+void answerAfter(ReplyBlock<Done> reply, Change change) {
+    const auto shared = std::make_shared<ReplyBlock<Done>>(std::move(reply));
+    if (const Result<void> done = change(whenSaved(shared)); !done) (*shared)(refusal(done.fault()));
+}
+
+void add(const Host& host, ReplyBlock<Text> reply, const std::string& kind, const std::string& family) {
+    const auto wanted = familyNamed(family);
+    if (!wanted) {
+        reply(refusal(wanted.fault()));
+        return;
+    }
+    const auto shared = std::make_shared<ReplyBlock<Text>>(std::move(reply));
+    const auto id = std::make_shared<std::string>();
+    // The disk may have answered before the id is known.
+    const auto saved = std::make_shared<std::optional<Result<void>>>();
+    const auto answer = [shared, id, saved] {
+        if (id->empty() || !*saved) return;
+        (*shared)(**saved ? Text(*id) : Text(refusal((*saved)->fault())));
+    };
+    const auto added = host().add(kind, *wanted, {}, [saved, answer](const Result<void>& written) {
+        *saved = written;
+        answer();
+    });
+    if (!added) {
+        (*shared)(refusal(added.fault()));
+        return;
+    }
+    *id = *added;
+    answer();
+}
+
 /// What changes which widgets there are, and where.
 std::vector<bus::Method> layoutMethods(const Host& host) {
-    const auto add = [host](const std::string& kind, const std::string& family) -> Text {
-        const auto wanted = familyNamed(family);
-        return wanted ? onBus(host().add(kind, *wanted)) : refusal(wanted.fault());
+    const auto addOne = [host](ReplyBlock<Text> reply, const std::string& kind, const std::string& family) {
+        add(host, std::move(reply), kind, family);
     };
-    const auto remove = [host](const std::string& id) -> Done { return onBus(host().remove(id)); };
+    const auto remove = [host](ReplyBlock<Done> reply, const std::string& id) {
+        answerAfter(std::move(reply), [&](const auto& saved) { return host().remove(id, saved); });
+    };
     const auto move = [host](
+                          ReplyBlock<Done> reply,
                           const std::string& id,
                           const std::string& monitor,
                           std::int64_t column,
-                          std::int64_t row) -> Done {
+                          std::int64_t row) {
         std::optional<std::string> name;
         if (!monitor.empty()) name = monitor;
-        return onBus(host().move(id, name, {column, row}));
+        answerAfter(std::move(reply), [&](const auto& saved) {
+            return host().move(id, name, {column, row}, saved);
+        });
     };
-    const auto resize = [host](const std::string& id, const std::string& family) -> Done {
-        const auto wanted = familyNamed(family);
-        return wanted ? onBus(host().setFamily(id, *wanted)) : refusal(wanted.fault());
+    const auto resize = [host](ReplyBlock<Done> reply, const std::string& id, const std::string& family) {
+        answerAfter(std::move(reply), [&](const auto& saved) -> Result<void> {
+            const auto wanted = familyNamed(family);
+            return wanted ? host().setFamily(id, *wanted, saved) : wanted.fault();
+        });
     };
     return {
-        method("add", {"kind", "family"}, {"id"}, add),
+        method("add", {"kind", "family"}, {"id"}, addOne),
         method("remove", {"id"}, {}, remove),
         method("move", {"id", "monitor", "column", "row"}, {}, move),
         method("resize", {"id", "family"}, {}, resize)};
@@ -85,13 +129,14 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
 }
 
 bus::Result<bus::Listener> listenAsDesktop(
-    bus::Address address, const DesktopActions& actions,
-    std::function<void(std::function<void()>)> dispatch) {
+    bus::Address address, const DesktopActions& actions, std::function<void(std::function<void()>)> dispatch,
+    std::function<void()> lost) {
     return bus::Listener::start(
         {.address = std::move(address),
          .interface = desktopInterface(actions),
          .trusted = {getuid()},
-         .dispatch = std::move(dispatch)});
+         .dispatch = std::move(dispatch),
+         .lost = std::move(lost)});
 }
 
 std::optional<std::pair<std::string, widgetkit::WidgetFamily>> parseAddition(const std::string& text) {

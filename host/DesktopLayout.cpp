@@ -89,6 +89,8 @@ const PlacedWidget* DesktopLayout::find(const std::string& id) const {
 Result<DesktopLayout> DesktopLayout::added(
     const std::string& id, const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell,
     const Monitors& monitors) const {
+    if (widgets.size() >= mostWidgets)
+        return Fault{.reason = "there are " + std::to_string(mostWidgets) + " widgets already"};
     PlacedWidget widget{.id = id, .kind = kind, .family = family};
     if (!records::encodeJSON(widget)) return Fault{.reason = "a kind that is not UTF-8"};
     const Cell wanted = cell.value_or(Cell{});

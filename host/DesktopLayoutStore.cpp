@@ -30,6 +30,8 @@ std::optional<std::string> documentOf(const DesktopLayout& layout) {
 
 /// Refuses what decodes but cannot be.
 Result<DesktopLayout> checked(DesktopLayout layout) {
+    if (layout.widgets.size() > mostWidgets)
+        return Fault{.path = "widgets", .reason = "there are at most " + std::to_string(mostWidgets)};
     std::set<std::string> ids;
     for (std::size_t i = 0; i < layout.widgets.size(); ++i) {
         const PlacedWidget& widget = layout.widgets[i];
@@ -41,6 +43,16 @@ Result<DesktopLayout> checked(DesktopLayout layout) {
                 return Fault{.path = place + name, .reason = "must lie between 0 and 1000"};
     }
     return layout;
+}
+
+/// Whether what is there could not be a layout whoever read it.
+bool isNoDocument(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto status = std::filesystem::status(file, error);
+    if (error && error != std::errc::too_many_symbolic_link_levels) return !std::filesystem::exists(status);
+    if (!std::filesystem::is_regular_file(status)) return true;
+    const auto size = std::filesystem::file_size(file, error);
+    return !error && size > largestFile;
 }
 
 Result<DesktopLayout> decoded(const std::string& document) {
@@ -55,11 +67,15 @@ DesktopLayoutStore::DesktopLayoutStore(std::filesystem::path folder) : folder_(s
 Result<DesktopLayout> DesktopLayoutStore::load() {
     removeLeftovers(file());
     bytes_.clear();
+    isUnread_ = false;
     const auto bytes = readFile(file(), largestFile);
     if (!bytes) {
         std::error_code error;
-        if (!std::filesystem::exists(std::filesystem::symlink_status(file(), error))) return DesktopLayout{};
-        return keptAside("it cannot be read");
+        if (std::filesystem::symlink_status(file(), error).type() == std::filesystem::file_type::not_found)
+            return DesktopLayout{};
+        if (isNoDocument(file())) return keptAside("it is no file of at most 1 MiB");
+        isUnread_ = true;
+        return Fault{.path = file().string(), .reason = "it cannot be read now; it stays as it is"};
     }
     auto layout = decoded(*bytes);
     if (!layout) return keptAside(layout.fault().text());
@@ -80,14 +96,22 @@ Fault DesktopLayoutStore::keptAside(const std::string& why) const {
                                : "; it is kept as " + aside.filename().string())};
 }
 
-Result<void> DesktopLayoutStore::save(const DesktopLayout& layout) {
-    std::error_code error;
-    std::filesystem::create_directories(folder_, error);
+std::function<Result<void>()> DesktopLayoutStore::saving(const DesktopLayout& layout) {
     const auto bytes = documentOf(layout);
-    if (!bytes || !writeFileAtomically(file(), *bytes))
-        return Fault{.path = file().string(), .reason = "cannot be written"};
+    if (isUnread_ || !bytes)
+        return [file = file(), isUnread = isUnread_]() -> Result<void> {
+            return Fault{
+                .path = file.string(),
+                .reason = isUnread ? "it could not be read, and is not written over" : "cannot be written"};
+        };
     bytes_ = *bytes;
-    return {};
+    return [folder = folder_, file = file(), bytes = *bytes]() -> Result<void> {
+        std::error_code error;
+        std::filesystem::create_directories(folder, error);
+        if (!writeFileAtomically(file, bytes))
+            return Fault{.path = file.string(), .reason = "cannot be written"};
+        return {};
+    };
 }
 
 bool DesktopLayoutStore::wasEdited() const {

@@ -209,6 +209,8 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
         if (!exitReason.empty()) return;
         exitReason = std::move(reason);
         unwatch();
+        // Not from within: whoever hears of it lets go of this object.
+        if (open.empty() && answered.empty() && endedIdle) postToMainThread(std::exchange(endedIdle, {}));
         for (const auto& [id, place] : std::exchange(open, {}))
             answered.emplace(place, NoReply{exitReason, true});
         flush();
@@ -233,6 +235,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
     std::map<std::int64_t, std::size_t> open;  // the place of each request that has no answer yet, by its id
     Outcomes answered;                         // and not handed over yet
     std::function<void(Outcomes)> deliver;
+    std::function<void()> endedIdle;
     std::int64_t lastID = 0;
 };
 
@@ -272,6 +275,10 @@ ExtensionProcess::~ExtensionProcess() {
 
 const std::string& ExtensionProcess::exitReason() const {
     return state_->exitReason;
+}
+
+void ExtensionProcess::whenEndedIdle(std::function<void()> function) {
+    state_->endedIdle = std::move(function);
 }
 
 void ExtensionProcess::dismiss() && {

@@ -164,6 +164,12 @@ Result<void> ExtensionSupervisor::startProcess() {
         return std::move(started).fault();
     }
     process_.emplace(*std::move(started));
+    process_->whenEndedIdle([alive = std::weak_ptr(alive_), this] {
+        // Meanwhile something may have been asked, which tells of it itself.
+        if (alive.expired() || isBusy_ || !process_ || process_->exitReason().empty()) return;
+        log_(process_->exitReason() + " while nothing was asked; to be started when something is");
+        process_.reset();
+    });
     return {};
 }
 

@@ -68,12 +68,17 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
     schedule_.received(asked.id, *std::move(outcome->reply.timeline), seams_.now());
 }
 
-void Timelines::storeDrawn() {
+void Timelines::storeDrawn(
+    const std::function<void(std::function<Result<void>()>, std::function<void(Result<void>)>)>& onDisk) {
     for (auto& [id, drawn] : std::exchange(unsaved_, {})) {
-        const auto& [widget, line] = drawn;
-        if (!isAmong(widget, widgets_)) continue;
-        if (const auto saved = store_.save(widget, line); !saved)
-            seams_.log("the timeline of " + widget.kind + " cannot be stored: " + saved.fault().text());
+        if (!isAmong(drawn.first, widgets_)) continue;
+        const std::string kind = drawn.first.kind;
+        onDisk(
+            [store = store_, drawn = std::move(drawn)] { return store.save(drawn.first, drawn.second); },
+            [this, kind](const Result<void>& saved) {
+                if (!saved)
+                    seams_.log("the timeline of " + kind + " cannot be stored: " + saved.fault().text());
+            });
     }
 }
 

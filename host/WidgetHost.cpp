@@ -60,6 +60,11 @@ void WidgetHost::setMonitors(Monitors monitors) {
     tellArrangement();
 }
 
+void WidgetHost::wake() {
+    if (layouts_.isUnread()) takeOverEdits();
+    tick();
+}
+
 void WidgetHost::tick() {
     const Date now = seams_.now();
     offers_.tick(now);
@@ -68,7 +73,7 @@ void WidgetHost::tick() {
         const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
         if (widget && entry) timelines_.whileDrawing(*widget, [&] { observer_.shows(*widget, *entry); });
     }
-    timelines_.storeDrawn();
+    timelines_.storeDrawn(seams_.onDisk);
     seams_.wakeAt(first(timelines_.nextInstant(), offers_.nextInstant()));
 }
 
@@ -88,62 +93,74 @@ void WidgetHost::adopt(DesktopLayout layout) {
     tellArrangement();
 }
 
-Result<void> WidgetHost::change(Result<DesktopLayout> changed) {
+Result<void> WidgetHost::change(Result<DesktopLayout> changed, Saved saved) {
     if (!changed) return std::move(changed).fault();
     adopt(*std::move(changed));
-    save();
+    save(std::move(saved));
     tick();
     return {};
 }
 
-void WidgetHost::save() {
-    if (const auto saved = layouts_.save(layout_); !saved) seams_.log(saved.fault().text());
+void WidgetHost::save(Saved saved) {
+    ++saves_;
+    seams_.onDisk(layouts_.saving(layout_), [this, saved = std::move(saved)](const Result<void>& written) {
+        --saves_;
+        if (!written) seams_.log(written.fault().text());
+        if (saved) saved(written);
+    });
 }
 
 void WidgetHost::takeOverEdits() {
-    if (!layouts_.wasEdited()) return;
+    // What is still being written is not there yet.
+    if (saves_ > 0 || !(layouts_.wasEdited() || layouts_.isUnread())) return;
     if (auto edited = layouts_.load()) {
         adopt(*std::move(edited));
     } else {
-        seams_.log(edited.fault().text());
-        save();
+        if (!layouts_.isUnread()) {
+            seams_.log(edited.fault().text());
+            save();
+        }
     }
     tick();
 }
 
 Result<std::string> WidgetHost::add(
-    const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell) {
+    const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell, Saved saved) {
     takeOverEdits();
     if (const auto offered = offers_.check(kind, family); !offered) return offered.fault();
     const std::string id = newID();
-    if (auto changed = change(layout_.added(id, kind, family, cell, monitors_)); !changed)
+    if (auto changed = change(layout_.added(id, kind, family, cell, monitors_), std::move(saved)); !changed)
         return std::move(changed).fault();
     return id;
 }
 
-Result<void> WidgetHost::remove(const std::string& id) {
+Result<void> WidgetHost::remove(const std::string& id, Saved saved) {
     takeOverEdits();
-    return change(layout_.removed(id));
+    return change(layout_.removed(id), std::move(saved));
 }
 
-Result<void> WidgetHost::move(const std::string& id, const std::optional<std::string>& monitor, Cell cell) {
+Result<void> WidgetHost::move(
+    const std::string& id, const std::optional<std::string>& monitor, Cell cell, Saved saved) {
     takeOverEdits();
-    return change(layout_.moved(id, monitor, cell, monitors_));
+    return change(layout_.moved(id, monitor, cell, monitors_), std::move(saved));
 }
 
-Result<void> WidgetHost::move(const std::string& id, Slot slot) {
+Result<void> WidgetHost::move(const std::string& id, Slot slot, Saved saved) {
     takeOverEdits();
-    return change(layout_.moved(id, slot, monitors_));
+    return change(layout_.moved(id, slot, monitors_), std::move(saved));
 }
 
-Result<void> WidgetHost::setFamily(const std::string& id, widgetkit::WidgetFamily family) {
+Result<void> WidgetHost::setFamily(const std::string& id, widgetkit::WidgetFamily family, Saved saved) {
     takeOverEdits();
     const PlacedWidget* widget = layout_.find(id);
-    if (widget && widget->family == family) return {};
+    if (widget && widget->family == family) {
+        if (saved) saved({});
+        return {};
+    }
     // A widget that the extension does not offer any more keeps what it can still be.
     if (widget && offers_.find(widget->kind))
         if (auto offered = offers_.check(widget->kind, family); !offered) return offered;
-    return change(layout_.resized(id, family, monitors_));
+    return change(layout_.resized(id, family, monitors_), std::move(saved));
 }
 
 Result<void> WidgetHost::reload(const std::string& id) {

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
@@ -71,6 +72,41 @@ TEST_F(Layouts, OfMoreThanAMegabyteCannotBeRead) {
     std::filesystem::resize_file(store.file(), std::uintmax_t{20} << 30);
     EXPECT_FALSE(store.load());
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "desktop.broken-1.json"));
+}
+
+TEST_F(Layouts, ThatCannotBeReadNowStayAndAreNotWrittenOver) {
+    EXPECT_TRUE(store().save({{battery}}));
+    auto store = this->store();
+    rlimit files{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
+    const rlimit none{0, files.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto refused = store.load();
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &files), 0);
+    EXPECT_EQ(refused.fault().reason, "it cannot be read now; it stays as it is");
+    EXPECT_TRUE(store.isUnread());
+    EXPECT_EQ(store.save({}).fault().reason, "it could not be read, and is not written over");
+    EXPECT_FALSE(std::filesystem::exists(folder.path() / "desktop.broken-1.json"));
+    EXPECT_TRUE(store.wasEdited());
+    EXPECT_EQ(*store.load(), DesktopLayout{{battery}});
+    EXPECT_FALSE(store.isUnread());
+    EXPECT_TRUE(store.save({}));
+}
+
+TEST_F(Layouts, HoldTwoHundredWidgets) {
+    DesktopLayout layout;
+    for (std::size_t i = 0; i < mostWidgets; ++i) {
+        layout.widgets.push_back(battery);
+        layout.widgets.back().id = std::to_string(i);
+    }
+    EXPECT_TRUE(store().save(layout));
+    EXPECT_EQ(*store().load(), layout);
+    EXPECT_EQ(
+        layout.added("new", "K", widgetkit::WidgetFamily::systemSmall, {}, {{"DP-1", 4, 8}}).fault().text(),
+        "there are 200 widgets already");
+    layout.widgets.push_back(battery);
+    EXPECT_TRUE(store().save(layout));
+    EXPECT_TRUE(store().load().fault().reason.starts_with("widgets: there are at most 200; it is kept as"));
 }
 
 TEST_F(Layouts, AFolderInTheFilesPlaceIsKeptAsideToo) {

@@ -174,7 +174,7 @@ TEST_F(Hosted, InvalidChangesAreRefused) {
     EXPECT_EQ(
         refusal(host->add("Battery", WidgetFamily::systemLarge)), "Battery is not offered as systemLarge");
     EXPECT_EQ(refusal(host->remove("x")), "no placed widget 'x'");
-    EXPECT_EQ(refusal(host->move("x", {}, {})), "no placed widget 'x'");
+    EXPECT_EQ(refusal(host->move("x", std::nullopt, {})), "no placed widget 'x'");
     EXPECT_EQ(refusal(host->setFamily("x", WidgetFamily::systemSmall)), "no placed widget 'x'");
     EXPECT_EQ(refusal(host->reload("x")), "no placed widget 'x'");
     EXPECT_EQ(refusal(host->reloadKind("Nothing")), "no widget 'Nothing'");

@@ -29,7 +29,8 @@ bus::Interface desktopInterface(const DesktopActions& actions);
 
 /// Offers the host on a bus, to this user only; `dispatch` carries calls over to the host's thread.
 bus::Result<bus::Listener> listenAsDesktop(
-    bus::Address address, const DesktopActions& actions, std::function<void(std::function<void()>)> dispatch);
+    bus::Address address, const DesktopActions& actions, std::function<void(std::function<void()>)> dispatch,
+    std::function<void()> lost = {});
 
 /// "KIND:FAMILY", families as small, medium or large or by their whole names. Absent when it is not that.
 std::optional<std::pair<std::string, widgetkit::WidgetFamily>> parseAddition(const std::string& text);

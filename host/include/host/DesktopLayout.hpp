@@ -9,6 +9,9 @@
 
 namespace zelto::host {
 
+/// Widgets on a desktop.
+inline constexpr std::size_t mostWidgets = 200;
+
 /// A monitor's room for widgets, in tiles.
 struct Monitor {
     std::string name;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <string>
 
 #include "foundation/Result.hpp"
@@ -13,12 +14,18 @@ class DesktopLayoutStore {
   public:
     explicit DesktopLayoutStore(std::filesystem::path folder);
 
-    /// Empty without a file. A file that cannot be read or is invalid is kept aside under another name, which
-    /// the fault tells.
+    /// Empty without a file. A file that is invalid is kept aside under another name, which the fault tells.
+    /// One that cannot be read now may be sound: it stays, and nothing is saved over it until it has been
+    /// loaded after all.
     Result<DesktopLayout> load();
-    Result<void> save(const DesktopLayout& layout);
+    /// From now on the file is to hold this: the work that writes it, for whichever thread, in the order of
+    /// these calls.
+    std::function<Result<void>()> saving(const DesktopLayout& layout);
+    Result<void> save(const DesktopLayout& layout) { return saving(layout)(); }
     /// Whether the file holds something else than what was last loaded or saved.
     bool wasEdited() const;
+    /// Whether there is a file that could not be read.
+    bool isUnread() const { return isUnread_; }
 
     std::filesystem::path file() const { return folder_ / "desktop.json"; }
 
@@ -27,6 +34,7 @@ class DesktopLayoutStore {
 
     std::filesystem::path folder_;
     std::string bytes_;
+    bool isUnread_ = false;
 };
 
 }  // namespace zelto::host

@@ -56,6 +56,9 @@ class ExtensionProcess {
     /// all.
     void exchange(std::vector<widgetkit::Request> requests, std::function<void(Outcomes)> deliver);
 
+    /// Calls a function, once, when the process ends while nothing is asked of it.
+    void whenEndedIdle(std::function<void()> function);
+
     /// Why it is of no use any more; empty while it is.
     const std::string& exitReason() const;
 

@@ -85,6 +85,7 @@ class ExtensionSupervisor {
     std::optional<ExtensionProcess> process_;
     Aparts apart_;
     MainSource next_, idle_;
+    std::shared_ptr<bool> alive_ = std::make_shared<bool>();  // as long as this object
 };
 
 }  // namespace zelto::host

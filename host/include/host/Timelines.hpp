@@ -34,7 +34,8 @@ class Timelines {
     }
     /// Stores what has come; to be called when it has been drawn, so that nothing is kept for the next start
     /// that cannot be.
-    void storeDrawn();
+    void storeDrawn(
+        const std::function<void(std::function<Result<void>()>, std::function<void(Result<void>)>)>& onDisk);
     /// When `tick` has something to do next.
     std::optional<Date> nextInstant() const { return schedule_.nextInstant(); }
     /// New timelines are wanted as soon as possible.

@@ -13,6 +13,8 @@ class WallTimer {
   public:
     WallTimer();
 
+    /// False when the kernel had none to give: it never goes off then.
+    bool works() const { return static_cast<bool>(timer_); }
     int fd() const { return timer_.get(); }
     /// Replaces the alarm; without an instant only a set clock makes it go off.
     void arm(std::optional<Date> instant);

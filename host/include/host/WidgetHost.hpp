@@ -21,6 +21,10 @@ struct HostSeams {
     /// Replaces the instant at which `wake` is to be called; absent for none.
     std::function<void(std::optional<Date>)> wakeAt;
     std::function<void(const std::string&)> log;
+    /// Does work that waits for the disk, one after the other, and hands its result to the host's thread. At
+    /// once without it.
+    std::function<void(std::function<Result<void>()> work, std::function<void(Result<void>)> then)> onDisk =
+        [](const auto& work, const auto& then) { then(work()); };
 };
 
 /// Is told what there is to see.
@@ -46,7 +50,7 @@ class WidgetHost {
     /// Places what was placed, shows what was stored, and asks for what is new.
     void start();
     /// The instant asked for has come, or the clock was set, or the computer was suspended.
-    void wake() { tick(); }
+    void wake();
     /// Texts are to be made for another time zone, or the clock was set: everything is asked for again.
     void environmentChanged();
     /// These are the monitors from now on, at least one; to be told whenever one of them changes.
@@ -57,16 +61,21 @@ class WidgetHost {
     const Previews& previews() const { return previews_; }
     const widgetkit::ArchivedEntry* shown(const std::string& id) const { return timelines_.shown(id); }
 
+    /// What became of a change on the disk.
+    using Saved = std::function<void(const Result<void>&)>;
+
     /// Places a widget on the first monitor, at `cell` if that is free, otherwise where there is room; its
     /// id. A kind that the extension is not known to offer is refused once it has told what it offers.
     Result<std::string> add(
-        const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell = {});
-    Result<void> remove(const std::string& id);
+        const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell = {},
+        Saved saved = {});
+    Result<void> remove(const std::string& id, Saved saved = {});
     /// To a place where no other widget stands.
-    Result<void> move(const std::string& id, const std::optional<std::string>& monitor, Cell cell);
-    Result<void> move(const std::string& id, Slot slot);
+    Result<void> move(
+        const std::string& id, const std::optional<std::string>& monitor, Cell cell, Saved saved = {});
+    Result<void> move(const std::string& id, Slot slot, Saved saved = {});
     /// Moves it too when it would cover others where it stands.
-    Result<void> setFamily(const std::string& id, widgetkit::WidgetFamily family);
+    Result<void> setFamily(const std::string& id, widgetkit::WidgetFamily family, Saved saved = {});
     /// Asks for a new timeline of one widget, of all of a kind, or of all.
     Result<void> reload(const std::string& id);
     Result<void> reloadKind(const std::string& kind);
@@ -78,8 +87,8 @@ class WidgetHost {
     void tick();
     void offersChanged();
     void adopt(DesktopLayout layout);
-    Result<void> change(Result<DesktopLayout> changed);
-    void save();
+    Result<void> change(Result<DesktopLayout> changed, Saved saved = {});
+    void save(Saved saved = {});
     void tellArrangement();
 
     HostSeams seams_;
@@ -87,6 +96,7 @@ class WidgetHost {
     ExtensionClient client_;
     DesktopLayoutStore layouts_;
     DesktopLayout layout_;
+    std::size_t saves_ = 0;  // under way
     Monitors monitors_;
     Timelines timelines_;
     Offers offers_;

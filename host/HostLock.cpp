@@ -1,0 +1,19 @@
+#include "host/HostLock.hpp"
+
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <system_error>
+
+namespace zelto::host {
+
+HostLock::HostLock(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    file_ = FileDescriptor(
+        open((folder / "desktop.lock").c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (file_) isHeld_ = flock(file_.get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+}  // namespace zelto::host

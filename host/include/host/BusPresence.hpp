@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "host/Backoff.hpp"
+#include "host/DesktopInterface.hpp"
+#include "host/MainLoop.hpp"
+
+namespace zelto::host {
+
+/// The host's service on its message bus: offered again whenever the bus has gone away and come back. For the
+/// thread of the main loop.
+class BusPresence {
+  public:
+    BusPresence(bus::Address address, DesktopActions actions, std::function<void(const std::string&)> log);
+
+    /// Offers the service; the reason when that fails. Nothing is tried again then.
+    bus::Result<void> join();
+    /// Tries until it succeeds.
+    void rejoin();
+    void leave();
+
+    /// Seconds between two attempts.
+    static constexpr double firstPause = 0.5, longestPause = 60;
+
+  private:
+    void tryAgain();
+
+    bus::Address address_;
+    DesktopActions actions_;
+    std::function<void(const std::string&)> log_;
+    std::optional<bus::Listener> listener_;
+    Backoff backoff_{firstPause, longestPause};
+    MainSource retry_;
+    std::string why_;  // the last attempt failed
+};
+
+}  // namespace zelto::host
