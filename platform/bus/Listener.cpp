@@ -3,6 +3,9 @@
 #include <algorithm>
 #include <atomic>
 #include <future>
+#include <map>
+#include <mutex>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -12,6 +15,8 @@ namespace zelto::bus {
 namespace {
 
 constexpr std::chrono::milliseconds busDeadline{5000};
+/// Calls that wait for their answers.
+constexpr std::size_t mostInFlight = 64;
 
 Variant askBus(GDBusConnection* connection, const char* method, GVariant* arguments, ErrorSlot& error) {
     return Variant(g_dbus_connection_call_sync(
@@ -40,7 +45,11 @@ std::optional<uid_t> userOf(GDBusConnection* connection, const char* caller) {
 /// A call that waits for its answer. Whoever comes first answers it: the handler, or the deadline.
 class Call {
   public:
-    explicit Call(GDBusMethodInvocation* invocation) : invocation_(invocation) {}
+    /// `inFlight` counts the calls that wait.
+    Call(GDBusMethodInvocation* invocation, std::shared_ptr<std::atomic<std::size_t>> inFlight)
+        : invocation_(invocation), inFlight_(std::move(inFlight)) {
+        ++*inFlight_;
+    }
 
     void startTimer(std::chrono::milliseconds deadline, GMainContext* context, std::weak_ptr<Call> self) {
         timer_.reset(g_timeout_source_new(static_cast<guint>(deadline.count())));
@@ -59,6 +68,7 @@ class Call {
     void answer(const Result<Values>& result) {
         if (isAnswered_.exchange(true)) return;
         if (timer_) g_source_destroy(timer_.get());
+        --*inFlight_;
         const auto checked = result ? check(*result) : Result<void>(result.fault());
         // Both take over the library's reference to the call.
         if (checked)
@@ -70,11 +80,60 @@ class Call {
 
   private:
     GDBusMethodInvocation* invocation_;
+    const std::shared_ptr<std::atomic<std::size_t>> inFlight_;
     std::atomic<bool> isAnswered_ = false;
     Source timer_ = {};
 };
 
 }  // namespace
+
+/// Who calls, by their connections' names, which no bus gives twice.
+class Callers {
+  public:
+    /// May be called on any thread, before a call is queued: whether it is to be.
+    bool admit(const std::string& name) {
+        const std::lock_guard lock(mutex_);
+        if (callers_.size() >= mostCallers && !callers_.contains(name)) forget();
+        Caller& caller = callers_[name];
+        if (caller.refusals >= mostRefusals || caller.waiting >= mostWaiting) return false;
+        ++caller.waiting;
+        return true;
+    }
+    /// A call has left the queue.
+    void taken(const std::string& name) {
+        const std::lock_guard lock(mutex_);
+        if (const auto caller = callers_.find(name); caller != callers_.end() && caller->second.waiting > 0)
+            --caller->second.waiting;
+    }
+    void refused(const std::string& name) {
+        const std::lock_guard lock(mutex_);
+        ++callers_[name].refusals;
+    }
+    std::optional<uid_t> user(const std::string& name) const {
+        const std::lock_guard lock(mutex_);
+        const auto caller = callers_.find(name);
+        return caller == callers_.end() ? std::nullopt : caller->second.user;
+    }
+    void setUser(const std::string& name, uid_t user) {
+        const std::lock_guard lock(mutex_);
+        callers_[name].user = user;
+    }
+
+  private:
+    /// Whoever was refused so often gets no answer any more; nobody needs so many answers at once.
+    static constexpr std::size_t mostRefusals = 8, mostWaiting = 64, mostCallers = 512;
+    struct Caller {
+        std::optional<uid_t> user = {};
+        std::size_t refusals = 0, waiting = 0;
+    };
+    void forget() {
+        std::erase_if(callers_, [](const auto& each) { return each.second.refusals < mostRefusals; });
+        if (callers_.size() >= mostCallers) callers_.clear();
+    }
+
+    mutable std::mutex mutex_;
+    std::map<std::string, Caller> callers_;
+};
 
 struct Listener::State {
     explicit State(ListenerOptions wanted) : options(std::move(wanted)) {}
@@ -105,6 +164,7 @@ struct Listener::State {
         if (runs) g_main_loop_run(loop.get());
         if (connection) {
             g_signal_handlers_disconnect_by_data(connection.get(), this);
+            if (filter != 0) g_dbus_connection_remove_filter(connection.get(), filter);
             if (registration != 0) g_dbus_connection_unregister_object(connection.get(), registration);
             g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
         }
@@ -116,6 +176,11 @@ struct Listener::State {
         if (!connected) return std::move(connected).fault();
         connection = *std::move(connected);
         g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), this);
+        // The library may be in the middle of a message when the filter is taken away.
+        filter = g_dbus_connection_add_filter(
+            connection.get(), &onMessage, new std::shared_ptr<Callers>(callers), [](gpointer kept) {
+                delete static_cast<std::shared_ptr<Callers>*>(kept);
+            });
 
         ErrorSlot error;
         description.reset(g_dbus_node_info_new_for_xml(options.interface.introspection().c_str(), &error));
@@ -149,6 +214,18 @@ struct Listener::State {
         if (const auto& lost = static_cast<State*>(self)->options.lost) lost();
     }
 
+    /// On the library's own thread, before a message costs more than its reading.
+    static GDBusMessage* onMessage(
+        GDBusConnection*, GDBusMessage* message, gboolean isIncoming, gpointer callers) noexcept {
+        if (isIncoming == FALSE ||
+            g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL)
+            return message;
+        const char* sender = g_dbus_message_get_sender(message);
+        if (!sender || (*static_cast<std::shared_ptr<Callers>*>(callers))->admit(sender)) return message;
+        g_object_unref(message);
+        return nullptr;
+    }
+
     static void onCall(
         GDBusConnection*, const gchar* caller, const gchar*, const gchar*, const gchar* name,
         GVariant* arguments, GDBusMethodInvocation* invocation, gpointer self) noexcept {
@@ -159,11 +236,21 @@ struct Listener::State {
         const char* caller, const std::string& name, GVariant* arguments, GDBusMethodInvocation* invocation) {
         // The library has made sure that the method exists and that the arguments have its types.
         const auto method = std::ranges::find(options.interface.methods, name, &Method::name);
-        const auto call = std::make_shared<Call>(invocation);
-        const auto user = userOf(connection.get(), caller);
+        const auto call = std::make_shared<Call>(invocation, inFlight);
+        callers->taken(caller);
+        auto user = callers->user(caller);
+        if (!user) {
+            user = userOf(connection.get(), caller);
+            if (user) callers->setUser(caller, *user);
+        }
         if (!user || std::ranges::find(options.trusted, *user) == options.trusted.end()) {
+            callers->refused(caller);
             call->answer(
                 Error{ErrorKind::accessDenied, "this user may not call " + options.interface.service});
+            return;
+        }
+        if (*inFlight > mostInFlight) {
+            call->answer(Error{ErrorKind::refused, "too many calls wait for their answers"});
             return;
         }
         auto values = unpack(arguments);
@@ -193,7 +280,9 @@ struct Listener::State {
     MainLoop loop{g_main_loop_new(context.get(), FALSE)};
     BusConnection connection = {};
     NodeInfo description = {};
-    guint registration = 0;
+    guint registration = 0, filter = 0;
+    const std::shared_ptr<Callers> callers = std::make_shared<Callers>();
+    const std::shared_ptr<std::atomic<std::size_t>> inFlight = std::make_shared<std::atomic<std::size_t>>(0);
     std::thread thread = {};
 };
 

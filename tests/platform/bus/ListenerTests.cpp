@@ -205,6 +205,20 @@ TEST_F(BusService, TurnsUntrustedUsersAwayBeforeAnythingRuns) {
     EXPECT_EQ(calls, 0);
 }
 
+TEST_F(BusService, AnswersNobodyAnyMoreWhoWasRefusedOften) {
+    const auto listener = listen(options({getuid() + 1}));
+    auto stranger = connection();
+    for (int i = 0; i < 8; ++i)
+        EXPECT_EQ(
+            kindOf(stranger.call<std::int64_t>("negate", 5s, std::int64_t{1})), ErrorKind::accessDenied);
+    EXPECT_EQ(
+        kindOf(stranger.call<std::int64_t>("negate", 20ms, std::int64_t{1})), ErrorKind::deadlinePassed);
+    // Of the same user, but not the same connection.
+    EXPECT_EQ(
+        kindOf(connection().call<std::int64_t>("negate", 5s, std::int64_t{1})), ErrorKind::accessDenied);
+    EXPECT_EQ(calls, 0);
+}
+
 TEST_F(BusService, TellsAnAbsentPeerFromAnAbsentBus) {
     EXPECT_EQ(kindOf(connection().call<void>("drop", 5s)), ErrorKind::peerAbsent);
     for (const char* address : {"unix:path=/no/such/bus", "nonsense"})
