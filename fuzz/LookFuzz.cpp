@@ -124,7 +124,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         .live = [] { return placeholderLiveData(); },
         .snapshot = [] { return snapshot; }};
     static const auto widgets = ZeltoWidgetBundle{sources}.body();
-    static const Service service(widgets, {.environment = {"pt_BR", "America/Sao_Paulo"}, .now = [] { return now; }});
+    static const Service service(
+        widgets, {.environment = {"pt_BR", "America/Sao_Paulo"}, .now = [] { return now; }});
 
     Filler filler(data, size);
     const auto& widget = widgets[filler.byte() % widgets.size()].info();

@@ -52,16 +52,17 @@ std::shared_ptr<char> mappedPage(const std::filesystem::path& path) {
 
 }  // namespace
 
-EntryStore::EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {
+std::optional<std::string> EntryStore::dropUnfinished() {
     makeFolder();
     mark_ = mappedPage(folder_ / markName);
-    if (!mark_ || *mark_ == '\0') return;
+    if (!mark_ || *mark_ == '\0') return std::nullopt;
     const std::string name(mark_.get(), strnlen(mark_.get(), markSize));
     *mark_ = '\0';
     std::error_code error;
     // Whatever the page says, nothing beyond the folder is meant.
     if (std::filesystem::path(name).filename() == name && std::filesystem::remove(folder_ / name, error))
-        dropped_ = name;
+        return name;
+    return std::nullopt;
 }
 
 void EntryStore::makeFolder() const {

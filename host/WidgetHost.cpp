@@ -37,7 +37,7 @@ WidgetHost::WidgetHost(
       previews_(client_, seams_.log) {}
 
 void WidgetHost::start() {
-    if (const auto& dropped = timelines_.dropped())
+    if (const auto dropped = timelines_.dropUnfinished())
         seams_.log(
             "the last run ended while it drew " + *dropped +
             ", which is not shown any more until there is a new one");

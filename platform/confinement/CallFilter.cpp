@@ -85,31 +85,34 @@ int add(scmp_filter_ctx filter, int call, std::initializer_list<scmp_arg_cmp> co
         filter, SCMP_ACT_ALLOW, call, static_cast<unsigned>(conditions.size()), conditions.begin());
 }
 
+/// An argument that is an int: the kernel does not look at the rest of its register either.
+scmp_arg_cmp integer(unsigned argument, int value) {
+    return {argument, SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, static_cast<scmp_datum_t>(value)};
+}
+
 void allow(scmp_filter_ctx filter, const AllowedCall& allowed) {
     const int call = seccomp_syscall_resolve_name(allowed.name);
     if (call < 0) return;  // this machine's kernel does without it
     switch (allowed.terms) {
         case Terms::always: add(filter, call, {}); break;
         case Terms::readOnly:
-            add(filter, call, {SCMP_CMP64(2, SCMP_CMP_MASKED_EQ, O_ACCMODE | O_CREAT | O_TRUNC, O_RDONLY)});
+            add(filter, call, {scmp_arg_cmp{2, SCMP_CMP_MASKED_EQ, O_ACCMODE | O_CREAT | O_TRUNC, O_RDONLY}});
             break;
         case Terms::flagsOnly:
             for (const int command : {F_GETFL, F_SETFL, F_GETFD, F_SETFD})
-                add(filter, call, {SCMP_CMP32(1, SCMP_CMP_EQ, static_cast<unsigned>(command))});
+                add(filter, call, {integer(1, command)});
             break;
         case Terms::threadsOnly:
-            add(filter, call, {SCMP_CMP64(0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD)});
+            add(filter, call, {scmp_arg_cmp{0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD}});
             // The flags of its successor are in memory, where no filter sees them: the C library is told that
             // there is none and takes this one.
             seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
             break;
-        case Terms::askingOnly: add(filter, call, {SCMP_CMP64(2, SCMP_CMP_EQ, 0)}); break;
-        case Terms::connected: add(filter, call, {SCMP_CMP64(4, SCMP_CMP_EQ, 0)}); break;
-        case Terms::deadlyOnly: add(filter, call, {SCMP_CMP64(1, SCMP_CMP_EQ, SIGKILL)}); break;
-        case Terms::ownProcess:
-            add(filter, call, {SCMP_CMP64(0, SCMP_CMP_EQ, static_cast<scmp_datum_t>(getpid()))});
-            break;
-        case Terms::dataOnly: add(filter, call, {SCMP_CMP64(2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)}); break;
+        case Terms::askingOnly: add(filter, call, {scmp_arg_cmp{2, SCMP_CMP_EQ, 0, 0}}); break;
+        case Terms::connected: add(filter, call, {scmp_arg_cmp{4, SCMP_CMP_EQ, 0, 0}}); break;
+        case Terms::deadlyOnly: add(filter, call, {integer(1, SIGKILL)}); break;
+        case Terms::ownProcess: add(filter, call, {integer(0, getpid())}); break;
+        case Terms::dataOnly: add(filter, call, {scmp_arg_cmp{2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0}}); break;
     }
 }
 

@@ -1,10 +1,11 @@
 #include <csetjmp>
-#include <memory>
+#include <cstdlib>
 
 #include <png.h>
 
 #include "Formats.hpp"
 #include "Shrinker.hpp"
+#include "foundation/Handle.hpp"
 
 namespace zelto::imaging {
 namespace {
@@ -89,9 +90,9 @@ std::optional<Square> decodePNG(std::FILE* file, int side) {
         isSound = readRows(reader, row.data(), height, shrinker);
     } else {
         // Without a touch, so that a header alone takes no memory.
-        const std::unique_ptr<std::uint8_t[]> pixels(
-            new std::uint8_t[stride * static_cast<std::size_t>(height)]);
-        isSound = readInterlaced(reader, pixels.get(), stride, height, shrinker);
+        const Handle<void, std::free> pixels(std::malloc(stride * static_cast<std::size_t>(height)));
+        if (!pixels) return std::nullopt;
+        isSound = readInterlaced(reader, static_cast<std::uint8_t*>(pixels.get()), stride, height, shrinker);
     }
     auto image = isSound ? shrinker.finish() : std::nullopt;
     if (!image) return std::nullopt;

@@ -10,12 +10,15 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
+#include "drawing/PNG.hpp"
 #include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
+#include "shared/WidgetSnapshot.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Paths.hpp"
+#include "ui/Outline.hpp"
 
 namespace zelto::test {
 namespace {
@@ -32,10 +35,11 @@ struct Deaths : testing::Test {
     void moment(int atMost) { poll(nullptr, 0, std::uniform_int_distribution<int>(0, atMost)(random)); }
 
     /// The extensions that the host runs now: the one that it keeps and those that it asks apart.
-    std::vector<pid_t> extensions() {
+    std::vector<pid_t> extensions() { return childrenOf(desktop.process().pid()); }
+    static std::vector<pid_t> childrenOf(pid_t parent) {
         std::vector<pid_t> pids;
         std::error_code gone;
-        const auto threads = "/proc/" + std::to_string(desktop.process().pid()) + "/task";
+        const auto threads = "/proc/" + std::to_string(parent) + "/task";
         for (const auto& thread : std::filesystem::directory_iterator(threads, gone)) {
             std::istringstream children(readFile(thread.path() / "children").value_or(""));
             for (pid_t pid = 0; children >> pid;) pids.push_back(pid);
@@ -108,6 +112,53 @@ TEST_F(Deaths, OfTheHostTwoHundredTimesLoseNothingThatWasKept) {
     }
     desktop.start({"--extension", "/bin/false"});
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+}
+
+TEST_F(Deaths, OfThePictureProcessTwoHundredTimesCostPicturesAndNothingElse) {
+    auto snapshot = shared::WidgetSnapshot::sample();
+    const auto image = desktop.folder() / "image.png";
+    snapshot.clips[0].imagePath = image;
+    snapshot.save(HomeLookup::fixed(desktop.folder()));
+    const drawing::Picture picture{
+        1500, 1500, std::vector<std::uint32_t>(std::size_t{1500} * 1500, 0xFF336699)};
+    const std::string png = *drawing::encodePNG(picture);
+    ASSERT_TRUE(writeFileAtomically(image, png));
+    const auto clipboard = widget("ZeltoClipboard", widgetkit::WidgetFamily::systemMedium, 0, 0);
+    desktop.place({clipboard});
+    desktop.start({"--restart-pause", "0.001"});
+    const auto hasPicture = [&] {
+        const auto shown = desktop.entry(clipboard);
+        return shown && ui::outline(shown->view).find("Image width=66") != std::string::npos;
+    };
+    ASSERT_TRUE(eventually(hasPicture)) << desktop.log();
+
+    for (int deaths = 0, rounds = 0; deaths < 200; ++rounds) {
+        ASSERT_LT(rounds, 20'000) << desktop.log();
+        // Another file each time, or it would not be decoded again.
+        ASSERT_TRUE(writeFileAtomically(image, png, {.durability = Durability::processDeath}));
+        ASSERT_TRUE(desktop.call("reload", {""}));
+        moment(600);
+        std::vector<pid_t> openers;
+        for (const pid_t extension : extensions())
+            for (const pid_t child : childrenOf(extension)) openers.push_back(child);
+        if (openers.empty()) continue;
+        // The opener or one of its decoders.
+        std::vector<pid_t> all = openers;
+        for (const pid_t opener : openers)
+            for (const pid_t decoder : childrenOf(opener)) all.push_back(decoder);
+        const pid_t pid = all[std::uniform_int_distribution<std::size_t>(0, all.size() - 1)(random)];
+        if (kill(pid, SIGKILL) != 0) continue;
+        ++deaths;
+        ASSERT_TRUE(desktop.entry(clipboard)) << desktop.log();
+        // There are pictures again from the extension's next start on.
+        if (deaths % 10 == 0)
+            for (const pid_t extension : extensions()) kill(extension, SIGKILL);
+    }
+    for (const pid_t extension : extensions()) kill(extension, SIGKILL);
+    ASSERT_TRUE(writeFileAtomically(image, png));
+    ASSERT_TRUE(desktop.call("reload", {""}));
+    EXPECT_TRUE(eventually(hasPicture)) << desktop.log();
+    EXPECT_TRUE(desktop.stop());
 }
 
 }  // namespace

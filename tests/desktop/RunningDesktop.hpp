@@ -54,6 +54,8 @@ class RunningDesktop {
 
     /// The next link that the registered program got.
     std::optional<std::string> openedLink() { return opened_.line(); }
+    /// The message bus ends, and another one takes its place.
+    void restartBus() { bus_.restart(); }
     /// Nothing opens links any more.
     void forgetHandler() const;
 

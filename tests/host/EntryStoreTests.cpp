@@ -116,35 +116,43 @@ void inChild(const std::function<void()>& function) {
 TEST_F(Entries, AreDroppedWhenDrawingThemWasTheEnd) {
     EXPECT_TRUE(store.save(battery, line));
     EXPECT_TRUE(store.save(clock_, line));
-    inChild([this] { store.whileDrawing(battery, [] { _exit(0); }); });
-    const EntryStore next(folder.path() / "cache/zelto");
-    EXPECT_EQ(next.dropped(), "b.ZeltoBattery.systemSmall.json");
+    inChild([this] {
+        store.dropUnfinished();
+        store.whileDrawing(battery, [] { _exit(0); });
+    });
+    EntryStore next(folder.path() / "cache/zelto");
+    EXPECT_EQ(next.load(battery), timeline);
+    EXPECT_EQ(next.dropUnfinished(), "b.ZeltoBattery.systemSmall.json");
     EXPECT_EQ(next.load(battery), std::nullopt);
     EXPECT_EQ(next.load(clock_), timeline);
-    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt);
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), std::nullopt);
 }
 
 TEST_F(Entries, StayWhenTheyWereDrawn) {
     EXPECT_TRUE(store.save(battery, line));
     inChild([this] {
+        store.dropUnfinished();
         store.whileDrawing(battery, [] {});
         _exit(0);
     });
-    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt);
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), std::nullopt);
     EXPECT_EQ(store.load(battery), timeline);
     store.keepOnly({battery});
-    inChild([this] { store.whileDrawing(battery, [] { _exit(0); }); });
-    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), "b.ZeltoBattery.systemSmall.json");
+    inChild([this] {
+        store.dropUnfinished();
+        store.whileDrawing(battery, [] { _exit(0); });
+    });
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), "b.ZeltoBattery.systemSmall.json");
 }
 
 TEST_F(Entries, AMarkOfSomethingElseDropsNothing) {
     folder.write("cache/victim", "");
     for (const std::string mark : {"../victim", "..", ".", "/etc/hostname", "nothing"}) {
         folder.write("cache/zelto/drawing", mark + std::string(4096 - mark.size(), '\0'));
-        EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt) << mark;
+        EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), std::nullopt) << mark;
     }
     folder.write("cache/zelto/drawing", std::string(4096, 'x'));
-    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropped(), std::nullopt);
+    EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), std::nullopt);
     EXPECT_TRUE(std::filesystem::exists(folder.path() / "cache/victim"));
 }
 

@@ -17,15 +17,8 @@ class PrivateBus {
         const std::string& rules =
             R"(<policy context="default"><allow user="*"/><allow own="*"/>)"
             R"(<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/></policy>)")
-        : daemon_(
-              {"dbus-daemon",
-               "--nofork",
-               "--print-address=1",
-               "--config-file=" + folder_.write("bus.conf", configuration(rules)).string()},
-              {"PATH=/usr/bin:/bin"}, folder_.path() / "bus.log") {
-        const auto line = daemon_.line();
-        if (!line) throw std::runtime_error("the message bus did not start");
-        address_ = line->substr(0, line->find(",guid="));
+        : configuration_(folder_.write("bus.conf", configuration(rules))), daemon_(start()) {
+        waitUntilThere();
     }
 
     const std::string& address() const { return address_; }
@@ -35,7 +28,26 @@ class PrivateBus {
         daemon_.wait();
     }
 
+    /// Another one in its place.
+    void restart() {
+        end();
+        std::filesystem::remove(folder_.path() / "bus");
+        daemon_ = start();
+        waitUntilThere();
+    }
+
   private:
+    Child start() const {
+        return Child(
+            {"dbus-daemon", "--nofork", "--print-address=1", "--config-file=" + configuration_.string()},
+            {"PATH=/usr/bin:/bin"},
+            folder_.path() / "bus.log");
+    }
+    void waitUntilThere() {
+        const auto line = daemon_.line();
+        if (!line) throw std::runtime_error("the message bus did not start");
+        address_ = line->substr(0, line->find(",guid="));
+    }
     std::string configuration(const std::string& rules) const {
         return "<!DOCTYPE busconfig PUBLIC \"-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN\" "
                "\"http://www.freedesktop.org/standards/dbus/1.0/"
@@ -44,6 +56,7 @@ class PrivateBus {
     }
 
     TemporaryFolder folder_;
+    std::filesystem::path configuration_;
     Child daemon_;
     std::string address_;
 };

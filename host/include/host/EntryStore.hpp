@@ -19,11 +19,12 @@ namespace zelto::host {
 /// faults are an absent timeline.
 class EntryStore {
   public:
-    /// Nothing else may be kept in the folder. What was being drawn when the process before this one died is
-    /// dropped.
-    explicit EntryStore(std::filesystem::path folder);
-    /// The file that was.
-    const std::optional<std::string>& dropped() const { return dropped_; }
+    /// Nothing else may be kept in the folder.
+    explicit EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
+
+    /// For the one process that draws from here: drops what was being drawn when the one before it died, and
+    /// returns its file's name.
+    std::optional<std::string> dropUnfinished();
     /// Marks a widget's timeline as being drawn while a function runs, where even a death leaves the mark: in
     /// a page of memory that belongs to a file. Costs no system call.
     void whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const;
@@ -40,8 +41,7 @@ class EntryStore {
     std::filesystem::path fileOf(const PlacedWidget& widget) const;
 
     std::filesystem::path folder_;
-    std::shared_ptr<char> mark_;  // a page; null where there is no room for it
-    std::optional<std::string> dropped_;
+    std::shared_ptr<char> mark_;  // a page; null for others, and where there is no room for it
 };
 
 }  // namespace zelto::host

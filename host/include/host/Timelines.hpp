@@ -26,8 +26,8 @@ class Timelines {
 
     /// Asks for what is due; the ids of widgets that show something else from now on.
     std::vector<std::string> tick(Date now);
-    /// The stored timeline of which the last run died, if it did.
-    const std::optional<std::string>& dropped() const { return store_.dropped(); }
+    /// Drops the stored timeline of which the last run died, if it did, and returns what it was.
+    std::optional<std::string> dropUnfinished() { return store_.dropUnfinished(); }
     /// Shows a widget, so that a death of it is known at the next start.
     void whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
         store_.whileDrawing(widget, draw);

@@ -1,0 +1,29 @@
+// Any bytes as an image file, and as the packets of the picture process.
+
+#include <cstdint>
+#include <cstdlib>
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "foundation/FileDescriptor.hpp"
+#include "imaging/Thumbnail.hpp"
+#include "platform/pictures/PictureMessages.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    using namespace zelto;
+    const std::string_view bytes(reinterpret_cast<const char*>(data), size);
+    if (const auto request = pictures::decodeRequest(bytes); request && pictures::encode(*request) != bytes)
+        std::abort();
+    if (const auto reply = pictures::decodePictureReply(bytes); reply && pictures::encode(*reply) != bytes)
+        std::abort();
+
+    const FileDescriptor file(memfd_create("picture", MFD_CLOEXEC));
+    if (write(file.get(), data, size) != static_cast<ssize_t>(size)) std::abort();
+    lseek(file.get(), 0, SEEK_SET);
+    const auto image = imaging::decode(file.get(), 66);
+    if (image && (image->width < 1 || image->width > 66 || image->height != image->width ||
+                  image->pixels.bytes.size() != static_cast<std::size_t>(image->width * image->width * 4)))
+        std::abort();
+    return 0;
+}
