@@ -4,6 +4,9 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <linux/audit.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
 #include <sched.h>
 #include <seccomp.h>
 
@@ -12,109 +15,164 @@
 #include <sys/prctl.h>
 #include <unistd.h>
 
-#include "foundation/Handle.hpp"
-
 namespace zelto::confinement {
 namespace {
 
 using Terms = AllowedCall::Terms;
-using Filter = Handle<std::remove_pointer_t<scmp_filter_ctx>, seccomp_release>;
 
 constexpr std::array basic{
-    AllowedCall{"read"},
-    AllowedCall{"write"},
-    AllowedCall{"close"},
-    AllowedCall{"dup"},
-    AllowedCall{"fstat"},
-    AllowedCall{"newfstatat"},
-    AllowedCall{"lseek"},
-    AllowedCall{"pread64"},
-    AllowedCall{"poll"},
-    AllowedCall{"ppoll"},
-    AllowedCall{"fcntl", Terms::flagsOnly},
-    AllowedCall{"mmap", Terms::dataOnly},
-    AllowedCall{"mprotect", Terms::dataOnly},
-    AllowedCall{"munmap"},
-    AllowedCall{"mremap"},
-    AllowedCall{"madvise"},
-    AllowedCall{"brk"},
-    AllowedCall{"futex"},
-    AllowedCall{"clock_gettime"},
-    AllowedCall{"gettimeofday"},
-    AllowedCall{"getrandom"},
-    AllowedCall{"getpid"},
-    AllowedCall{"gettid"},
-    AllowedCall{"tgkill", Terms::ownProcess},
-    AllowedCall{"rt_sigprocmask"},
-    AllowedCall{"rt_sigaction"},
-    AllowedCall{"rt_sigreturn"},
-    AllowedCall{"restart_syscall"},
-    AllowedCall{"exit"},
-    AllowedCall{"exit_group"},
+    AllowedCall{ZELTO_CALL(read)},
+    AllowedCall{ZELTO_CALL(write)},
+    AllowedCall{ZELTO_CALL(close)},
+    AllowedCall{ZELTO_CALL(dup)},
+    AllowedCall{ZELTO_CALL(fstat)},
+    AllowedCall{ZELTO_CALL(newfstatat)},
+    AllowedCall{ZELTO_CALL(lseek)},
+    AllowedCall{ZELTO_CALL(pread64)},
+    AllowedCall{ZELTO_CALL(poll)},
+    AllowedCall{ZELTO_CALL(ppoll)},
+    AllowedCall{ZELTO_CALL(fcntl), Terms::flagsOnly},
+    AllowedCall{ZELTO_CALL(mmap), Terms::dataOnly},
+    AllowedCall{ZELTO_CALL(mprotect), Terms::dataOnly},
+    AllowedCall{ZELTO_CALL(munmap)},
+    AllowedCall{ZELTO_CALL(mremap)},
+    AllowedCall{ZELTO_CALL(madvise)},
+    AllowedCall{ZELTO_CALL(brk)},
+    AllowedCall{ZELTO_CALL(futex)},
+    AllowedCall{ZELTO_CALL(clock_gettime)},
+    AllowedCall{ZELTO_CALL(gettimeofday)},
+    AllowedCall{ZELTO_CALL(getrandom)},
+    AllowedCall{ZELTO_CALL(getpid)},
+    AllowedCall{ZELTO_CALL(gettid)},
+    AllowedCall{ZELTO_CALL(tgkill), Terms::ownProcess},
+    AllowedCall{ZELTO_CALL(rt_sigprocmask)},
+    AllowedCall{ZELTO_CALL(rt_sigaction)},
+    AllowedCall{ZELTO_CALL(rt_sigreturn)},
+    AllowedCall{ZELTO_CALL(restart_syscall)},
+    AllowedCall{ZELTO_CALL(exit)},
+    AllowedCall{ZELTO_CALL(exit_group)},
 };
 
 constexpr std::array fatal{
-    "execve",
-    "execveat",
-    "ptrace",
-    "socket",
-    "connect",
-    "bind",
-    "listen",
-    "accept4",
-    "socketpair",
-    "kill",
-    "tkill",
-    "process_vm_readv",
-    "mount",
-    "process_vm_writev",
-    "bpf",
-    "keyctl",
-    "unshare",
-    "io_uring_setup",
-    "setns",
-    "userfaultfd",
-    "perf_event_open",
-    "init_module",
-    "finit_module",
-    "pidfd_send_signal",
+    AllowedCall{ZELTO_CALL(execve)},
+    AllowedCall{ZELTO_CALL(execveat)},
+    AllowedCall{ZELTO_CALL(ptrace)},
+    AllowedCall{ZELTO_CALL(socket)},
+    AllowedCall{ZELTO_CALL(connect)},
+    AllowedCall{ZELTO_CALL(bind)},
+    AllowedCall{ZELTO_CALL(listen)},
+    AllowedCall{ZELTO_CALL(accept4)},
+    AllowedCall{ZELTO_CALL(socketpair)},
+    AllowedCall{ZELTO_CALL(kill)},
+    AllowedCall{ZELTO_CALL(tkill)},
+    AllowedCall{ZELTO_CALL(process_vm_readv)},
+    AllowedCall{ZELTO_CALL(mount)},
+    AllowedCall{ZELTO_CALL(process_vm_writev)},
+    AllowedCall{ZELTO_CALL(bpf)},
+    AllowedCall{ZELTO_CALL(keyctl)},
+    AllowedCall{ZELTO_CALL(unshare)},
+    AllowedCall{ZELTO_CALL(io_uring_setup)},
+    AllowedCall{ZELTO_CALL(setns)},
+    AllowedCall{ZELTO_CALL(userfaultfd)},
+    AllowedCall{ZELTO_CALL(perf_event_open)},
+    AllowedCall{ZELTO_CALL(init_module)},
+    AllowedCall{ZELTO_CALL(finit_module)},
+    AllowedCall{ZELTO_CALL(pidfd_send_signal)},
 };
 
-int add(scmp_filter_ctx filter, int call, std::initializer_list<scmp_arg_cmp> conditions) {
-    return seccomp_rule_add_array(
-        filter, SCMP_ACT_ALLOW, call, static_cast<unsigned>(conditions.size()), conditions.begin());
-}
+#if defined(__x86_64__)
+constexpr std::uint32_t architecture = AUDIT_ARCH_X86_64;
+#elif defined(__aarch64__)
+constexpr std::uint32_t architecture = AUDIT_ARCH_AARCH64;
+#endif
 
-/// An argument that is an int: the kernel does not look at the rest of its register either.
-scmp_arg_cmp integer(unsigned argument, int value) {
-    return {argument, SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, static_cast<scmp_datum_t>(value)};
-}
-
-void allow(scmp_filter_ctx filter, const AllowedCall& allowed) {
-    const int call = seccomp_syscall_resolve_name(allowed.name);
-    if (call < 0) return;  // this machine's kernel does without it
-    switch (allowed.terms) {
-        case Terms::always: add(filter, call, {}); break;
-        case Terms::readOnly:
-            add(filter, call, {scmp_arg_cmp{2, SCMP_CMP_MASKED_EQ, O_ACCMODE | O_CREAT | O_TRUNC, O_RDONLY}});
-            break;
-        case Terms::flagsOnly:
-            for (const int command : {F_GETFL, F_SETFL, F_GETFD, F_SETFD})
-                add(filter, call, {integer(1, command)});
-            break;
-        case Terms::threadsOnly:
-            add(filter, call, {scmp_arg_cmp{0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, CLONE_THREAD}});
-            // The flags of its successor are in memory, where no filter sees them: the C library is told that
-            // there is none and takes this one.
-            seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0);
-            break;
-        case Terms::askingOnly: add(filter, call, {scmp_arg_cmp{2, SCMP_CMP_EQ, 0, 0}}); break;
-        case Terms::connected: add(filter, call, {scmp_arg_cmp{4, SCMP_CMP_EQ, 0, 0}}); break;
-        case Terms::deadlyOnly: add(filter, call, {integer(1, SIGKILL)}); break;
-        case Terms::ownProcess: add(filter, call, {integer(0, getpid())}); break;
-        case Terms::dataOnly: add(filter, call, {scmp_arg_cmp{2, SCMP_CMP_MASKED_EQ, PROT_EXEC, 0}}); break;
+/// The filter as the kernel runs it before each call: what has been decided returns, everything else goes on
+/// to the next rule. A library that makes such programs takes a tenth of the extension's start for it.
+class Program {
+  public:
+    Program() {
+        load(offsetof(seccomp_data, arch));
+        require(architecture, SECCOMP_RET_KILL_PROCESS);
+        load(offsetof(seccomp_data, nr));
     }
-}
+
+    void add(const AllowedCall& call) {
+        if (call.number < 0) return;
+        const auto number = static_cast<std::uint32_t>(call.number);
+        switch (call.terms) {
+            case Terms::always: decide(number, SECCOMP_RET_ALLOW); break;
+            case Terms::readOnly: allowMasked(number, 2, O_ACCMODE | O_CREAT | O_TRUNC, {O_RDONLY}); break;
+            case Terms::flagsOnly: allowMasked(number, 1, ~0U, {F_GETFL, F_SETFL, F_GETFD, F_SETFD}); break;
+            case Terms::threadsOnly:
+                allowMasked(number, 0, CLONE_THREAD, {CLONE_THREAD});
+                // The flags of its successor are in memory, where no filter sees them: the C library is told
+                // that there is none and takes this one.
+                decide(SYS_clone3, SECCOMP_RET_ERRNO | ENOSYS);
+                break;
+            case Terms::askingOnly: allowNull(number, 2); break;
+            case Terms::connected: allowNull(number, 4); break;
+            case Terms::deadlyOnly: allowMasked(number, 1, ~0U, {SIGKILL}); break;
+            case Terms::ownProcess:
+                allowMasked(number, 0, ~0U, {static_cast<std::uint32_t>(getpid())});
+                break;
+            case Terms::dataOnly: allowMasked(number, 2, PROT_EXEC, {0}); break;
+        }
+    }
+    /// What becomes of a call, whatever its arguments are.
+    void decide(std::uint32_t number, std::uint32_t action) {
+        put(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 1);
+        put(BPF_RET | BPF_K, action);
+    }
+
+    bool install() {
+        put(BPF_RET | BPF_K, refusal);
+        const sock_fprog program{static_cast<unsigned short>(steps_.size()), steps_.data()};
+        return prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) == 0;
+    }
+
+  private:
+    static constexpr std::uint32_t refusal = SECCOMP_RET_ERRNO | EPERM;
+
+    void put(int code, std::uint32_t value, std::size_t ifTrue = 0, std::size_t ifFalse = 0) {
+        steps_.push_back(
+            {static_cast<std::uint16_t>(code),
+             static_cast<std::uint8_t>(ifTrue),
+             static_cast<std::uint8_t>(ifFalse),
+             value});
+    }
+    void load(std::size_t offset) { put(BPF_LD | BPF_W | BPF_ABS, static_cast<std::uint32_t>(offset)); }
+    /// Ends in `action` unless what was loaded is `value`.
+    void require(std::uint32_t value, std::uint32_t action) {
+        put(BPF_JMP | BPF_JEQ | BPF_K, value, 1, 0);
+        put(BPF_RET | BPF_K, action);
+    }
+    /// Of an argument, which has eight bytes; the lower half is first on the machines that this knows.
+    void loadArgument(std::size_t argument, bool isUpper) {
+        load(offsetof(seccomp_data, args) + argument * 8 + (isUpper ? 4 : 0));
+    }
+
+    /// By the lower half of an argument, of which the kernel takes an int.
+    void allowMasked(
+        std::uint32_t number, std::size_t argument, std::uint32_t mask,
+        std::initializer_list<std::uint32_t> values) {
+        put(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 3 + 2 * values.size());
+        loadArgument(argument, false);
+        put(BPF_ALU | BPF_AND | BPF_K, mask);
+        for (const std::uint32_t value : values) decide(value, SECCOMP_RET_ALLOW);
+        put(BPF_RET | BPF_K, refusal);
+    }
+    /// By an argument that is a pointer to nothing.
+    void allowNull(std::uint32_t number, std::size_t argument) {
+        put(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 7);
+        loadArgument(argument, false);
+        require(0, refusal);
+        loadArgument(argument, true);
+        require(0, refusal);
+        put(BPF_RET | BPF_K, SECCOMP_RET_ALLOW);
+    }
+
+    std::vector<sock_filter> steps_;
+};
 
 }  // namespace
 
@@ -122,22 +180,18 @@ std::span<const AllowedCall> basicCalls() {
     return basic;
 }
 
-std::span<const char* const> fatalCalls() {
+std::span<const AllowedCall> fatalCalls() {
     return fatal;
 }
 
 bool restrictCalls(std::span<const AllowedCall> calls) {
-    const Filter filter(seccomp_init(SCMP_ACT_ERRNO(EPERM)));
-    if (!filter) return false;
-    // Searched by halves, not one by one: every call of the process's life goes through it.
-    seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_OPTIMIZE, 2);
-    for (const AllowedCall& call : calls) allow(filter.get(), call);
-    for (const std::string_view name : fatal) {
-        if (std::ranges::find(calls, name, &AllowedCall::name) != calls.end()) continue;
-        if (const int call = seccomp_syscall_resolve_name(name.data()); call >= 0)
-            seccomp_rule_add(filter.get(), SCMP_ACT_KILL_PROCESS, call, 0);
-    }
-    return seccomp_load(filter.get()) == 0;
+    Program program;
+    for (const AllowedCall& call : calls) program.add(call);
+    // Those that are allowed, on whatever terms, have been decided.
+    for (const AllowedCall& call : fatal)
+        if (call.number >= 0)
+            program.decide(static_cast<std::uint32_t>(call.number), SECCOMP_RET_KILL_PROCESS);
+    return program.install();
 }
 
 }  // namespace zelto::confinement

@@ -60,7 +60,7 @@ std::optional<Square> decodeSquare(int file, int side) {
         if (const Stream stream = streamOf(file)) return decodePNG(stream.get(), side);
     if (magic.starts_with("\xff\xd8\xff"sv))
         if (const Stream stream = streamOf(file)) return decodeJPEG(stream.get(), side);
-    if (magic.starts_with("RIFF"sv) && magic.substr(8) == "WEBP"sv)
+    if (magic.starts_with("RIFF"sv) && magic.size() == 12 && magic.ends_with("WEBP"sv))
         return decodeWebP(MappedFile(file).bytes(), side);
     if (magic.starts_with("GIF87a"sv) || magic.starts_with("GIF89a"sv))
         return decodeByLoader("gif", file, side);

@@ -35,22 +35,22 @@ constexpr std::size_t decoderSeconds = 3;
 constexpr std::chrono::seconds patience{10};
 
 constexpr std::array openerCalls{
-    AllowedCall{"openat", Terms::readOnly},
-    AllowedCall{"sendto", Terms::connected},
-    AllowedCall{"pipe2"},
-    AllowedCall{"clone"},
-    AllowedCall{"wait4"},
-    AllowedCall{"kill", Terms::deadlyOnly},
+    AllowedCall{ZELTO_CALL(openat), Terms::readOnly},
+    AllowedCall{ZELTO_CALL(sendto), Terms::connected},
+    AllowedCall{ZELTO_CALL(pipe2)},
+    AllowedCall{ZELTO_CALL(clone)},
+    AllowedCall{ZELTO_CALL(wait4)},
+    AllowedCall{ZELTO_CALL(kill), Terms::deadlyOnly},
     // What a decoder does before it is confined itself.
-    AllowedCall{"dup2"},
-    AllowedCall{"close_range"},
-    AllowedCall{"setsid"},
-    AllowedCall{"prctl"},
-    AllowedCall{"prlimit64"},
-    AllowedCall{"landlock_create_ruleset"},
-    AllowedCall{"landlock_add_rule"},
-    AllowedCall{"landlock_restrict_self"},
-    AllowedCall{"seccomp"},
+    AllowedCall{ZELTO_CALL(dup2)},
+    AllowedCall{ZELTO_CALL(close_range)},
+    AllowedCall{ZELTO_CALL(setsid)},
+    AllowedCall{ZELTO_CALL(prctl)},
+    AllowedCall{ZELTO_CALL(prlimit64)},
+    AllowedCall{ZELTO_CALL(landlock_create_ruleset)},
+    AllowedCall{ZELTO_CALL(landlock_add_rule)},
+    AllowedCall{ZELTO_CALL(landlock_restrict_self)},
+    AllowedCall{ZELTO_CALL(seccomp)},
 };
 
 const std::vector<AllowedCall>& allOpenerCalls() {
@@ -125,7 +125,8 @@ class Server {
         if (running_.empty()) return -1;
         const auto left = std::ranges::min_element(running_, {}, &Job::deadline)->deadline - Clock::now();
         return static_cast<int>(
-            std::max<std::int64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(left).count(), 0) + 1);
+            std::max<std::int64_t>(std::chrono::duration_cast<std::chrono::milliseconds>(left).count(), 0) +
+            1);
     }
 
     /// False when the other side is gone.

@@ -1,5 +1,5 @@
-// zelto-pictures: opens and decodes image files for a process that may do neither. It is started by the widget
-// extension with a socket as its standard input, over which paths come and pixels go.
+// zelto-pictures: opens and decodes image files for a process that may do neither. It is started by the
+// widget extension with a socket as its standard input, over which paths come and pixels go.
 
 #include <cstdio>
 #include <exception>

@@ -11,21 +11,21 @@ using Terms = AllowedCall::Terms;
 
 /// Beside the basic ones.
 constexpr std::array ownCalls{
-    AllowedCall{"openat", Terms::readOnly},
-    AllowedCall{"getdents64"},
-    AllowedCall{"readlink"},
-    AllowedCall{"access"},
-    AllowedCall{"statfs"},
-    AllowedCall{"sysinfo"},
-    AllowedCall{"sched_getaffinity"},
-    AllowedCall{"clock_nanosleep"},
+    AllowedCall{ZELTO_CALL(openat), Terms::readOnly},
+    AllowedCall{ZELTO_CALL(getdents64)},
+    AllowedCall{ZELTO_CALL(readlink)},
+    AllowedCall{ZELTO_CALL(access)},
+    AllowedCall{ZELTO_CALL(statfs)},
+    AllowedCall{ZELTO_CALL(sysinfo)},
+    AllowedCall{ZELTO_CALL(sched_getaffinity)},
+    AllowedCall{ZELTO_CALL(clock_nanosleep)},
     // Pictures are asked for over a socket that is there.
-    AllowedCall{"sendto", Terms::connected},
+    AllowedCall{ZELTO_CALL(sendto), Terms::connected},
     // Threads, and what the C library does for each.
-    AllowedCall{"clone", Terms::threadsOnly},
-    AllowedCall{"set_robust_list"},
-    AllowedCall{"rseq"},
-    AllowedCall{"prlimit64", Terms::askingOnly},
+    AllowedCall{ZELTO_CALL(clone), Terms::threadsOnly},
+    AllowedCall{ZELTO_CALL(set_robust_list)},
+    AllowedCall{ZELTO_CALL(rseq)},
+    AllowedCall{ZELTO_CALL(prlimit64), Terms::askingOnly},
 };
 
 const std::vector<AllowedCall>& allCalls() {

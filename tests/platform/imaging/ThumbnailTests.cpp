@@ -70,6 +70,7 @@ TEST(Thumbnail, IsAbsentForWhatIsNoSoundImage) {
           folder.write("short.png", sound.substr(0, sound.size() - 20)),
           folder.write("empty", ""),
           folder.write("text", "not an image"),
+          folder.write("riff", "RIFFRR="),
           folder.write("magic", "\x89PNG\r\n\x1a\n"),
           folder.write("bomb.png", bomb()),
           folder.write("picture.svg", "<svg xmlns='http://www.w3.org/2000/svg' width='9' height='9'/>"),

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <vector>
 
+#include <sys/syscall.h>
+
 namespace zelto::confinement {
 
 /// One system call that a confined process may still make, and on what terms.
@@ -24,6 +26,8 @@ struct AllowedCall {
         dataOnly,     // memory that cannot be run
     };
     const char* name;
+    /// As the kernel counts them; negative where this machine's kernel does without it.
+    long number;
     Terms terms = Terms::always;
 };
 
@@ -44,8 +48,9 @@ struct Allowance {
 /// has.
 std::span<const AllowedCall> basicCalls();
 
-/// Calls whose very attempt ends the process; all other calls that are not allowed fail with EPERM.
-std::span<const char* const> fatalCalls();
+/// Calls whose very attempt ends the process, where they are not allowed; all other calls that are not fail
+/// with EPERM.
+std::span<const AllowedCall> fatalCalls();
 
 /// Confines this process for good, and all that it starts: no new privileges; limits; no core, no debugger;
 /// death with its parent; only those files readable and none writable (Landlock); only those system calls
@@ -58,3 +63,19 @@ std::vector<std::string> confine(const Allowance& allowance);
 void closeDescriptors(unsigned first);
 
 }  // namespace zelto::confinement
+
+// Of the older calls, machines of newer kinds have only the successors.
+#ifndef SYS_access
+#define SYS_access (-1)
+#endif
+#ifndef SYS_dup2
+#define SYS_dup2 (-1)
+#endif
+#ifndef SYS_poll
+#define SYS_poll (-1)
+#endif
+#ifndef SYS_readlink
+#define SYS_readlink (-1)
+#endif
+/// A call's name and number.
+#define ZELTO_CALL(name) #name, SYS_##name
