@@ -1,6 +1,5 @@
 #include "CallFilter.hpp"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -8,7 +7,6 @@
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sched.h>
-#include <seccomp.h>
 
 #include <fcntl.h>
 #include <sys/mman.h>
