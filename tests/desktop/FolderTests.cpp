@@ -1,5 +1,8 @@
 // The folders and the bus that a running host stands on, as they come and go.
 
+#include <csignal>
+#include <string>
+
 #include <gtest/gtest.h>
 
 #include "shared/WidgetSnapshot.hpp"
@@ -93,6 +96,19 @@ TEST_F(Folders, AnExtensionThatDiesIdleIsToldOf) {
     })) << desktop.log();
     ASSERT_TRUE(desktop.call("reload", {""}));
     EXPECT_TRUE(desktop.stop());
+}
+
+TEST_F(Folders, AnExtensionThatIsStoppedDiesWithAKilledHost) {
+    desktop.place({clipboard});
+    desktop.start();
+    ASSERT_TRUE(eventually([this] { return reads("toque para copiar"); })) << desktop.log();
+    const auto found =
+        run({"/usr/bin/pgrep", "-P", std::to_string(desktop.process().pid()), "zelto-widgets"}).output;
+    const pid_t extension = std::stoi(found);
+    ASSERT_EQ(kill(extension, SIGSTOP), 0);
+    desktop.process().kill(SIGKILL);
+    desktop.process().wait();
+    EXPECT_TRUE(eventually([extension] { return kill(extension, 0) != 0; }));
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
-#include "host/DiskThread.hpp"
-
 #include <future>
 #include <vector>
 
 #include <gtest/gtest.h>
+
+#include "host/DiskThread.hpp"
 
 namespace zelto::host {
 namespace {

@@ -30,6 +30,7 @@ struct Hosted : testing::Test, HostObserver {
     std::optional<Date> wakeAt;
     std::vector<std::string> log, seen;
     std::map<std::string, ArrangedWidget> standing;
+    decltype(HostSeams::onDisk) onDisk = [](const auto& work, const auto& then) { then(work()); };
     std::unique_ptr<WidgetHost> host;
 
     void SetUp() override { make(); }
@@ -46,7 +47,8 @@ struct Hosted : testing::Test, HostObserver {
                         asked.push_back({std::move(requests), std::move(completion)});
                     },
                 .wakeAt = [this](std::optional<Date> instant) { wakeAt = instant; },
-                .log = note},
+                .log = note,
+                .onDisk = onDisk},
             DesktopLayoutStore(folder.path() / "config"),
             EntryStore(folder.path() / "cache"),
             *this);

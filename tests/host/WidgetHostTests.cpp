@@ -299,5 +299,43 @@ TEST_F(Hosted, PreviewsAreTheGallerys) {
     EXPECT_EQ(shown, "nothing");
 }
 
+TEST_F(Hosted, WhatTheExtensionsConfinementLacksIsToldOnce) {
+    host->start();
+    Reply reply{.id = 1};
+    reply.widgets = offered();
+    reply.confinement = Confinement{.lacks = {"landlock"}, .folders = {"/home/user/folder"}};
+    asked.front().completion(only(0, reply));
+    asked.clear();
+    EXPECT_EQ(log, Seen{"the widget extension is not fully confined: this system has no landlock"});
+    EXPECT_EQ(host->offers().confinement().folders, std::vector<std::string>{"/home/user/folder"});
+    host->reloadAll();
+    EXPECT_EQ(log.size(), 1U);
+}
+
+TEST_F(Hosted, AChangeIsAnsweredWithWhatTheDiskSaid) {
+    std::function<void()> disk;
+    onDisk = [&](const std::function<Result<void>()>& work, const std::function<void(Result<void>)>& then) {
+        disk = [work, then] { then(work()); };
+    };
+    make();
+    start();
+    std::vector<std::string> said;
+    const auto note = [&](const Result<void>& saved) {
+        said.push_back(saved ? "saved" : saved.fault().reason);
+    };
+    const auto id = host->add("Battery", WidgetFamily::systemSmall, {}, note).value();
+    EXPECT_TRUE(said.empty());
+    // What is still being written is not taken for somebody's edit.
+    host->takeOverEdits();
+    EXPECT_EQ(host->widgets().size(), 1U);
+    disk();
+    EXPECT_EQ(said, Seen{"saved"});
+    std::filesystem::remove_all(folder.path() / "config");
+    folder.write("config", "no folder");
+    EXPECT_TRUE(host->remove(id, note));
+    disk();
+    EXPECT_EQ(said, (Seen{"saved", "cannot be written"}));
+}
+
 }  // namespace
 }  // namespace zelto::host
