@@ -56,6 +56,10 @@ host::HostSeams Desktop::seams() {
                 disk_.run([work = std::move(work), then = std::move(then)] {
                     host::postToMainThread([then, done = work()] { then(done); });
                 });
+            },
+        .soon =
+            [this](std::function<void()> function) {
+                soon_ = host::MainSource::after(0, std::move(function));
             }};
 }
 

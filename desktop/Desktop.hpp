@@ -65,7 +65,7 @@ class Desktop : public host::HostObserver {
     host::WallTimer timer_;
     host::ZoneWatch zone_;
     host::FolderWatch folders_;
-    host::MainSource timerSource_, zoneSource_, zoneDataSource_, folderSource_, folderSettled_;
+    host::MainSource timerSource_, zoneSource_, zoneDataSource_, folderSource_, folderSettled_, soon_;
     host::DiskThread disk_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;

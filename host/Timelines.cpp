@@ -69,8 +69,15 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
 }
 
 void Timelines::storeDrawn(
+    const std::deque<std::string>& undrawn,
     const std::function<void(std::function<Result<void>()>, std::function<void(Result<void>)>)>& onDisk) {
-    for (auto& [id, drawn] : std::exchange(unsaved_, {})) {
+    for (auto each = unsaved_.begin(); each != unsaved_.end();) {
+        if (std::ranges::find(undrawn, each->first) != undrawn.end()) {
+            ++each;
+            continue;
+        }
+        auto drawn = std::move(each->second);
+        each = unsaved_.erase(each);
         if (!isAmong(drawn.first, widgets_)) continue;
         const std::string kind = drawn.first.kind;
         onDisk(

@@ -68,13 +68,23 @@ void WidgetHost::wake() {
 void WidgetHost::tick() {
     const Date now = seams_.now();
     offers_.tick(now);
-    for (const std::string& id : timelines_.tick(now)) {
-        const PlacedWidget* widget = layout_.find(id);
-        const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
-        if (widget && entry) timelines_.whileDrawing(*widget, [&] { observer_.shows(*widget, *entry); });
-    }
-    timelines_.storeDrawn(seams_.onDisk);
+    for (std::string& id : timelines_.tick(now))
+        if (std::ranges::find(undrawn_, id) == undrawn_.end()) undrawn_.push_back(std::move(id));
+    timelines_.storeDrawn(undrawn_, seams_.onDisk);
+    if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
     seams_.wakeAt(first(timelines_.nextInstant(), offers_.nextInstant()));
+}
+
+void WidgetHost::drawNext() {
+    isDrawing_ = false;
+    if (undrawn_.empty()) return;
+    const std::string id = std::move(undrawn_.front());
+    undrawn_.pop_front();
+    const PlacedWidget* widget = layout_.find(id);
+    const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
+    if (widget && entry) timelines_.whileDrawing(*widget, [&] { observer_.shows(*widget, *entry); });
+    timelines_.storeDrawn(undrawn_, seams_.onDisk);
+    if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
 }
 
 void WidgetHost::offersChanged() {
@@ -95,6 +105,9 @@ void WidgetHost::adopt(DesktopLayout layout) {
 
 Result<void> WidgetHost::change(Result<DesktopLayout> changed, Saved saved) {
     if (!changed) return std::move(changed).fault();
+    if (layouts_.isUnread())
+        return Fault{
+            .path = layouts_.file().string(), .reason = "it could not be read, and is not written over"};
     adopt(*std::move(changed));
     save(std::move(saved));
     tick();

@@ -105,9 +105,17 @@ class Callers {
         if (const auto caller = callers_.find(name); caller != callers_.end() && caller->second.waiting > 0)
             --caller->second.waiting;
     }
+    /// Counts for the connection, and for all of its user's to come.
     void refused(const std::string& name) {
         const std::lock_guard lock(mutex_);
-        ++callers_[name].refusals;
+        Caller& caller = callers_[name];
+        ++caller.refusals;
+        if (caller.user && ++refusedUsers_[*caller.user] >= mostUserRefusals) caller.refusals = mostRefusals;
+    }
+    bool isMuted(const std::string& name) const {
+        const std::lock_guard lock(mutex_);
+        const auto caller = callers_.find(name);
+        return caller != callers_.end() && caller->second.refusals >= mostRefusals;
     }
     std::optional<uid_t> user(const std::string& name) const {
         const std::lock_guard lock(mutex_);
@@ -121,7 +129,7 @@ class Callers {
 
   private:
     /// Whoever was refused so often gets no answer any more; nobody needs so many answers at once.
-    static constexpr std::size_t mostRefusals = 8, mostWaiting = 64, mostCallers = 512;
+    static constexpr std::size_t mostRefusals = 8, mostUserRefusals = 64, mostWaiting = 16, mostCallers = 512;
     struct Caller {
         std::optional<uid_t> user = {};
         std::size_t refusals = 0, waiting = 0;
@@ -133,6 +141,7 @@ class Callers {
 
     mutable std::mutex mutex_;
     std::map<std::string, Caller> callers_;
+    std::map<uid_t, std::size_t> refusedUsers_;
 };
 
 struct Listener::State {
@@ -236,8 +245,12 @@ struct Listener::State {
         const char* caller, const std::string& name, GVariant* arguments, GDBusMethodInvocation* invocation) {
         // The library has made sure that the method exists and that the arguments have its types.
         const auto method = std::ranges::find(options.interface.methods, name, &Method::name);
-        const auto call = std::make_shared<Call>(invocation, inFlight);
         callers->taken(caller);
+        if (callers->isMuted(caller)) {
+            g_object_unref(invocation);
+            return;
+        }
+        const auto call = std::make_shared<Call>(invocation, inFlight);
         auto user = callers->user(caller);
         if (!user) {
             user = userOf(connection.get(), caller);

@@ -1,5 +1,6 @@
 #include "widgetkit/ViewBounds.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "ui/ViewFields.hpp"
@@ -15,7 +16,7 @@ class Inspector {
     explicit Inspector(const ViewBounds& bounds) : bounds_(bounds) {}
 
     /// The length of what is read of it.
-    Result<std::size_t> inspect(const ui::View& view, std::size_t depth) {
+    Result<std::size_t> inspect(const ui::View& view, std::size_t depth, double fontSize) {
         if (++nodes_ > bounds_.nodes) return Fault{.reason = "too many nodes"};
         if (depth > bounds_.depth) return Fault{.reason = "nodes nested too deeply"};
         if (view.modifiers.size() > bounds_.modifiers) return Fault{.reason = "too many modifiers on a node"};
@@ -36,10 +37,17 @@ class Inspector {
                 label = &accessible->label;
             isLink = isLink || std::holds_alternative<ui::modifier::Link>(modifier);
         }
+        // The innermost font holds.
+        const auto font = std::ranges::find_if(view.modifiers, [](const ui::Modifier& modifier) {
+            return std::holds_alternative<ui::modifier::Font>(modifier);
+        });
+        if (font != view.modifiers.end()) fontSize = std::get<ui::modifier::Font>(*font).size;
+        if (isLettered(view.node) && fontSize > bounds_.largePoints && ++largeTexts_ > bounds_.largeTexts)
+            return Fault{.reason = "too many large texts"};
         std::size_t inside = 0;
         if (const ui::Views* children = ui::childrenOf(view.node))
             for (const ui::View& child : *children) {
-                const auto read = inspect(child, depth + 1);
+                const auto read = inspect(child, depth + 1, fontSize);
                 if (!read) return read;
                 inside = joinedLength(inside, *read);
             }
@@ -63,6 +71,11 @@ class Inspector {
         return inside;
     }
 
+    static bool isLettered(const ui::Node& node) {
+        return std::holds_alternative<ui::node::Text>(node) ||
+               std::holds_alternative<ui::node::Symbol>(node) ||
+               std::holds_alternative<ui::node::Countdown>(node);
+    }
     static bool isNegative(const ui::Node& node) {
         if (const auto* spacer = std::get_if<ui::node::Spacer>(&node))
             return spacer->minLength.value_or(0) < 0;
@@ -122,7 +135,9 @@ class Inspector {
             case Kind::optional:
             case Kind::list:
                 if (&schema == &records::schemaOf<ui::Views>()) return {};  // inspected as views
-                if (schema.count(value) > bounds_.values) return Fault{.reason = "too many values"};
+                allValues_ += schema.count(value);
+                if (schema.count(value) > bounds_.values || allValues_ > bounds_.allValues)
+                    return Fault{.reason = "too many values"};
                 for (std::size_t i = 0; i < schema.count(value); ++i)
                     if (auto checked = values(schema.element(), schema.at(value, i)); !checked)
                         return checked;
@@ -138,13 +153,13 @@ class Inspector {
     }
 
     const ViewBounds& bounds_;
-    std::size_t nodes_ = 0, links_ = 0, allTextBytes_ = 0;
+    std::size_t nodes_ = 0, links_ = 0, allTextBytes_ = 0, allValues_ = 0, largeTexts_ = 0;
 };
 
 }  // namespace
 
 Result<void> check(const ui::View& view, const ViewBounds& bounds) {
-    auto inspected = Inspector(bounds).inspect(view, 1);
+    auto inspected = Inspector(bounds).inspect(view, 1, 0);
     if (!inspected) return std::move(inspected).fault();
     return {};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <deque>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -32,9 +34,10 @@ class Timelines {
     void whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
         store_.whileDrawing(widget, draw);
     }
-    /// Stores what has come; to be called when it has been drawn, so that nothing is kept for the next start
-    /// that cannot be.
+    /// Stores what has come of widgets that are not about to be drawn, so that nothing is kept for the next
+    /// start that cannot be.
     void storeDrawn(
+        const std::deque<std::string>& undrawn,
         const std::function<void(std::function<Result<void>()>, std::function<void(Result<void>)>)>& onDisk);
     /// When `tick` has something to do next.
     std::optional<Date> nextInstant() const { return schedule_.nextInstant(); }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <functional>
 #include <optional>
 #include <string>
@@ -25,6 +26,8 @@ struct HostSeams {
     /// once without it.
     std::function<void(std::function<Result<void>()> work, std::function<void(Result<void>)> then)> onDisk =
         [](const auto& work, const auto& then) { then(work()); };
+    /// Calls a function on the host's thread, after what else waits there. At once without it.
+    std::function<void(std::function<void()>)> soon = [](const auto& function) { function(); };
 };
 
 /// Is told what there is to see.
@@ -85,6 +88,7 @@ class WidgetHost {
 
   private:
     void tick();
+    void drawNext();
     void offersChanged();
     void adopt(DesktopLayout layout);
     Result<void> change(Result<DesktopLayout> changed, Saved saved = {});
@@ -96,7 +100,9 @@ class WidgetHost {
     ExtensionClient client_;
     DesktopLayoutStore layouts_;
     DesktopLayout layout_;
-    std::size_t saves_ = 0;  // under way
+    std::size_t saves_ = 0;            // under way
+    std::deque<std::string> undrawn_;  // ids; one is drawn at a time, and calls are answered in between
+    bool isDrawing_ = false;           // the next one is to come
     Monitors monitors_;
     Timelines timelines_;
     Offers offers_;

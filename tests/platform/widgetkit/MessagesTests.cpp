@@ -92,6 +92,17 @@ TEST(Archive, BoundsWhatAStrangerMaySend) {
     EXPECT_EQ(fault(reply(Text(std::string(20'000, 'x')))), "a text that is too long");
     EXPECT_EQ(fault(reply(Text("x").font(501))), "a font that is too large");
     EXPECT_EQ(fault(reply(Text("x").font(500))), "");
+    // Also where a text inherits its font, and not where it has a smaller one of its own.
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(8, Text("x"))).font(101))), "");
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(9, Text("x"))).font(101))), "too many large texts");
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(9, Text("x").font(100))).font(101))), "");
+    EXPECT_EQ(
+        fault(reply(stack(
+            VStackOptions{},
+            Views(
+                9,
+                Stroked(Polyline{std::vector<double>(4000, 0.5)}, {.style = secondary, .lineWidth = 1}))))),
+        "too many values");
     EXPECT_EQ(fault(reply(Text("x").frame({.width = 1e5, .height = {}}))), "a number that is too large");
     EXPECT_EQ(fault(reply(Spacer(-1))), "a negative size");
     EXPECT_EQ(fault(reply(Filled(RoundedRectangle{-1}, secondary))), "a negative size");
