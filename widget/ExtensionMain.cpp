@@ -1,6 +1,6 @@
 // zelto-widgets: the widget extension. A host starts it and talks to it over its standard input and output
-// (docs/extension-protocol.md). It draws nothing, writes no file and, but for the picture process, starts nothing:
-// before its first request it confines itself so that it cannot (docs/confinement.md).
+// (docs/extension-protocol.md). It draws nothing, writes no file and, but for the picture process, starts
+// nothing: before its first request it confines itself so that it cannot (docs/confinement.md).
 
 #include <csignal>
 #include <cstdio>

@@ -60,7 +60,8 @@ TEST(ConfinementDocument, NamesEverySystemCall) {
     EXPECT_EQ(cell("all of them"), callsText(basic, 0));
     EXPECT_EQ(cell("`zelto-widgets`"), callsText(extension.calls, basic.size()));
     EXPECT_EQ(cell("`zelto-pictures`, opening"), callsText(pictures::openerAllowance().calls, basic.size()));
-    EXPECT_EQ(cell("`zelto-pictures`, decoding"), callsText(pictures::decoderAllowance().calls, basic.size()));
+    EXPECT_EQ(
+        cell("`zelto-pictures`, decoding"), callsText(pictures::decoderAllowance().calls, basic.size()));
 }
 
 TEST(ConfinementDocument, NamesEveryFolder) {
@@ -74,7 +75,8 @@ TEST(ConfinementDocument, NamesEveryFolder) {
     }
     std::set<std::string> allowed;
     for (const auto& path :
-         widget::extensionAllowance("~/Library/Application Support/Zelto", "DIR", "America/Sao_Paulo").readable)
+         widget::extensionAllowance("~/Library/Application Support/Zelto", "DIR", "America/Sao_Paulo")
+             .readable)
         allowed.insert(path.string());
     EXPECT_EQ(told, allowed);
 }

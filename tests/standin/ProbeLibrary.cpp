@@ -1,6 +1,6 @@
-// Preloaded into a program, tries what somebody would who has broken into it: PROBE="read /etc/shadow". At the
-// program's first look at its input, or, with PROBE_EARLY set, before anything of it runs. Says how it went on the
-// standard output, and ends.
+// Preloaded into a program, tries what somebody would who has broken into it: PROBE="read /etc/shadow". At
+// the program's first look at its input, or, with PROBE_EARLY set, before anything of it runs. Says how it
+// went on the standard output, and ends.
 
 #include <cerrno>
 #include <csignal>

@@ -37,7 +37,9 @@ inline ui::View view(const std::string& kind, widgetkit::WidgetFamily family, co
     const texts::Formatting formatting(look.environment);
     for (const auto& widget : widget::ZeltoWidgetBundle{sources}.body())
         if (widget.info().kind == kind)
-            return widget.snapshot({family, false}, {family, formatting, [&] { return look.now; }, look.thumbnail}).view;
+            return widget
+                .snapshot({family, false}, {family, formatting, [&] { return look.now; }, look.thumbnail})
+                .view;
     return ui::View{.node = ui::node::Text{"no widget " + kind}, .modifiers = {}};
 }
 inline std::string outlineOf(const std::string& kind, widgetkit::WidgetFamily family, const Look& look) {

@@ -78,7 +78,8 @@ void isShown(const WidgetSnapshot& snapshot, const std::string& what) {
         .live = [] { return placeholderLiveData(); },
         .snapshot = [&]() -> std::optional<WidgetSnapshot> { return *read; }};
     const Service service(
-        ZeltoWidgetBundle{sources}.body(), {.environment = {"pt_BR", "America/Sao_Paulo"}, .now = [] { return wednesday; }});
+        ZeltoWidgetBundle{sources}.body(),
+        {.environment = {"pt_BR", "America/Sao_Paulo"}, .now = [] { return wednesday; }});
     for (const auto& widget : ZeltoWidgetBundle{sources}.body())
         for (const WidgetFamily family : widget.info().families) {
             const Request request{

@@ -112,7 +112,8 @@ TEST(Service, WhatRunsOutCostsOneRequest) {
         StaticConfiguration("Toy", FailingProvider{}, [](const ToyEntry& entry, const EnvironmentValues&) {
             return ui::Text(entry.text);
         }).supportedFamilies({WidgetFamily::systemSmall}));
-    const Service failing(std::move(widgets), {.environment = {"pt_BR", "UTC"}, .now = [] { return Date{9}; }});
+    const Service failing(
+        std::move(widgets), {.environment = {"pt_BR", "UTC"}, .now = [] { return Date{9}; }});
     const auto answer = [&](const std::string& request) {
         return failing.answer(R"({"id":4,"kind":"Toy","family":"systemSmall","request":")" + request + "\"}");
     };
@@ -127,7 +128,8 @@ TEST(Service, HandsOutWhatHostsTake) {
         StaticConfiguration("Toy", ToyProvider{}, [](const ToyEntry&, const EnvironmentValues&) {
             return ui::VStack({}, ui::Text(std::string(20'000, 'x')), ui::Countdown({1e300}));
         }).supportedFamilies({WidgetFamily::systemSmall}));
-    const Service talkative(std::move(widgets), {.environment = {"pt_BR", "UTC"}, .now = [] { return Date{9}; }});
+    const Service talkative(
+        std::move(widgets), {.environment = {"pt_BR", "UTC"}, .now = [] { return Date{9}; }});
     for (const char* request : {"placeholder", "snapshot", "timeline"}) {
         const auto reply = decodeReply(talkative.answer(
             R"({"id":4,"kind":"Toy","family":"systemSmall","request":")" + std::string(request) + "\"}"));

@@ -14,8 +14,8 @@ namespace zelto::pictures {
 inline constexpr std::uint64_t side = 66;
 
 /// The process that opens and decodes image files for one that may do neither. It stands by as a sleeping
-/// child, and its program is only started when the first picture is wanted. Where it dies there are no pictures
-/// any more. Ends with this object. Pictures may be asked for on any thread.
+/// child, and its program is only started when the first picture is wanted. Where it dies there are no
+/// pictures any more. Ends with this object. Pictures may be asked for on any thread.
 class PictureProcess {
   public:
     using Clock = std::chrono::steady_clock;
@@ -27,8 +27,8 @@ class PictureProcess {
     PictureProcess& operator=(PictureProcess&&) = delete;
     ~PictureProcess();
 
-    /// The middle of an image file, upright; absent for whatever is no sound image in a regular file, and when
-    /// it is not there by the deadline. It may be there the next time then.
+    /// The middle of an image file, upright; absent for whatever is no sound image in a regular file, and
+    /// when it is not there by the deadline. It may be there the next time then.
     std::optional<ui::node::Image> thumbnail(const std::string& path, Clock::time_point deadline) const;
 
   private:

@@ -19,8 +19,8 @@ struct EnvironmentValues {
     const texts::Formatting& formatting;
     /// The current instant, for the few rules that speak of it rather than of an entry's date.
     std::function<Date()> now;
-    /// The middle of an image file, as a small square; absent for whatever is no sound image, or does not come
-    /// in time for the answer.
+    /// The middle of an image file, as a small square; absent for whatever is no sound image, or does not
+    /// come in time for the answer.
     std::function<std::optional<ui::node::Image>(const std::string& path)> thumbnail = {};
 };
 
