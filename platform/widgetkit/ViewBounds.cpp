@@ -47,7 +47,7 @@ class Inspector {
         std::size_t inside = 0;
         if (const ui::Views* children = ui::childrenOf(view.node))
             for (const ui::View& child : *children) {
-                const auto read = inspect(child, depth + 1, fontSize);
+                auto read = inspect(child, depth + 1, fontSize);
                 if (!read) return read;
                 inside = joinedLength(inside, *read);
             }
