@@ -30,6 +30,9 @@ void log(const std::string& line) {
     if (const auto passed = limiter.pass(line)) std::fprintf(stderr, "zelto-desktop: %s\n", passed->c_str());
 }
 
+/// For one that has left the bus and is writing its last.
+constexpr std::chrono::seconds lockPatience{3};
+
 using Additions = std::vector<std::pair<std::string, widgetkit::WidgetFamily>>;
 
 struct Options {
@@ -173,7 +176,7 @@ int run(int argc, char** argv) {
     if (!joined && joined.fault().kind == bus::ErrorKind::nameTaken)
         return handOver(address, options.gallery, *additions);
     const auto settings = settingsOf(options, *additions);
-    const host::HostLock lock(settings.folders.configuration);
+    const host::HostLock lock(settings.folders.configuration, lockPatience);
     if (!lock.isHeld()) {
         log("another zelto-desktop is already running on the files in " +
             settings.folders.configuration.string());

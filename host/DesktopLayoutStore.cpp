@@ -66,7 +66,7 @@ DesktopLayoutStore::DesktopLayoutStore(std::filesystem::path folder) : folder_(s
 
 Result<DesktopLayout> DesktopLayoutStore::load() {
     removeLeftovers(file());
-    bytes_.clear();
+    bytes_->clear();
     isUnread_ = false;
     const auto bytes = readFile(file(), largestFile);
     if (!bytes) {
@@ -79,7 +79,7 @@ Result<DesktopLayout> DesktopLayoutStore::load() {
     }
     auto layout = decoded(*bytes);
     if (!layout) return keptAside(layout.fault().text());
-    bytes_ = *bytes;
+    *bytes_ = *bytes;
     return layout;
 }
 
@@ -104,19 +104,19 @@ std::function<Result<void>()> DesktopLayoutStore::saving(const DesktopLayout& la
                 .path = file.string(),
                 .reason = isUnread ? "it could not be read, and is not written over" : "cannot be written"};
         };
-    bytes_ = *bytes;
-    return [folder = folder_, file = file(), bytes = *bytes]() -> Result<void> {
+    return [folder = folder_, file = file(), bytes = *bytes, known = bytes_]() -> Result<void> {
         std::error_code error;
         std::filesystem::create_directories(folder, error);
         if (!writeFileAtomically(file, bytes))
             return Fault{.path = file.string(), .reason = "cannot be written"};
+        *known = bytes;
         return {};
     };
 }
 
 bool DesktopLayoutStore::wasEdited() const {
     const auto bytes = readFile(file(), largestFile);
-    return bytes && *bytes != bytes_;
+    return bytes && *bytes != *bytes_;
 }
 
 }  // namespace zelto::host

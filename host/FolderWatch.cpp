@@ -33,6 +33,8 @@ FolderWatch::Identity FolderWatch::identityOf(const std::filesystem::path& path)
 }
 
 void FolderWatch::follow(std::vector<std::filesystem::path> folders) {
+    // What has changed since they were first followed is still to be told.
+    if (std::ranges::equal(folders, folders_, {}, {}, &Folder::path)) return;
     folders_.clear();
     for (auto& path : folders) folders_.push_back({.path = std::move(path)});
     for (Folder& folder : folders_) folder.identity = identityOf(folder.path);

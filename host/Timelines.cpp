@@ -31,6 +31,16 @@ void Timelines::follow(const std::vector<PlacedWidget>& widgets) {
         if (!isAmong(widget, before)) schedule_.add(widget.id, store_.load(widget));
 }
 
+void Timelines::forgetOthers() const {
+    // After what is still to be stored: it may be of one that is gone.
+    onDisk_(
+        [store = store_, widgets = widgets_]() -> Result<void> {
+            store.keepOnly(widgets);
+            return {};
+        },
+        [](const Result<void>&) {});
+}
+
 std::vector<std::string> Timelines::tick(Date now) {
     auto [requests, shows] = schedule_.at(now);
     if (!requests.empty()) ask(requests);
@@ -68,9 +78,7 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
     schedule_.received(asked.id, *std::move(outcome->reply.timeline), seams_.now());
 }
 
-void Timelines::storeDrawn(
-    const std::deque<std::string>& undrawn,
-    const std::function<void(std::function<Result<void>()>, std::function<void(Result<void>)>)>& onDisk) {
+void Timelines::storeDrawn(const std::deque<std::string>& undrawn) {
     for (auto each = unsaved_.begin(); each != unsaved_.end();) {
         if (std::ranges::find(undrawn, each->first) != undrawn.end()) {
             ++each;
@@ -80,7 +88,7 @@ void Timelines::storeDrawn(
         each = unsaved_.erase(each);
         if (!isAmong(drawn.first, widgets_)) continue;
         const std::string kind = drawn.first.kind;
-        onDisk(
+        onDisk_(
             [store = store_, drawn = std::move(drawn)] { return store.save(drawn.first, drawn.second); },
             [this, kind](const Result<void>& saved) {
                 if (!saved)

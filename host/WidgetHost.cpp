@@ -31,7 +31,8 @@ WidgetHost::WidgetHost(
       layouts_(std::move(layouts)),
       timelines_(
           std::move(entries),
-          {.client = client_, .now = seams_.now, .log = seams_.log, .changed = [this] { tick(); }}),
+          {.client = client_, .now = seams_.now, .log = seams_.log, .changed = [this] { tick(); }},
+          seams_.onDisk),
       offers_(
           {.client = client_, .now = seams_.now, .log = seams_.log, .changed = [this] { offersChanged(); }}),
       previews_(client_, seams_.log) {}
@@ -39,7 +40,7 @@ WidgetHost::WidgetHost(
 void WidgetHost::start() {
     if (const auto dropped = timelines_.dropUnfinished())
         seams_.log(
-            "the last run ended while it drew " + *dropped +
+            "the last runs ended while they drew " + *dropped +
             ", which is not shown any more until there is a new one");
     if (auto loaded = layouts_.load()) {
         adopt(*std::move(loaded));
@@ -70,7 +71,7 @@ void WidgetHost::tick() {
     offers_.tick(now);
     for (std::string& id : timelines_.tick(now))
         if (std::ranges::find(undrawn_, id) == undrawn_.end()) undrawn_.push_back(std::move(id));
-    timelines_.storeDrawn(undrawn_, seams_.onDisk);
+    timelines_.storeDrawn(undrawn_);
     if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
     seams_.wakeAt(first(timelines_.nextInstant(), offers_.nextInstant()));
 }
@@ -83,7 +84,7 @@ void WidgetHost::drawNext() {
     const PlacedWidget* widget = layout_.find(id);
     const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
     if (widget && entry) timelines_.whileDrawing(*widget, [&] { observer_.shows(*widget, *entry); });
-    timelines_.storeDrawn(undrawn_, seams_.onDisk);
+    timelines_.storeDrawn(undrawn_);
     if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
 }
 

@@ -90,21 +90,6 @@ class Call {
 /// Who calls, by their connections' names, which no bus gives twice.
 class Callers {
   public:
-    /// May be called on any thread, before a call is queued: whether it is to be.
-    bool admit(const std::string& name) {
-        const std::lock_guard lock(mutex_);
-        if (callers_.size() >= mostCallers && !callers_.contains(name)) forget();
-        Caller& caller = callers_[name];
-        if (caller.refusals >= mostRefusals || caller.waiting >= mostWaiting) return false;
-        ++caller.waiting;
-        return true;
-    }
-    /// A call has left the queue.
-    void taken(const std::string& name) {
-        const std::lock_guard lock(mutex_);
-        if (const auto caller = callers_.find(name); caller != callers_.end() && caller->second.waiting > 0)
-            --caller->second.waiting;
-    }
     /// Counts for the connection, and for all of its user's to come.
     void refused(const std::string& name) {
         const std::lock_guard lock(mutex_);
@@ -124,15 +109,16 @@ class Callers {
     }
     void setUser(const std::string& name, uid_t user) {
         const std::lock_guard lock(mutex_);
+        if (callers_.size() >= mostCallers) forget();
         callers_[name].user = user;
     }
 
   private:
-    /// Whoever was refused so often gets no answer any more; nobody needs so many answers at once.
-    static constexpr std::size_t mostRefusals = 8, mostUserRefusals = 64, mostWaiting = 16, mostCallers = 512;
+    /// Whoever was refused so often gets no answer any more.
+    static constexpr std::size_t mostRefusals = 8, mostUserRefusals = 64, mostCallers = 512;
     struct Caller {
         std::optional<uid_t> user = {};
-        std::size_t refusals = 0, waiting = 0;
+        std::size_t refusals = 0;
     };
     void forget() {
         std::erase_if(callers_, [](const auto& each) { return each.second.refusals < mostRefusals; });
@@ -230,7 +216,7 @@ struct Listener::State {
             g_dbus_message_get_message_type(message) != G_DBUS_MESSAGE_TYPE_METHOD_CALL)
             return message;
         const char* sender = g_dbus_message_get_sender(message);
-        if (!sender || (*static_cast<std::shared_ptr<Callers>*>(callers))->admit(sender)) return message;
+        if (!sender || !(*static_cast<std::shared_ptr<Callers>*>(callers))->isMuted(sender)) return message;
         g_object_unref(message);
         return nullptr;
     }
@@ -245,7 +231,6 @@ struct Listener::State {
         const char* caller, const std::string& name, GVariant* arguments, GDBusMethodInvocation* invocation) {
         // The library has made sure that the method exists and that the arguments have its types.
         const auto method = std::ranges::find(options.interface.methods, name, &Method::name);
-        callers->taken(caller);
         if (callers->isMuted(caller)) {
             g_object_unref(invocation);
             return;

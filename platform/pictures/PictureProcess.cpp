@@ -56,16 +56,17 @@ struct PictureProcess::State {
 
     /// Waits for a packet without the lock, and gives it to whom it is for.
     void readOne(std::unique_lock<std::mutex>& lock, Clock::time_point deadline) {
+        std::optional<std::string> packet(std::in_place, longestPacket, '\0');
         isReading = true;
         lock.unlock();
         const auto left =
             std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count() + 1;
         pollfd reply{socket.get(), POLLIN, 0};
-        std::optional<std::string> packet;
         if (poll(&reply, 1, static_cast<int>(std::max<long>(left, 0))) > 0) {
-            packet.emplace(longestPacket, '\0');
             const ssize_t count = read(socket.get(), packet->data(), packet->size());
             packet->resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+        } else {
+            packet.reset();
         }
         lock.lock();
         isReading = false;
@@ -117,7 +118,7 @@ std::optional<ui::node::Image> PictureProcess::thumbnail(
     if (!decodeRequest(packet)) return std::nullopt;
     if (send(state.socket.get(), packet.data(), packet.size(), MSG_NOSIGNAL | MSG_DONTWAIT) < 0) {
         // Too much to do already is no death.
-        state.isDead = errno != EAGAIN && errno != EMSGSIZE;
+        state.isDead = errno == EPIPE || errno == ECONNRESET;
         return std::nullopt;
     }
     const auto own = state.waiting.emplace(id, std::nullopt).first;

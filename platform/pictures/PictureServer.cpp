@@ -100,7 +100,10 @@ class Server {
             auto job = running_.begin();
             for (std::size_t i = 1; i < awaited.size(); ++i) {
                 const auto each = job++;
-                if ((awaited[i].revents != 0 && hasEnded(*each)) || each->deadline <= now) finish(each);
+                if (awaited[i].revents != 0 && hasEnded(*each))
+                    finish(each, true);
+                else if (each->deadline <= now)
+                    finish(each, false);  // which may be the disk's fault
             }
             if (awaited[0].revents != 0 && !receive()) return;
             while (!queued_.empty() && running_.size() < mostAtOnce) start();
@@ -141,8 +144,13 @@ class Server {
     }
 
     void take(const PictureRequest& request) {
-        FileDescriptor file(open(request.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
+        // Whatever is no file is not even opened: that alone has effects on some devices.
         struct stat status {};
+        if (stat(request.path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+            answer(request.id, std::nullopt);
+            return;
+        }
+        FileDescriptor file(open(request.path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
         if (!file || fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode) ||
             status.st_size > largestFile) {
             answer(request.id, std::nullopt);
@@ -195,7 +203,7 @@ class Server {
         return job.isWhole || job.bytes.size() > longestPacket;
     }
 
-    void finish(std::list<Job>::iterator job) {
+    void finish(std::list<Job>::iterator job, bool isFinal) {
         // What has said all, or too much, or nothing in time, has no further use.
         kill(job->process, SIGKILL);
         int how = 0;
@@ -205,8 +213,10 @@ class Server {
         if (job->isWhole)
             if (auto reply = decodePictureReply(job->bytes)) picture = std::move(reply->picture);
         for (const std::uint64_t id : job->askers) answer(id, picture);
-        if (kept_.size() == mostKept) kept_.pop_front();
-        kept_.emplace_back(job->key, std::move(picture));
+        if (isFinal) {
+            if (kept_.size() == mostKept) kept_.pop_front();
+            kept_.emplace_back(job->key, std::move(picture));
+        }
         running_.erase(job);
     }
 

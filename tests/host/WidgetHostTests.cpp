@@ -335,6 +335,13 @@ TEST_F(Hosted, AChangeIsAnsweredWithWhatTheDiskSaid) {
     EXPECT_TRUE(host->remove(id, note));
     disk();
     EXPECT_EQ(said, (Seen{"saved", "cannot be written"}));
+    // What could not be written is still so on the screen, and is written with what comes next.
+    std::filesystem::remove(folder.path() / "config");
+    const auto clock = host->add("Clock", WidgetFamily::systemSmall, {}, note).value();
+    disk();
+    ASSERT_EQ(host->widgets().size(), 1U);
+    EXPECT_EQ(host->widgets()[0].id, clock);
+    EXPECT_EQ(DesktopLayoutStore(folder.path() / "config").load().value().widgets.size(), 1U);
 }
 
 }  // namespace

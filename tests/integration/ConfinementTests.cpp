@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <csignal>
 #include <cstring>
+#include <linux/landlock.h>
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
+#include <sys/syscall.h>
 #include <sys/un.h>
+#include <unistd.h>
 
 #include "foundation/FileDescriptor.hpp"
 #include "tests/support/ZeltoProcess.hpp"
@@ -44,6 +47,12 @@ TEST_F(ZeltoProcess, TheBundleTellsHowTheExtensionIsConfined) {
         EXPECT_TRUE(isLacking("seccomp"));
     } else {
         EXPECT_FALSE(isLacking("limits"));
+        if (std::filesystem::exists("/proc/sys/kernel/seccomp/actions_avail")) {
+            EXPECT_FALSE(isLacking("seccomp"));
+        }
+    }
+    if (syscall(SYS_landlock_create_ruleset, nullptr, std::size_t{0}, LANDLOCK_CREATE_RULESET_VERSION) >= 1) {
+        EXPECT_FALSE(isLacking("landlock"));
     }
 }
 

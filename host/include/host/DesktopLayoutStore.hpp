@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <string>
 
 #include "foundation/Result.hpp"
@@ -33,7 +34,9 @@ class DesktopLayoutStore {
     Fault keptAside(const std::string& why) const;
 
     std::filesystem::path folder_;
-    std::string bytes_;
+    /// What the file is known to hold; set by the work that writes it. Not to be asked for while that is
+    /// under way.
+    std::shared_ptr<std::string> bytes_ = std::make_shared<std::string>();
     bool isUnread_ = false;
 };
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -22,8 +24,8 @@ class EntryStore {
     /// Nothing else may be kept in the folder.
     explicit EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
-    /// For the one process that draws from here: drops what was being drawn when the one before it died, and
-    /// returns its file's name.
+    /// For the one process that draws from here, at its start: drops what the last three before it died of
+    /// drawing, and returns its file's name.
     std::optional<std::string> dropUnfinished();
     /// Marks a widget's timeline as being drawn while a function runs, where even a death leaves the mark: in
     /// a page of memory that belongs to a file. Costs no system call.
@@ -41,7 +43,12 @@ class EntryStore {
     std::filesystem::path fileOf(const PlacedWidget& widget) const;
 
     std::filesystem::path folder_;
-    std::shared_ptr<char> mark_;  // a page; null for others, and where there is no room for it
+    /// What is in the page: the names of files.
+    struct Mark {
+        std::array<char, 1024> drawing, suspect;  // now; when the process before this one died
+        std::uint8_t deaths;                      // of the latter, one after the other
+    };
+    std::shared_ptr<Mark> mark_;  // null for others, and where there is no room for it
 };
 
 }  // namespace zelto::host

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 
 #include "foundation/FileDescriptor.hpp"
@@ -12,7 +13,8 @@ class HostLock {
   public:
     /// Of a folder, which is made if need be. Where there is no place for a lock, nothing can be written
     /// either, and it counts as held.
-    explicit HostLock(const std::filesystem::path& folder);
+    /// One that is about to end may have it for a while still.
+    explicit HostLock(const std::filesystem::path& folder, std::chrono::milliseconds patience = {});
 
     /// False when another process has it.
     bool isHeld() const { return isHeld_; }

@@ -18,13 +18,18 @@ namespace zelto::host {
 /// now. For one thread.
 class Timelines {
   public:
-    Timelines(EntryStore store, AskerSeams seams) : store_(std::move(store)), seams_(std::move(seams)) {}
+    /// Does work that waits for the disk, in order, and hands its result to this thread.
+    using OnDisk =
+        std::function<void(std::function<Result<void>()> work, std::function<void(Result<void>)> then)>;
+
+    Timelines(EntryStore store, AskerSeams seams, OnDisk onDisk)
+        : store_(std::move(store)), seams_(std::move(seams)), onDisk_(std::move(onDisk)) {}
 
     /// From now on these are the widgets. A new one, and one of another kind or family than before, shows
     /// what is stored of it and wants a fresh timeline. What is stored of one that is gone is deleted.
     void follow(const std::vector<PlacedWidget>& widgets);
     /// Deletes what is stored of all others, also from before the start.
-    void forgetOthers() const { store_.keepOnly(widgets_); }
+    void forgetOthers() const;
 
     /// Asks for what is due; the ids of widgets that show something else from now on.
     std::vector<std::string> tick(Date now);
@@ -36,9 +41,7 @@ class Timelines {
     }
     /// Stores what has come of widgets that are not about to be drawn, so that nothing is kept for the next
     /// start that cannot be.
-    void storeDrawn(
-        const std::deque<std::string>& undrawn,
-        const std::function<void(std::function<Result<void>()>, std::function<void(Result<void>)>)>& onDisk);
+    void storeDrawn(const std::deque<std::string>& undrawn);
     /// When `tick` has something to do next.
     std::optional<Date> nextInstant() const { return schedule_.nextInstant(); }
     /// New timelines are wanted as soon as possible.
@@ -55,6 +58,7 @@ class Timelines {
 
     EntryStore store_;
     AskerSeams seams_;
+    OnDisk onDisk_;
     Schedule schedule_;
     std::vector<PlacedWidget> widgets_;
     std::map<std::string, std::pair<PlacedWidget, std::string>>

@@ -219,6 +219,16 @@ TEST_F(BusService, AnswersNobodyAnyMoreWhoWasRefusedOften) {
     EXPECT_EQ(calls, 0);
 }
 
+TEST_F(BusService, WhateverElseIsAskedOfItSilencesNobody) {
+    const auto listener = listen(options());
+    auto client = connection();
+    for (int i = 0; i < 100; ++i) {
+        EXPECT_FALSE(client.call<void>("nothing", 5s));
+        EXPECT_FALSE(client.call<std::int64_t>("negate", 5s, std::string("no number")));
+    }
+    EXPECT_EQ(client.call<std::int64_t>("negate", 5s, std::int64_t{1}).value(), -1);
+}
+
 TEST_F(BusService, TellsAnAbsentPeerFromAnAbsentBus) {
     EXPECT_EQ(kindOf(connection().call<void>("drop", 5s)), ErrorKind::peerAbsent);
     for (const char* address : {"unix:path=/no/such/bus", "nonsense"})
