@@ -107,10 +107,13 @@ TEST_F(LargePictures, ThatTakeTooLongAreNotAndHoldUpNobody) {
     // Three seconds of processor time, or ten by the wall.
     EXPECT_FALSE(picture(folder.path() / "bomb"));
     EXPECT_LT(PictureProcess::Clock::now() - begin, std::chrono::seconds(20));
-    // And it is known from then on.
+#ifndef __SANITIZE_ADDRESS__
+    // And it is known from then on. Where processor time has no limit, the wall ended it, which may be the
+    // disk's fault.
     const auto again = PictureProcess::Clock::now();
     EXPECT_FALSE(picture(folder.path() / "bomb"));
     EXPECT_LT(PictureProcess::Clock::now() - again, std::chrono::seconds(1));
+#endif
 }
 
 }  // namespace
