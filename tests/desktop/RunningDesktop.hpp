@@ -33,6 +33,7 @@ class RunningDesktop {
     /// Ends it as a logout does; true when it goes willingly.
     bool stop();
     Child& process() { return *process_; }
+    /// Without what this kernel, or a build with sanitizers, lacks to confine the extension.
     std::string log() const;
 
     std::vector<host::PlacedWidget> widgets();
