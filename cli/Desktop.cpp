@@ -6,12 +6,13 @@
 
 #include "Commands.hpp"
 #include "Failure.hpp"
+#include "foundation/Files.hpp"
 #include "host/DesktopInterface.hpp"
 
 namespace zelto::cli {
 
 void desktop(const std::vector<std::string>& arguments) {
-    const auto program = host::installedExtension().parent_path() / "zelto-desktop";
+    const auto program = programBeside("zelto-desktop");
     std::vector<std::string> words{program.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv;

@@ -9,6 +9,7 @@
 #include "Input.hpp"
 #include "drawing/PNG.hpp"
 #include "drawing/Renderer.hpp"
+#include "foundation/Files.hpp"
 #include "layout/Layout.hpp"
 #include "pictures/PictureProcess.hpp"
 #include "records/JSONDecoder.hpp"
@@ -109,7 +110,7 @@ void preview(const PreviewOptions& options) {
     const auto& widget = widgets[static_cast<std::size_t>(&found - descriptions.data())];
 
     const texts::Formatting formatting(environment);
-    const auto pictures = pictures::PictureProcess::standBy(pictures::installedPictures());
+    const auto pictures = pictures::PictureProcess::standBy(programBeside(pictures::programName));
     const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     entry = widget.snapshot(
         {family, false},

@@ -1,19 +1,13 @@
 #include "host/EntryStore.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <cstdint>
-#include <cstring>
 #include <set>
-#include <span>
 #include <string>
 
-#include <fcntl.h>
-#include <sys/mman.h>
 #include <system_error>
-#include <unistd.h>
 
-#include "foundation/FileDescriptor.hpp"
+#include "DrawingMark.hpp"
 #include "foundation/Files.hpp"
 
 namespace zelto::host {
@@ -39,49 +33,18 @@ std::string spelled(std::string_view text) {
     return out;
 }
 
-constexpr std::size_t markSize = 4096;
 constexpr const char* markName = "drawing";
-/// Deaths, one after the other, while one picture was drawn: of one alone somebody else may be the cause.
-constexpr std::uint8_t mostDeaths = 3;
-
-/// The first byte last: before it, there is no name.
-void put(std::string_view name, std::span<char> place) {
-    if (name.empty() || name.size() >= place.size()) return;
-    place[0] = '\0';
-    std::copy(name.begin() + 1, name.end(), place.begin() + 1);
-    place[name.size()] = '\0';
-    std::atomic_signal_fence(std::memory_order_release);
-    place[0] = name.front();
-}
-
-/// The page of a file, which outlives the process.
-std::shared_ptr<void> mappedPage(const std::filesystem::path& path) {
-    const FileDescriptor file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    // With room on the disk, which would otherwise be missed at the first touch, and that is deadly.
-    if (!file || posix_fallocate(file.get(), 0, markSize) != 0) return nullptr;
-    void* const page = mmap(nullptr, markSize, PROT_READ | PROT_WRITE, MAP_SHARED, file.get(), 0);
-    if (page == MAP_FAILED) return nullptr;
-    return {page, [](void* mapped) { munmap(mapped, markSize); }};
-}
 
 }  // namespace
 
 std::optional<std::string> EntryStore::dropUnfinished() {
     makeFolder();
-    mark_ = std::static_pointer_cast<Mark>(mappedPage(folder_ / markName));
-    if (!mark_ || mark_->drawing[0] == '\0') return std::nullopt;
-    const std::string name(mark_->drawing.data(), strnlen(mark_->drawing.data(), mark_->drawing.size()));
-    mark_->drawing[0] = '\0';
-    if (name !=
-        std::string_view(mark_->suspect.data(), strnlen(mark_->suspect.data(), mark_->suspect.size()))) {
-        put(name, mark_->suspect);
-        mark_->deaths = 0;
-    }
-    if (++mark_->deaths < mostDeaths) return std::nullopt;
-    mark_->suspect[0] = '\0';
+    mark_ = DrawingMark::at(folder_ / markName);
+    const auto name = mark_ ? mark_->cause() : std::nullopt;
     std::error_code error;
     // Whatever the page says, nothing beyond the folder is meant.
-    if (std::filesystem::path(name).filename() == name && std::filesystem::remove(folder_ / name, error))
+    if (name && std::filesystem::path(*name).filename() == *name &&
+        std::filesystem::remove(folder_ / *name, error))
         return name;
     return std::nullopt;
 }
@@ -94,15 +57,10 @@ void EntryStore::makeFolder() const {
 }
 
 void EntryStore::whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
-    const std::string name = fileOf(widget).filename().string();
-    if (!mark_ || name.size() >= mark_->drawing.size()) {
+    if (mark_)
+        mark_->during(fileOf(widget).filename().string(), draw);
+    else
         draw();
-        return;
-    }
-    put(name, mark_->drawing);
-    draw();
-    mark_->drawing[0] = '\0';
-    if (name == mark_->suspect.data()) mark_->suspect[0] = '\0';
 }
 
 std::filesystem::path EntryStore::fileOf(const PlacedWidget& widget) const {

@@ -12,6 +12,7 @@
 #include <glib-unix.h>
 #include <unistd.h>
 
+#include "foundation/Files.hpp"
 #include "foundation/Handle.hpp"
 #include "host/MainLoop.hpp"
 #include "records/JSONEncoder.hpp"
@@ -318,8 +319,7 @@ void ExtensionProcess::exchange(
 }
 
 std::filesystem::path installedExtension() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / "zelto-widgets";
+    return programBeside("zelto-widgets");
 }
 
 }  // namespace zelto::host

@@ -19,7 +19,7 @@ HostLock::HostLock(const std::filesystem::path& folder, std::chrono::millisecond
     const auto isTaken = [this] {
         return flock(file_.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
     };
-    while ((isHeld_ = !isTaken(), !isHeld_) && patience > step) {
+    for (isHeld_ = !isTaken(); !isHeld_ && patience > step; isHeld_ = !isTaken()) {
         patience -= step;
         poll(nullptr, 0, static_cast<int>(step.count()));
     }

@@ -40,7 +40,7 @@ WidgetHost::WidgetHost(
 void WidgetHost::start() {
     if (const auto dropped = timelines_.dropUnfinished())
         seams_.log(
-            "the last runs ended while they drew " + *dropped +
+            "the last run died while it drew " + *dropped +
             ", which is not shown any more until there is a new one");
     if (auto loaded = layouts_.load()) {
         adopt(*std::move(loaded));

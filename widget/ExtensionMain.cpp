@@ -13,6 +13,7 @@
 
 #include "Common/ExtensionAllowance.hpp"
 #include "confinement/Confinement.hpp"
+#include "foundation/Files.hpp"
 #include "foundation/ISO8601.hpp"
 #include "pictures/PictureProcess.hpp"
 #include "widget/Common/LiveReader.hpp"
@@ -83,7 +84,8 @@ int run(int argc, char** argv) {
     const auto home = zelto::HomeLookup::fixed(options->home.home());
     const auto environment = zelto::texts::Environment::current();
     const std::filesystem::path folder = zelto::shared::WidgetSnapshot::folder(home);
-    const auto pictures = zelto::pictures::PictureProcess::standBy(zelto::pictures::installedPictures());
+    const auto pictures =
+        zelto::pictures::PictureProcess::standBy(zelto::programBeside(zelto::pictures::programName));
     // A host that goes away is seen as a failed write, not as a signal.
     std::signal(SIGPIPE, SIG_IGN);
     // Every request has a thread of its own; one arena for all keeps the memory of eleven at that of one.

@@ -6,7 +6,7 @@
 
 namespace zelto::confinement {
 
-/// Leaves this process only those system calls. False when the kernel has no filters.
+/// Leaves this process only the basic system calls and these. False when the kernel has no filters.
 bool restrictCalls(std::span<const AllowedCall> calls);
 
 }  // namespace zelto::confinement

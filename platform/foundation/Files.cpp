@@ -149,4 +149,9 @@ std::filesystem::path HomeLookup::home() const {
     return environment().value_or("/");
 }
 
+std::filesystem::path programBeside(std::string_view name) {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / name;
+}
+
 }  // namespace zelto

@@ -23,7 +23,6 @@ std::optional<Square> decodeJPEG(std::FILE* file, int side);
 std::optional<Square> decodeWebP(std::span<const std::uint8_t> bytes, int side);
 /// By the toolkit's loader of a format: "gif" or "bmp".
 std::optional<Square> decodeByLoader(const char* format, int file, int side);
-void prepareLoaders();
 
 /// The orientation in EXIF data, with or without its "Exif" mark; 1 without one.
 int orientationOf(std::span<const std::uint8_t> exif);

@@ -8,6 +8,7 @@
 #include "Formats.hpp"
 #include "Shrinker.hpp"
 #include "foundation/Handle.hpp"
+#include "imaging/Thumbnail.hpp"
 
 namespace zelto::imaging {
 namespace {
@@ -63,7 +64,7 @@ std::optional<Square> decodeByLoader(const char* format, int file, int side) {
     return Square{*std::move(image)};
 }
 
-void prepareLoaders() {
+void prepare() {
     for (const char* format : {"gif", "bmp"}) {
         const Loader loader(gdk_pixbuf_loader_new_with_type(format, nullptr));
         if (loader) gdk_pixbuf_loader_close(loader.get(), nullptr);

@@ -76,8 +76,4 @@ std::optional<ui::node::Image> decode(int file, int side) {
     return upright(*std::move(square));
 }
 
-void prepare() {
-    prepareLoaders();
-}
-
 }  // namespace zelto::imaging

@@ -133,9 +133,4 @@ std::optional<ui::node::Image> PictureProcess::thumbnail(
     return reply ? std::move(reply->picture) : std::nullopt;
 }
 
-std::filesystem::path installedPictures() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path() / "zelto-pictures";
-}
-
 }  // namespace zelto::pictures

@@ -34,11 +34,11 @@ constexpr std::size_t decoderSeconds = 3;
 /// For a file that does not come, from a disk that hangs.
 constexpr std::chrono::seconds patience{10};
 
-constexpr std::array openerCalls{
+const std::vector<AllowedCall> openerCalls{
     AllowedCall{ZELTO_CALL(openat), Terms::readOnly},
     AllowedCall{ZELTO_CALL(sendto), Terms::connected},
     AllowedCall{ZELTO_CALL(pipe2)},
-    AllowedCall{ZELTO_CALL(clone)},
+    AllowedCall{ZELTO_CALL(clone), Terms::noNamespace},
     AllowedCall{ZELTO_CALL(wait4)},
     AllowedCall{ZELTO_CALL(kill), Terms::deadlyOnly},
     // What a decoder does before it is confined itself.
@@ -52,16 +52,6 @@ constexpr std::array openerCalls{
     AllowedCall{ZELTO_CALL(landlock_restrict_self)},
     AllowedCall{ZELTO_CALL(seccomp)},
 };
-
-const std::vector<AllowedCall>& allOpenerCalls() {
-    static const std::vector<AllowedCall> all = [] {
-        const auto basic = confinement::basicCalls();
-        std::vector<AllowedCall> out(basic.begin(), basic.end());
-        out.insert(out.end(), openerCalls.begin(), openerCalls.end());
-        return out;
-    }();
-    return all;
-}
 
 /// What makes a file's picture the same as before.
 using Key = std::tuple<dev_t, ino_t, off_t, std::int64_t, std::int64_t>;
@@ -240,15 +230,11 @@ void servePictures(int socket, const Decode& decode) {
 }
 
 confinement::Allowance openerAllowance() {
-    return {.readable = {"/"}, .calls = allOpenerCalls(), .addressSpace = decoderSpace};
+    return {.readable = {"/"}, .calls = openerCalls, .addressSpace = decoderSpace};
 }
 
 confinement::Allowance decoderAllowance() {
-    return {
-        .calls = confinement::basicCalls(),
-        .addressSpace = decoderSpace,
-        .openFiles = 8,
-        .processorSeconds = decoderSeconds};
+    return {.addressSpace = decoderSpace, .openFiles = 8, .processorSeconds = decoderSeconds};
 }
 
 }  // namespace zelto::pictures

@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 #include <poll.h>
 
-#include "drawing/PNG.hpp"
 #include "foundation/Files.hpp"
 #include "host/DesktopLayoutStore.hpp"
 #include "host/EntryStore.hpp"
@@ -18,6 +17,7 @@
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Paths.hpp"
+#include "tests/support/Pictures.hpp"
 #include "ui/Outline.hpp"
 
 namespace zelto::test {
@@ -119,10 +119,8 @@ TEST_F(Deaths, OfThePictureProcessTwoHundredTimesCostPicturesAndNothingElse) {
     const auto image = desktop.folder() / "image.png";
     snapshot.clips[0].imagePath = image;
     snapshot.save(HomeLookup::fixed(desktop.folder()));
-    const drawing::Picture picture{
-        1500, 1500, std::vector<std::uint32_t>(std::size_t{1500} * 1500, 0xFF336699)};
-    const std::string png = *drawing::encodePNG(picture);
-    ASSERT_TRUE(writeFileAtomically(image, png));
+    const std::string large = png(1500, 1500, 0xFF336699);
+    ASSERT_TRUE(writeFileAtomically(image, large));
     const auto clipboard = widget("ZeltoClipboard", widgetkit::WidgetFamily::systemMedium, 0, 0);
     desktop.place({clipboard});
     desktop.start({"--restart-pause", "0.001"});
@@ -135,7 +133,7 @@ TEST_F(Deaths, OfThePictureProcessTwoHundredTimesCostPicturesAndNothingElse) {
     for (int deaths = 0, rounds = 0; deaths < 200; ++rounds) {
         ASSERT_LT(rounds, 20'000) << desktop.log();
         // Another file each time, or it would not be decoded again.
-        ASSERT_TRUE(writeFileAtomically(image, png, {.durability = Durability::processDeath}));
+        ASSERT_TRUE(writeFileAtomically(image, large, {.durability = Durability::processDeath}));
         ASSERT_TRUE(desktop.call("reload", {""}));
         moment(600);
         std::vector<pid_t> openers;
@@ -155,7 +153,7 @@ TEST_F(Deaths, OfThePictureProcessTwoHundredTimesCostPicturesAndNothingElse) {
             for (const pid_t extension : extensions()) kill(extension, SIGKILL);
     }
     for (const pid_t extension : extensions()) kill(extension, SIGKILL);
-    ASSERT_TRUE(writeFileAtomically(image, png));
+    ASSERT_TRUE(writeFileAtomically(image, large));
     ASSERT_TRUE(desktop.call("reload", {""}));
     EXPECT_TRUE(eventually(hasPicture)) << desktop.log();
     EXPECT_TRUE(desktop.stop());

@@ -3,26 +3,19 @@
 #include <algorithm>
 #include <csignal>
 #include <cstring>
-#include <linux/landlock.h>
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/syscall.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 #include "foundation/FileDescriptor.hpp"
+#include "tests/support/Confined.hpp"
 #include "tests/support/ZeltoProcess.hpp"
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::test {
 namespace {
-
-#ifdef __SANITIZE_ADDRESS__
-constexpr bool isSanitized = true;
-#else
-constexpr bool isSanitized = false;
-#endif
 
 widgetkit::Confinement confinementOf(const std::filesystem::path& home) {
     const auto result =
@@ -33,7 +26,7 @@ widgetkit::Confinement confinementOf(const std::filesystem::path& home) {
 }
 
 bool isLacking(const std::string& name) {
-    const auto lacks = confinementOf("/no/such/home").lacks;
+    const auto lacks = lackedHere();
     return std::ranges::find(lacks, name) != lacks.end();
 }
 
@@ -41,19 +34,7 @@ TEST_F(ZeltoProcess, TheBundleTellsHowTheExtensionIsConfined) {
     const auto confinement = confinementOf(folder.path());
     EXPECT_EQ(
         confinement.folders, std::vector<std::string>{folder.path() / "Library/Application Support/Zelto"});
-    // A kernel may lack what it likes; sanitizers always do without these two.
-    if (isSanitized) {
-        EXPECT_TRUE(isLacking("limits"));
-        EXPECT_TRUE(isLacking("seccomp"));
-    } else {
-        EXPECT_FALSE(isLacking("limits"));
-        if (std::filesystem::exists("/proc/sys/kernel/seccomp/actions_avail")) {
-            EXPECT_FALSE(isLacking("seccomp"));
-        }
-    }
-    if (syscall(SYS_landlock_create_ruleset, nullptr, std::size_t{0}, LANDLOCK_CREATE_RULESET_VERSION) >= 1) {
-        EXPECT_FALSE(isLacking("landlock"));
-    }
+    EXPECT_EQ(confinement.lacks, lackedHere());
 }
 
 /// What is tried, on what, and which part of the confinement refuses it.

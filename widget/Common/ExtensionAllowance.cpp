@@ -1,6 +1,5 @@
 #include "Common/ExtensionAllowance.hpp"
 
-#include <array>
 #include <vector>
 
 namespace zelto::widget {
@@ -9,8 +8,7 @@ namespace {
 using confinement::AllowedCall;
 using Terms = AllowedCall::Terms;
 
-/// Beside the basic ones.
-constexpr std::array ownCalls{
+const std::vector<AllowedCall> ownCalls{
     AllowedCall{ZELTO_CALL(openat), Terms::readOnly},
     AllowedCall{ZELTO_CALL(getdents64)},
     AllowedCall{ZELTO_CALL(readlink)},
@@ -28,16 +26,6 @@ constexpr std::array ownCalls{
     AllowedCall{ZELTO_CALL(prlimit64), Terms::askingOnly},
 };
 
-const std::vector<AllowedCall>& allCalls() {
-    static const std::vector<AllowedCall> all = [] {
-        const auto basic = confinement::basicCalls();
-        std::vector<AllowedCall> out(basic.begin(), basic.end());
-        out.insert(out.end(), ownCalls.begin(), ownCalls.end());
-        return out;
-    }();
-    return all;
-}
-
 }  // namespace
 
 confinement::Allowance extensionAllowance(
@@ -54,7 +42,7 @@ confinement::Allowance extensionAllowance(
              machine / "sys/class/power_supply",
              machine / "sys/block",
              machine / "sys/devices"},
-        .calls = allCalls()};
+        .calls = ownCalls};
     if (timeZone.starts_with('/')) out.readable.emplace_back(timeZone);
     return out;
 }

@@ -6,7 +6,13 @@
 #include <mutex>
 #include <thread>
 
+#include "foundation/Result.hpp"
+
 namespace zelto::host {
+
+/// Does work that waits for the disk, one after the other, and hands its result to the caller's thread.
+using OnDisk =
+    std::function<void(std::function<Result<void>()> work, std::function<void(Result<void>)> then)>;
 
 /// Does what waits for the disk, one after the other, away from the thread that shows things. All of it is
 /// done when this object is gone.

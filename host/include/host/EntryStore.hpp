@@ -1,7 +1,5 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -16,6 +14,8 @@
 
 namespace zelto::host {
 
+class DrawingMark;
+
 /// The last good timeline of every placed widget, one file each in a folder of their own, so that the widgets
 /// show at once after a start: the reply as it came from the extension. What is lost here is asked for again:
 /// faults are an absent timeline.
@@ -24,8 +24,8 @@ class EntryStore {
     /// Nothing else may be kept in the folder.
     explicit EntryStore(std::filesystem::path folder) : folder_(std::move(folder)) {}
 
-    /// For the one process that draws from here, at its start: drops what the last three before it died of
-    /// drawing, and returns its file's name.
+    /// For the one process that draws from here, at its start: drops what those before it died of drawing
+    /// (DrawingMark.hpp), and returns its file's name.
     std::optional<std::string> dropUnfinished();
     /// Marks a widget's timeline as being drawn while a function runs, where even a death leaves the mark: in
     /// a page of memory that belongs to a file. Costs no system call.
@@ -43,12 +43,7 @@ class EntryStore {
     std::filesystem::path fileOf(const PlacedWidget& widget) const;
 
     std::filesystem::path folder_;
-    /// What is in the page: the names of files.
-    struct Mark {
-        std::array<char, 1024> drawing, suspect;  // now; when the process before this one died
-        std::uint8_t deaths;                      // of the latter, one after the other
-    };
-    std::shared_ptr<Mark> mark_;  // null for others, and where there is no room for it
+    std::shared_ptr<DrawingMark> mark_;  // null for others, and where there is no room for it
 };
 
 }  // namespace zelto::host

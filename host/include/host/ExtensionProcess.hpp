@@ -75,7 +75,7 @@ class ExtensionProcess {
     std::shared_ptr<State> state_;
 };
 
-/// The extension program that was installed beside the running one.
+/// The extension that is installed beside every program here.
 std::filesystem::path installedExtension();
 
 }  // namespace zelto::host

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "host/DiskThread.hpp"
 #include "host/EntryStore.hpp"
 #include "host/ExtensionClient.hpp"
 #include "host/PlacedWidget.hpp"
@@ -18,10 +19,6 @@ namespace zelto::host {
 /// now. For one thread.
 class Timelines {
   public:
-    /// Does work that waits for the disk, in order, and hands its result to this thread.
-    using OnDisk =
-        std::function<void(std::function<Result<void>()> work, std::function<void(Result<void>)> then)>;
-
     Timelines(EntryStore store, AskerSeams seams, OnDisk onDisk)
         : store_(std::move(store)), seams_(std::move(seams)), onDisk_(std::move(onDisk)) {}
 

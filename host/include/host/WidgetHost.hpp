@@ -22,10 +22,8 @@ struct HostSeams {
     /// Replaces the instant at which `wake` is to be called; absent for none.
     std::function<void(std::optional<Date>)> wakeAt;
     std::function<void(const std::string&)> log;
-    /// Does work that waits for the disk, one after the other, and hands its result to the host's thread. At
-    /// once without it.
-    std::function<void(std::function<Result<void>()> work, std::function<void(Result<void>)> then)> onDisk =
-        [](const auto& work, const auto& then) { then(work()); };
+    /// At once without it.
+    OnDisk onDisk = [](const auto& work, const auto& then) { then(work()); };
     /// Calls a function on the host's thread, after what else waits there. At once without it.
     std::function<void(std::function<void()>)> soon = [](const auto& function) { function(); };
 };

@@ -4,7 +4,6 @@
 #include <fstream>
 #include <functional>
 #include <gdk-pixbuf/gdk-pixbuf.h>
-#include <jpeglib.h>
 #include <sstream>
 #include <webp/encode.h>
 #include <webp/mux.h>
@@ -14,6 +13,7 @@
 
 #include "foundation/FileDescriptor.hpp"
 #include "imaging/Thumbnail.hpp"
+#include "tests/platform/JPEGs.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
@@ -43,36 +43,11 @@ std::string exif(int orientation) {
 }
 
 std::string jpeg(bool isProgressive, const std::string& block) {
-    jpeg_compress_struct encoder{};
-    jpeg_error_mgr errors{};
-    encoder.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&encoder);
-    unsigned char* bytes = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&encoder, &bytes, &size);
-    encoder.image_width = width;
-    encoder.image_height = height;
-    encoder.input_components = 3;
-    encoder.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&encoder);
-    if (isProgressive) jpeg_simple_progression(&encoder);
-    jpeg_start_compress(&encoder, TRUE);
-    if (!block.empty())
-        jpeg_write_marker(
-            &encoder,
-            JPEG_APP0 + 1,
-            reinterpret_cast<const JOCTET*>(block.data()),
-            static_cast<unsigned>(block.size()));
-    auto rows = pixels();
-    for (std::size_t y = 0; y < height; ++y) {
-        JSAMPROW row = rows.data() + y * width * 3;
-        jpeg_write_scanlines(&encoder, &row, 1);
-    }
-    jpeg_finish_compress(&encoder);
-    jpeg_destroy_compress(&encoder);
-    std::string out(reinterpret_cast<const char*>(bytes), size);
-    std::free(bytes);
-    return out;
+    const auto all = pixels();
+    return encoded({width, height, isProgressive, block}, [&](std::uint32_t y) {
+        const auto begin = all.begin() + static_cast<std::ptrdiff_t>(y) * width * 3;
+        return std::vector<std::uint8_t>(begin, begin + width * 3);
+    });
 }
 
 std::string webp(const std::string& block) {

@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "drawing/PNG.hpp"
 #include "foundation/FileDescriptor.hpp"
 #include "imaging/Thumbnail.hpp"
+#include "tests/support/Pictures.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
@@ -15,15 +15,6 @@ namespace {
 std::optional<ui::node::Image> decoded(const std::filesystem::path& path) {
     const FileDescriptor file(open(path.c_str(), O_RDONLY | O_CLOEXEC));
     return imaging::decode(file.get(), 66);
-}
-
-std::string png(int width, int height, std::uint32_t pixel) {
-    const drawing::Picture picture{
-        width,
-        height,
-        std::vector<std::uint32_t>(
-            static_cast<std::size_t>(width) * static_cast<std::size_t>(height), pixel)};
-    return *drawing::encodePNG(picture);
 }
 
 TEST(Thumbnail, IsTheMiddleScaledDown) {

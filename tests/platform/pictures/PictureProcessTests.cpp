@@ -12,25 +12,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "drawing/PNG.hpp"
 #include "foundation/Files.hpp"
 #include "pictures/PictureProcess.hpp"
 #include "tests/support/Paths.hpp"
+#include "tests/support/Pictures.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
 namespace zelto::test {
 
 using namespace pictures;
 namespace {
-
-std::string png(int width, int height, std::uint32_t pixel) {
-    const drawing::Picture picture{
-        width,
-        height,
-        std::vector<std::uint32_t>(
-            static_cast<std::size_t>(width) * static_cast<std::size_t>(height), pixel)};
-    return *drawing::encodePNG(picture);
-}
 
 struct Pictures : testing::Test {
     TemporaryFolder folder;

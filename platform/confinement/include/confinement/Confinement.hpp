@@ -19,6 +19,7 @@ struct AllowedCall {
         readOnly,     // an `openat` that neither writes nor makes anything
         flagsOnly,    // an `fcntl` that reads or sets flags
         threadsOnly,  // a `clone` that starts a thread, not a process
+        noNamespace,  // a `clone` that leaves what it starts among all others
         askingOnly,   // a `prlimit64` that sets nothing
         connected,    // a `sendto` without an address
         deadlyOnly,   // a `kill` by SIGKILL
@@ -35,8 +36,8 @@ struct AllowedCall {
 struct Allowance {
     /// Files and folders, with all below them, that stay readable. What is not there is passed over.
     std::vector<std::filesystem::path> readable = {};
-    /// The only system calls.
-    std::span<const AllowedCall> calls;
+    /// The only system calls, beside the basic ones.
+    std::vector<AllowedCall> calls = {};
     /// Bytes of address space; open files.
     std::size_t addressSpace = std::size_t{768} << 20;
     std::size_t openFiles = 256;
@@ -48,15 +49,12 @@ struct Allowance {
 /// has.
 std::span<const AllowedCall> basicCalls();
 
-/// Calls whose very attempt ends the process, where they are not allowed; all other calls that are not fail
-/// with EPERM.
-std::span<const AllowedCall> fatalCalls();
-
 /// Confines this process for good, and all that it starts: no new privileges; limits; no core, no debugger;
 /// death with its parent; only those files readable and none writable (Landlock); only those system calls
-/// (seccomp). To be called before there is a second thread. What the kernel does not offer is returned by
-/// name, and the rest holds: "landlock", "seccomp", "no_new_privs", "limits". In a build with sanitizers
-/// there are neither limits nor a filter, which is returned as lacking.
+/// (seccomp): of the others, those that nothing harmless makes end the process, and the rest fail with EPERM.
+/// To be called before there is a second thread. What the kernel does not offer is returned by name, and the
+/// rest holds: "landlock", "seccomp", "no_new_privs", "limits". In a build with sanitizers there are neither
+/// limits nor a filter, which is returned as lacking.
 std::vector<std::string> confine(const Allowance& allowance);
 
 /// Closes all descriptors from `first` on.

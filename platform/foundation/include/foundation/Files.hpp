@@ -40,6 +40,9 @@ void removeLeftovers(const std::filesystem::path& path);
 /// is. Faults are silent: whoever writes into the folder meets them.
 void makePrivateFolder(const std::filesystem::path& path);
 
+/// A program that was installed beside the running one.
+std::filesystem::path programBeside(std::string_view name);
+
 /// Where a user's home is looked up.
 struct HomeLookup {
     /// The home folder that the user database has for the current real user id; absent without an entry.

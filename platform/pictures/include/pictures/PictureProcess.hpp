@@ -37,7 +37,7 @@ class PictureProcess {
     std::unique_ptr<State> state_;
 };
 
-/// The picture program that was installed beside the running one.
-std::filesystem::path installedPictures();
+/// The name of the program that a picture process runs.
+constexpr std::string_view programName = "zelto-pictures";
 
 }  // namespace zelto::pictures
