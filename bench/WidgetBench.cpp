@@ -84,7 +84,7 @@ void drawWarm(benchmark::State& state, const Subject& subject) {
     const auto displayList = layout::layOut(subject.entry().view, subject.options(), renderer.measuring());
     drawing::Picture picture = renderer.draw(displayList, 2);
     for (auto _ : state) {
-        renderer.draw(displayList, 2, drawing::Corners::square, picture);
+        renderer.draw(displayList, 2, drawing::Corners::rounded, picture);
         benchmark::ClobberMemory();
     }
 }

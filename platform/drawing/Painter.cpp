@@ -1,7 +1,9 @@
 #include "Painter.hpp"
 
 #include <cmath>
+#include <initializer_list>
 #include <numbers>
+#include <string_view>
 
 #include "Symbols.hpp"
 #include "TypesetText.hpp"
@@ -15,6 +17,9 @@ constexpr int maskPadding = 3;
 /// Coordinates beyond this come only from a hostile reply, and are more than Cairo's fixed-point numbers
 /// hold.
 constexpr double farthest = 1e5;
+/// The largest filled shape that is kept as a mask, and the largest reach of an arc from its centre, in
+/// pixels.
+constexpr double mostFilledPixels = 300'000, farthestKept = 256;
 
 void setSource(cairo_t* context, const ui::Color& color) {
     cairo_set_source_rgba(context, color.red, color.green, color.blue, color.opacity);
@@ -110,6 +115,18 @@ Mask drawnMask(const layout::Rect& ink, double scale, double shift, Draw draw) {
     return mask;
 }
 
+/// A key for a mask: what is drawn, and its numbers as they lie in memory.
+std::string maskKey(char what, std::initializer_list<double> numbers, std::string_view name = {}) {
+    std::string key(1, what);
+    for (const double number : numbers) key.append(reinterpret_cast<const char*>(&number), sizeof(number));
+    return key.append(name);
+}
+
+/// Pixels to the right and down.
+struct PixelPoint {
+    double x, y;
+};
+
 class ItemPainter {
   public:
     ItemPainter(cairo_t* context, const PaintingTools& tools) : context_(context), tools_(tools) {}
@@ -147,8 +164,7 @@ class ItemPainter {
             drawSymbol(target, *symbol);
         };
         if (tools_.toPixels && space.upright && isMaskable(placed.frame.width, side, space.scale)) {
-            const std::string key =
-                placed.name + '\n' + std::to_string(placed.fontSize) + '\n' + std::to_string(space.scale);
+            const auto key = maskKey('s', {placed.fontSize, space.scale}, placed.name);
             const Mask& mask = tools_.masks.get(key, [&] {
                 return drawnMask({0, 0, placed.frame.width, side}, space.scale, 0, draw);
             });
@@ -174,7 +190,14 @@ class ItemPainter {
             return;
         }
         setSource(context_, std::get<ui::Color>(std::get<ui::Fill>(shape.paint).style));
-        addPath(context_, onPixels(shape.frame, shape.geometry), shape.geometry);
+        const layout::Rect frame = onPixels(shape.frame, shape.geometry);
+        const Similarity space = Similarity::of(context_);
+        if (tools_.toPixels && space.upright && !std::holds_alternative<ui::Polyline>(shape.geometry) &&
+            frame.width * space.scale * frame.height * space.scale < mostFilledPixels) {
+            paintFilled(frame, shape.geometry, space.scale);
+            return;
+        }
+        addPath(context_, frame, shape.geometry);
         cairo_set_fill_rule(context_, CAIRO_FILL_RULE_WINDING);
         cairo_fill(context_);
     }
@@ -241,16 +264,58 @@ class ItemPainter {
         return {left, top, right - left, bottom - top};
     }
 
+    double deviceScale() const {
+        double x = 1, y = 1;
+        cairo_surface_get_device_scale(cairo_get_target(context_), &x, &y);
+        return x;
+    }
+    PixelPoint toPixels(double x, double y) const {
+        const double scale = deviceScale();
+        cairo_user_to_device(context_, &x, &y);
+        return {x * scale, y * scale};
+    }
+    /// Paints a mask whose origin is at a pixel.
+    void paintMaskAt(const Mask& mask, double x, double y) const {
+        const SavedState saved(context_);
+        const double scale = deviceScale();
+        cairo_identity_matrix(context_);
+        cairo_scale(context_, 1 / scale, 1 / scale);
+        cairo_mask_surface(context_, mask.surface.get(), x + mask.x, y + mask.y);
+    }
     /// Paints a mask whose origin is at user coordinates (x, y), on whole pixels.
     void paintMask(const Mask& mask, double x, double y) const {
-        double deviceX = 1, deviceY = 1;
-        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
-        cairo_user_to_device(context_, &x, &y);
-        const SavedState saved(context_);
-        cairo_identity_matrix(context_);
-        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
-        cairo_mask_surface(
-            context_, mask.surface.get(), std::round(x * deviceX) + mask.x, std::round(y * deviceY) + mask.y);
+        const auto [column, row] = toPixels(x, y);
+        paintMaskAt(mask, std::round(column), std::round(row));
+    }
+
+    /// Cards and bars recur with every picture, where they stood.
+    void paintFilled(const layout::Rect& frame, const ui::Geometry& geometry, double scale) const {
+        const auto [x, y] = toPixels(frame.x, frame.y);
+        const double column = std::floor(x), row = std::floor(y);
+        const auto* rectangle = std::get_if<ui::RoundedRectangle>(&geometry);
+        const layout::Rect own{(x - column) / scale, (y - row) / scale, frame.width, frame.height};
+        const auto key = maskKey(
+            'f',
+            {static_cast<double>(geometry.index()),
+             rectangle ? rectangle->radius : 0,
+             own.x,
+             own.y,
+             own.width,
+             own.height,
+             scale});
+        const Mask& mask = tools_.masks.get(key, [&] {
+            Mask made;
+            made.surface.reset(cairo_image_surface_create(
+                CAIRO_FORMAT_A8,
+                static_cast<int>(std::ceil((own.x + own.width) * scale)),
+                static_cast<int>(std::ceil((own.y + own.height) * scale))));
+            const Context target(cairo_create(made.surface.get()));
+            cairo_scale(target.get(), scale, scale);
+            addPath(target.get(), own, geometry);
+            cairo_fill(target.get());
+            return made;
+        });
+        paintMaskAt(mask, column, row);
     }
 
     /// What fits a widget is; what a stranger makes larger is drawn without being kept.
@@ -262,15 +327,10 @@ class ItemPainter {
     /// Glyphs stand where they belong, to a quarter of a pixel, and the baseline on a pixel's edge, or feet
     /// of letters would be grey.
     void paintTextMask(const TypesetText& typeset, double scale) const {
-        double deviceX = 1, deviceY = 1, x = 0, y = typeset.extent.baseline;
-        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
-        cairo_user_to_device(context_, &x, &y);
-        const double quarters = std::round(x * deviceX * 4), column = std::floor(quarters / 4);
+        const auto [x, y] = toPixels(0, typeset.extent.baseline);
+        const double quarters = std::round(x * 4), column = std::floor(quarters / 4);
         const Mask& mask = textMask(typeset, scale, static_cast<int>(quarters - column * 4));
-        const SavedState saved(context_);
-        cairo_identity_matrix(context_);
-        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
-        cairo_mask_surface(context_, mask.surface.get(), column + mask.x, std::round(y * deviceY) + mask.y);
+        paintMaskAt(mask, column, std::round(y));
     }
 
     static const Mask& textMask(const TypesetText& typeset, double scale, int quarter) {
@@ -336,23 +396,35 @@ class ItemPainter {
 
     void paintArc(const layout::Rect& frame, double trim, double lineWidth) const {
         const Similarity space = Similarity::of(context_);
-        double deviceX = 1, deviceY = 1;
-        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
-        double x = frame.center().x, y = frame.center().y;
-        cairo_user_to_device(context_, &x, &y);
+        const layout::Point center = frame.center();
+        const auto [x, y] = toPixels(center.x, center.y);
+        const double column = std::floor(x), row = std::floor(y);
+        ArcStroke arc{
+            .centerX = x - column,
+            .centerY = y - row,
+            .radius = std::min(frame.width, frame.height) / 2 * space.scale,
+            .lineWidth = lineWidth * space.scale,
+            .start = space.angle,
+            .sweep = 2 * std::numbers::pi * trim};
+        const double reach = std::ceil(arc.radius + arc.lineWidth / 2) + 2;
+        if (reach <= farthestKept) {
+            const auto key =
+                maskKey('a', {arc.centerX, arc.centerY, arc.radius, arc.lineWidth, arc.start, arc.sweep});
+            const int side = static_cast<int>(reach);
+            const Mask& mask = tools_.masks.get(key, [&] {
+                return arcMask(arc, PixelBounds{-side, -side, side + 1, side + 1});
+            });
+            paintMaskAt(mask, column, row);
+            return;
+        }
+        // What is larger than a widget comes from a stranger: no more of it is made than can be seen.
         const SavedState saved(context_);
         cairo_identity_matrix(context_);
-        cairo_scale(context_, 1 / deviceX, 1 / deviceY);
-        const Mask mask = arcMask(
-            {.centerX = x * deviceX,
-             .centerY = y * deviceY,
-             .radius = std::min(frame.width, frame.height) / 2 * space.scale,
-             .lineWidth = lineWidth * space.scale,
-             .start = space.angle,
-             .sweep = 2 * std::numbers::pi * trim},
-            visiblePixels());
-        if (!mask.surface) return;
-        cairo_mask_surface(context_, mask.surface.get(), mask.x, mask.y);
+        cairo_scale(context_, 1 / deviceScale(), 1 / deviceScale());
+        arc.centerX = x;
+        arc.centerY = y;
+        const Mask mask = arcMask(arc, visiblePixels());
+        if (mask.surface) cairo_mask_surface(context_, mask.surface.get(), mask.x, mask.y);
     }
 
     cairo_t* context_;

@@ -5,6 +5,7 @@
 
 #include <cairo-svg.h>
 
+#include "ContainerEdge.hpp"
 #include "Painter.hpp"
 #include "drawing/Paths.hpp"
 
@@ -36,26 +37,21 @@ std::uint32_t opaquePixel(const ui::LinearGradient& gradient, double t) {
            channel(gradient.top.blue, gradient.bottom.blue);
 }
 
-/// Whole pixels of a picture.
-struct PixelArea {
-    int left, top, right, bottom;
-
-    /// Those that a rectangle in points touches.
-    static PixelArea touched(layout::Rect area, double scale, const Picture& picture) {
-        const auto pixel = [scale](double points, int most) {
-            return static_cast<int>(std::clamp(points * scale, 0.0, static_cast<double>(most)));
-        };
-        return {
-            pixel(area.x, picture.width),
-            pixel(area.y, picture.height),
-            pixel(area.x + area.width + 1 / scale, picture.width),
-            pixel(area.y + area.height + 1 / scale, picture.height)};
-    }
-};
+/// The whole pixels of a picture that a rectangle in points touches.
+PixelBounds touched(layout::Rect area, double scale, const Picture& picture) {
+    const auto pixel = [scale](double points, int most) {
+        return static_cast<int>(std::clamp(points * scale, 0.0, static_cast<double>(most)));
+    };
+    return {
+        pixel(area.x, picture.width),
+        pixel(area.y, picture.height),
+        pixel(area.x + area.width + 1 / scale, picture.width),
+        pixel(area.y + area.height + 1 / scale, picture.height)};
+}
 
 /// Rows of one colour each: what a gradient from top to bottom comes to, at the price of filling the pixels.
 void fillBackground(
-    Picture& picture, const std::optional<ui::LinearGradient>& gradient, const PixelArea& area) {
+    Picture& picture, const std::optional<ui::LinearGradient>& gradient, const PixelBounds& area) {
     const auto width = static_cast<std::size_t>(picture.width);
     for (int y = area.top; y < area.bottom; ++y)
         std::fill_n(
@@ -74,26 +70,10 @@ Pattern gradientPattern(const ui::LinearGradient& gradient, double height) {
     return pattern;
 }
 
-void addOutline(cairo_t* context, layout::Size size, double inset = 0) {
-    addContinuousRectangle(
-        context,
-        {inset, inset, size.width - 2 * inset, size.height - 2 * inset},
-        containerCornerRadius - inset);
-}
-
-void clearCorners(cairo_t* context, layout::Size size) {
-    cairo_rectangle(context, 0, 0, size.width, size.height);
-    addOutline(context, size);
-    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
-    cairo_set_operator(context, CAIRO_OPERATOR_CLEAR);
-    cairo_fill(context);
-    cairo_set_operator(context, CAIRO_OPERATOR_OVER);
-}
-
-/// A light rim, one pixel wide: it keeps a widget's edge in sight on black.
+/// A light rim, one pixel wide.
 void paintRim(cairo_t* context, layout::Size size, double scale) {
-    addOutline(context, size);
-    addOutline(context, size, 1 / scale);
+    addContainerOutline(context, size);
+    addContainerOutline(context, size, 1 / scale);
     cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_set_source_rgba(context, 1, 1, 1, 0.09);
     cairo_fill(context);
@@ -120,6 +100,7 @@ void paintShadow(cairo_t* context, layout::Size size) {
 struct Renderer::State {
     Typesetter typesetter;
     MaskCache masks;
+    ContainerEdge edge;
 
     PaintingTools tools(bool toPixels) { return {typesetter, masks, toPixels}; }
 };
@@ -149,7 +130,7 @@ void Renderer::draw(const layout::DisplayList& displayList, double scale, Corner
 void Renderer::redraw(
     const layout::DisplayList& displayList, double scale, Corners corners, layout::Rect within,
     Picture& picture) {
-    const PixelArea area = PixelArea::touched(within, scale, picture);
+    const PixelBounds area = touched(within, scale, picture);
     fillBackground(picture, displayList.background, area);
     const Surface surface = surfaceOver(picture);
     const Context context(cairo_create(surface.get()));
@@ -160,9 +141,8 @@ void Renderer::redraw(
         const SavedState saved(context.get());
         paint(context.get(), displayList, state_->tools(true));
     }
-    if (corners == Corners::rounded) clearCorners(context.get(), displayList.size);
-    if (corners != Corners::square) paintRim(context.get(), displayList.size, scale);
     cairo_surface_flush(surface.get());
+    state_->edge.paint(picture, scale, corners, area);
 }
 
 Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size, double scale) {
@@ -184,7 +164,7 @@ Picture Renderer::drawSheet(std::span<const SheetItem> items, layout::Size size,
         const SavedState saved(context);
         cairo_translate(context, origin.x, origin.y);
         paintShadow(context, displayList->size);
-        addOutline(context, displayList->size);
+        addContainerOutline(context, displayList->size);
         if (displayList->background) {
             const Pattern gradient = gradientPattern(*displayList->background, displayList->size.height);
             cairo_set_source(context, gradient.get());
@@ -210,7 +190,7 @@ std::optional<std::string> Renderer::svg(const layout::DisplayList& displayList,
         cairo_svg_surface_set_document_unit(surface.get(), CAIRO_SVG_UNIT_PX);
         const Context context(cairo_create(surface.get()));
         if (corners != Corners::square) {
-            addOutline(context.get(), displayList.size);
+            addContainerOutline(context.get(), displayList.size);
             cairo_clip(context.get());
         }
         if (displayList.background) {

@@ -1,7 +1,6 @@
 #include "KernelFiles.hpp"
 
 #include <charconv>
-#include <map>
 #include <string>
 #include <string_view>
 
@@ -30,23 +29,25 @@ std::optional<std::uint64_t> nextNumber(std::string_view& text) {
     return value;
 }
 
-using KilobyteTable = std::map<std::string, std::uint64_t, std::less<>>;
+/// The lines of the form "MemTotal:  16384 kB" of a file; others are passed over.
+class KilobyteTable {
+  public:
+    explicit KilobyteTable(const fs::path& meminfo) : text_(readFile(meminfo).value_or("")) {}
 
-/// Lines of the form "MemTotal:  16384 kB"; others are passed over.
-KilobyteTable kilobytes(const fs::path& meminfo) {
-    KilobyteTable table;
-    const std::string text = readFile(meminfo).value_or("");
-    for (std::string_view rest = text; !rest.empty();) {
-        std::string_view line = rest.substr(0, rest.find('\n'));
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
-        const auto colon = line.find(':');
-        if (colon == std::string_view::npos) continue;
-        std::string_view value = line.substr(colon + 1);
-        if (const auto number = nextNumber(value); number && nextWord(value) == "kB")
-            table.emplace(line.substr(0, colon), *number);
+    std::optional<std::uint64_t> operator[](std::string_view name) const {
+        for (std::string_view rest = text_; !rest.empty();) {
+            std::string_view line = rest.substr(0, rest.find('\n'));
+            rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+            if (!line.starts_with(name) || line.substr(name.size(), 1) != ":") continue;
+            line.remove_prefix(name.size() + 1);
+            if (const auto number = nextNumber(line); number && nextWord(line) == "kB") return number;
+        }
+        return std::nullopt;
     }
-    return table;
-}
+
+  private:
+    std::string text_;
+};
 
 /// Memory that the zram devices take, in bytes: the third figure of mm_stat.
 std::uint64_t zramBytes(const fs::path& blockDevices) {
@@ -84,13 +85,12 @@ std::optional<CPUTicks> readCPUTicks(const fs::path& stat) {
 
 std::optional<VirtualMemoryStatistics> readVirtualMemory(
     const fs::path& meminfo, const fs::path& blockDevices, std::uint64_t pageSize) {
-    const KilobyteTable table = kilobytes(meminfo);
+    const KilobyteTable table(meminfo);
     for (const std::string_view required : {"AnonPages", "Shmem", "SUnreclaim"})
-        if (!table.contains(required)) return std::nullopt;
+        if (!table[required]) return std::nullopt;
     if (pageSize == 0) return std::nullopt;
     const auto pages = [&](std::initializer_list<std::string_view> names, std::uint64_t bytes = 0) {
-        for (const auto name : names)
-            if (const auto found = table.find(name); found != table.end()) bytes += found->second * 1024;
+        for (const auto name : names) bytes += table[name].value_or(0) * 1024;
         return bytes / pageSize;
     };
     return VirtualMemoryStatistics{
@@ -102,9 +102,8 @@ std::optional<VirtualMemoryStatistics> readVirtualMemory(
 }
 
 std::uint64_t readPhysicalMemory(const fs::path& meminfo) {
-    const KilobyteTable table = kilobytes(meminfo);
-    const auto total = table.find("MemTotal");
-    return total == table.end() ? 0 : total->second * 1024;
+    const KilobyteTable table(meminfo);
+    return table["MemTotal"].value_or(0) * 1024;
 }
 
 VolumeCapacities capacitiesOf(const struct statvfs& status) {

@@ -1,6 +1,7 @@
 #include "texts/Environment.hpp"
 
 #include <array>
+#include <set>
 
 #include <unicode/uloc.h>
 
@@ -30,10 +31,12 @@ bool isKnownLocale(const std::string& locale) {
     uloc_getLanguage(locale.c_str(), language.data(), language.size(), &status);
     // A language that fills the buffer is no failure to ICU, but is not terminated either.
     if (U_FAILURE(status) || status == U_STRING_NOT_TERMINATED_WARNING || language[0] == '\0') return false;
-    for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) {
-        if (std::string_view(uloc_getAvailable(i)) == language.data()) return true;
-    }
-    return false;
+    static const std::set<std::string, std::less<>> known = [] {
+        std::set<std::string, std::less<>> out;
+        for (std::int32_t i = 0; i < uloc_countAvailable(); ++i) out.emplace(uloc_getAvailable(i));
+        return out;
+    }();
+    return known.contains(std::string_view(language.data()));
 }
 
 }  // namespace zelto::texts

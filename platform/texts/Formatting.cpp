@@ -1,6 +1,9 @@
 #include "texts/Formatting.hpp"
 
 #include <cmath>
+#include <map>
+#include <mutex>
+#include <utility>
 
 #include <unicode/udatpg.h>
 
@@ -32,6 +35,32 @@ bool spellsZero(const std::string& locale) {
     return false;
 }
 
+/// A locale's own pattern for a skeleton; empty without one. Kept for the process's life, since making the
+/// generator costs more than all else that a formatter does, and there are few locales and skeletons.
+std::u16string patternFor(const std::string& locale, const std::u16string& skeleton) {
+    static std::mutex mutex;
+    static std::map<std::pair<std::string, std::u16string>, std::u16string> patterns;
+    constexpr std::size_t mostPatterns = 64;
+    const std::lock_guard lock(mutex);
+    if (const auto found = patterns.find({locale, skeleton}); found != patterns.end()) return found->second;
+    UErrorCode status = U_ZERO_ERROR;
+    const icu::LocalUDateTimePatternGeneratorPointer generator(udatpg_open(locale.c_str(), &status));
+    if (U_FAILURE(status)) return {};
+    auto pattern = filled([&](UChar* out, std::int32_t size, UErrorCode* error) {
+        return udatpg_getBestPatternWithOptions(
+            generator.getAlias(),
+            skeleton.data(),
+            length(skeleton),
+            UDATPG_MATCH_ALL_FIELDS_LENGTH,
+            out,
+            size,
+            error);
+    });
+    // Whoever asks for ever new locales pays for each.
+    if (patterns.size() == mostPatterns) patterns.clear();
+    return patterns[{locale, skeleton}] = std::move(pattern);
+}
+
 }  // namespace
 
 TimeZone Formatting::State::zoneNamed(const std::string& name) const {
@@ -61,19 +90,8 @@ std::string Formatting::State::bySkeleton(const char16_t* skeleton, Date date) {
     auto& kept = skeletons[utf8(fields)];
     if (kept.isNull()) {
         UErrorCode status = U_ZERO_ERROR;
-        const icu::LocalUDateTimePatternGeneratorPointer generator(
-            udatpg_open(environment.locale.c_str(), &status));
-        if (U_FAILURE(status)) return {};
-        const auto pattern = filled([&](UChar* out, std::int32_t size, UErrorCode* error) {
-            return udatpg_getBestPatternWithOptions(
-                generator.getAlias(),
-                fields.data(),
-                length(fields),
-                UDATPG_MATCH_ALL_FIELDS_LENGTH,
-                out,
-                size,
-                error);
-        });
+        const std::u16string pattern = patternFor(environment.locale, fields);
+        if (pattern.empty()) return {};
         kept.adoptInstead(udat_open(
             UDAT_PATTERN,
             UDAT_PATTERN,
