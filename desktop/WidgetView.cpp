@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <gtkmm/cssprovider.h>
+#include <utility>
 
 #include "PaintPicture.hpp"
 #include "drawing/Paths.hpp"
 #include "host/MainLoop.hpp"
+#include "layout/ChangedArea.hpp"
 #include "layout/Layout.hpp"
 #include "ui/Reading.hpp"
 #include "ui/TimerText.hpp"
@@ -45,38 +47,6 @@ void addOutline(
     context->begin_new_path();
     drawing::addContinuousRectangle(
         context->cobj(), {inset, inset, width - 2 * inset, height - 2 * inset}, radius - inset);
-}
-
-/// The countdowns' rectangle, if they are all that differs between two display lists.
-std::optional<layout::Rect> countdownArea(
-    const layout::DisplayList& before, const layout::DisplayList& after) {
-    if (before.items.size() != after.items.size() || before.links != after.links) return std::nullopt;
-    std::optional<layout::Rect> area;
-    const auto cover = [&area](const layout::Rect& frame) {
-        if (!area) {
-            area = frame;
-            return;
-        }
-        const double right = std::max(area->x + area->width, frame.x + frame.width);
-        const double bottom = std::max(area->y + area->height, frame.y + frame.height);
-        area->x = std::min(area->x, frame.x);
-        area->y = std::min(area->y, frame.y);
-        area->width = right - area->x;
-        area->height = bottom - area->y;
-    };
-    for (std::size_t i = 0; i < before.items.size(); ++i) {
-        // What is turned lies elsewhere than its frame says.
-        if (std::holds_alternative<layout::BeginRotation>(after.items[i])) return std::nullopt;
-        const auto* old = std::get_if<layout::PlacedCountdown>(&before.items[i]);
-        const auto* now = std::get_if<layout::PlacedCountdown>(&after.items[i]);
-        if (old && now) {
-            cover(old->text.frame);
-            cover(now->text.frame);
-        } else if (before.items[i] != after.items[i]) {
-            return std::nullopt;
-        }
-    }
-    return area;
 }
 
 }  // namespace
@@ -131,6 +101,8 @@ void WidgetView::name(const std::string& displayName) {
     name_ = displayName;
     get_accessible()->set_name(displayName);
     whole_.get_accessible()->set_name(displayName);
+    // Links without a name have the widget's.
+    placeLinks();
 }
 
 void WidgetView::resize(widgetkit::WidgetFamily family) {
@@ -148,11 +120,32 @@ void WidgetView::present(const widgetkit::ArchivedEntry& entry) {
 
 void WidgetView::layOutAgain() {
     const Date now = seams_.now();
-    displayList_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
-    placeLinks();
+    const auto before = std::exchange(
+        displayList_, layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring()));
     describe(now);
+    if (before.links != displayList_.links) placeLinks();
     whole_.get_accessible()->set_role(displayList_.widgetURL ? Atk::ROLE_LINK : Atk::ROLE_PANEL);
-    drawAll();
+    drawChanges(before);
+}
+
+void WidgetView::drawChanges(const layout::DisplayList& before) {
+    if (drawnScale_ != scale()) {
+        drawAll();
+        return;
+    }
+    const layout::Rect area = layout::changedArea(before, displayList_);
+    if (area.width <= 0) return;
+    if (area.width == size_.width && area.height == size_.height) {
+        drawAll();
+        return;
+    }
+    seams_.renderer.redraw(displayList_, drawnScale_, seams_.corners, area, picture_);
+    // A pixel more on each side: frames need not lie on whole ones.
+    queue_draw_area(
+        static_cast<int>(area.x * zoom_) - 1,
+        static_cast<int>(area.y * zoom_) - 1,
+        static_cast<int>(area.width * zoom_) + 3,
+        static_cast<int>(area.height * zoom_) + 3);
 }
 
 /// What is read of it aloud.
@@ -244,23 +237,7 @@ void WidgetView::waitForTick() {
 }
 
 void WidgetView::tick() {
-    if (!isSeen_ || !entry_) return;
-    const Date now = seams_.now();
-    auto before = std::move(displayList_);
-    displayList_ = layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring());
-    describe(now);
-    const auto area = countdownArea(before, displayList_);
-    if (!area) {
-        if (before != displayList_) layOutAgain();
-        return;
-    }
-    seams_.renderer.redraw(displayList_, drawnScale_, seams_.corners, *area, picture_);
-    // A pixel more on each side: frames need not lie on whole ones.
-    queue_draw_area(
-        static_cast<int>(area->x * zoom_) - 1,
-        static_cast<int>(area->y * zoom_) - 1,
-        static_cast<int>(area->width * zoom_) + 3,
-        static_cast<int>(area->height * zoom_) + 3);
+    if (isSeen_ && entry_) layOutAgain();
 }
 
 }  // namespace zelto::desktop

@@ -30,7 +30,7 @@ class TapArea : public Gtk::Button {
 };
 
 /// What a widget shows, and where it can be tapped: its picture, with one area for all of it and one for each
-/// link. Drawn once for each entry; a countdown redraws its own rectangle once a second while it is seen.
+/// link. What an entry changes is drawn, and a countdown once a second while it is seen.
 class WidgetView : public Gtk::Fixed {
   public:
     struct Seams {
@@ -61,6 +61,8 @@ class WidgetView : public Gtk::Fixed {
     void describe(Date now);
     void placeLinks();
     void drawAll();
+    /// Draws what differs from what is drawn.
+    void drawChanges(const layout::DisplayList& before);
     void tick();
     void waitForTick();
     double scale() const;

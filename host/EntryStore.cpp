@@ -1,13 +1,20 @@
 #include "host/EntryStore.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdint>
+#include <cstring>
 #include <set>
 #include <string>
+#include <utility>
 
+#include <fcntl.h>
 #include <system_error>
+#include <unistd.h>
 
 #include "DrawingMark.hpp"
+#include "foundation/FileDescriptor.hpp"
 #include "foundation/Files.hpp"
 
 namespace zelto::host {
@@ -33,6 +40,38 @@ std::string spelled(std::string_view text) {
     return out;
 }
 
+/// What a widget's file is called beside others.
+std::string nameOf(const PlacedWidget& widget) {
+    return spelled(widget.id) + "." + spelled(widget.kind) + "." +
+           std::string(records::nameOf(widget.family));
+}
+
+constexpr std::array suffixes{".1.json", ".2.json"};
+std::filesystem::path withSuffix(std::filesystem::path path, const char* suffix) {
+    path += suffix;
+    return path;
+}
+
+/// A file that is there but did not become whole is as good as none.
+bool writeNewFile(const std::filesystem::path& path, std::string_view bytes) {
+    std::error_code error;
+    std::filesystem::remove(path, error);
+    const FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    if (!file) return false;
+    while (!bytes.empty()) {
+        const ssize_t count = write(file.get(), bytes.data(), bytes.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0) {
+            const int reason = errno;
+            std::filesystem::remove(path, error);
+            errno = reason;
+            return false;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
 constexpr const char* markName = "drawing";
 
 }  // namespace
@@ -41,12 +80,13 @@ std::optional<std::string> EntryStore::dropUnfinished() {
     makeFolder();
     mark_ = DrawingMark::at(folder_ / markName);
     const auto name = mark_ ? mark_->cause() : std::nullopt;
-    std::error_code error;
     // Whatever the page says, nothing beyond the folder is meant.
-    if (name && std::filesystem::path(*name).filename() == *name &&
-        std::filesystem::remove(folder_ / *name, error))
-        return name;
-    return std::nullopt;
+    if (!name || std::filesystem::path(*name).filename() != *name) return std::nullopt;
+    bool isAny = false;
+    std::error_code error;
+    for (const char* suffix : suffixes)
+        isAny = std::filesystem::remove(withSuffix(folder_ / *name, suffix), error) || isAny;
+    return isAny ? name : std::nullopt;
 }
 
 void EntryStore::makeFolder() const {
@@ -58,36 +98,47 @@ void EntryStore::makeFolder() const {
 
 void EntryStore::whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
     if (mark_)
-        mark_->during(fileOf(widget).filename().string(), draw);
+        mark_->during(nameOf(widget), draw);
     else
         draw();
 }
 
-std::filesystem::path EntryStore::fileOf(const PlacedWidget& widget) const {
-    return folder_ / (spelled(widget.id) + "." + spelled(widget.kind) + "." +
-                      std::string(records::nameOf(widget.family)) + ".json");
+std::array<std::filesystem::path, 2> EntryStore::filesOf(const PlacedWidget& widget) const {
+    const auto stem = folder_ / nameOf(widget);
+    std::array files{withSuffix(stem, suffixes[0]), withSuffix(stem, suffixes[1])};
+    // Both are there only when a death came between the writing of one and the removal of the other.
+    std::error_code error;
+    if (std::filesystem::last_write_time(files[0], error) < std::filesystem::last_write_time(files[1], error))
+        std::swap(files[0], files[1]);
+    return files;
 }
 
 std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) const {
-    const auto line = readFile(fileOf(widget), largestFile);
-    if (!line) return std::nullopt;
-    auto reply = widgetkit::decodeReply(*line);
-    if (!reply) return std::nullopt;
-    return std::move(reply->timeline);
+    for (const auto& file : filesOf(widget)) {
+        const auto line = readFile(file, largestFile);
+        if (!line) continue;
+        // What is cut short is none.
+        if (auto reply = widgetkit::decodeReply(*line); reply && reply->timeline)
+            return std::move(reply->timeline);
+    }
+    return std::nullopt;
 }
 
 Result<void> EntryStore::save(const PlacedWidget& widget, std::string_view line) const {
     if (line.size() > largestFile) return Fault{.reason = "larger than 2 MiB"};
     makeFolder();
-    const auto file = fileOf(widget);
-    if (!writeFileAtomically(file, line, {.durability = Durability::processDeath, .readers = Readers::owner}))
-        return Fault{.path = file.string(), .reason = "cannot be written"};
+    const auto [newest, other] = filesOf(widget);
+    std::error_code error;
+    const auto target = std::filesystem::exists(newest, error) ? other : newest;
+    if (!writeNewFile(target, line)) return Fault{.path = target.string(), .reason = std::strerror(errno)};
+    std::filesystem::remove(target == newest ? other : newest, error);
     return {};
 }
 
 void EntryStore::keepOnly(const std::vector<PlacedWidget>& widgets) const {
     std::set<std::filesystem::path> kept{folder_ / markName};
-    for (const PlacedWidget& widget : widgets) kept.insert(fileOf(widget));
+    for (const PlacedWidget& widget : widgets)
+        for (const char* suffix : suffixes) kept.insert(withSuffix(folder_ / nameOf(widget), suffix));
     std::error_code error;
     std::vector<std::filesystem::path> others;
     for (std::filesystem::directory_iterator entry(folder_, error), end; entry != end && !error;

@@ -94,6 +94,11 @@ void Schedule::failed(const std::string& id, Date now) {
     if (widget.askAt) widget.askAt = now + widget.backoff.pause();
 }
 
+const widgetkit::ArchivedTimeline* Schedule::timeline(const std::string& id) const {
+    const auto found = widgets_.find(id);
+    return found != widgets_.end() && found->second.timeline ? &*found->second.timeline : nullptr;
+}
+
 const widgetkit::ArchivedEntry* Schedule::shown(const std::string& id) const {
     const auto found = widgets_.find(id);
     return found != widgets_.end() && found->second.shown ? &*found->second.shown : nullptr;

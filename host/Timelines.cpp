@@ -11,6 +11,13 @@ bool showSame(const PlacedWidget& a, const PlacedWidget& b) {
     return a.id == b.id && a.kind == b.kind && a.family == b.family;
 }
 
+/// Whether a start would show the same of both.
+bool showAlike(const widgetkit::ArchivedTimeline& a, const widgetkit::ArchivedTimeline& b) {
+    if (a.entries.size() == 1 && b.entries.size() == 1)
+        return a.entries.front().view == b.entries.front().view;
+    return a.entries == b.entries;
+}
+
 bool isAmong(const PlacedWidget& widget, const std::vector<PlacedWidget>& widgets) {
     return std::ranges::any_of(widgets, [&](const PlacedWidget& each) { return showSame(each, widget); });
 }
@@ -24,11 +31,16 @@ void Timelines::follow(const std::vector<PlacedWidget>& widgets) {
         if (isAmong(old, widgets_)) continue;
         schedule_.remove(old.id);
         failures_.erase(old.id);
+        stored_.erase(old.id);
         isAnyGone = true;
     }
     if (isAnyGone) forgetOthers();
-    for (const PlacedWidget& widget : widgets_)
-        if (!isAmong(widget, before)) schedule_.add(widget.id, store_.load(widget));
+    for (const PlacedWidget& widget : widgets_) {
+        if (isAmong(widget, before)) continue;
+        auto stored = store_.load(widget);
+        if (stored) stored_.insert(widget.id);
+        schedule_.add(widget.id, std::move(stored));
+    }
 }
 
 void Timelines::forgetOthers() const {
@@ -49,15 +61,27 @@ std::vector<std::string> Timelines::tick(Date now) {
 
 void Timelines::ask(const std::vector<std::string>& ids) {
     std::vector<widgetkit::Request> requests;
-    std::vector<PlacedWidget> asked;
+    // Copies of one widget are asked for once.
+    std::vector<std::vector<PlacedWidget>> asked;
     for (const PlacedWidget& widget : widgets_) {
         if (std::ranges::find(ids, widget.id) == ids.end()) continue;
+        const auto copies = std::ranges::find_if(asked, [&](const auto& each) {
+            return each.front().kind == widget.kind && each.front().family == widget.family;
+        });
+        if (copies != asked.end()) {
+            copies->push_back(widget);
+            continue;
+        }
         requests.push_back(
             seams_.client.request(widgetkit::RequestKind::timeline, widget.kind, widget.family));
-        asked.push_back(widget);
+        asked.push_back({widget});
     }
     seams_.client.ask(std::move(requests), [this, asked = std::move(asked)](Outcomes&& outcomes) {
-        for (auto& [place, outcome] : outcomes) received(asked.at(place), std::move(outcome));
+        for (auto& [place, outcome] : outcomes) {
+            const auto& copies = asked.at(place);
+            for (std::size_t i = 1; i < copies.size(); ++i) received(copies[i], outcome);
+            received(copies.front(), std::move(outcome));
+        }
         seams_.changed();
     });
 }
@@ -74,8 +98,13 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
         return;
     }
     failures_.erase(asked.id);
-    unsaved_[asked.id] = {asked, std::move(outcome->line)};
-    schedule_.received(asked.id, *std::move(outcome->reply.timeline), seams_.now());
+    widgetkit::ArchivedTimeline& timeline = *outcome->reply.timeline;
+    const auto* before = schedule_.timeline(asked.id);
+    if (!before || !stored_.contains(asked.id) || !showAlike(*before, timeline)) {
+        stored_.erase(asked.id);
+        unsaved_[asked.id] = {asked, std::move(outcome->line)};
+    }
+    schedule_.received(asked.id, std::move(timeline), seams_.now());
 }
 
 void Timelines::storeDrawn(const std::deque<std::string>& undrawn) {
@@ -87,12 +116,15 @@ void Timelines::storeDrawn(const std::deque<std::string>& undrawn) {
         auto drawn = std::move(each->second);
         each = unsaved_.erase(each);
         if (!isAmong(drawn.first, widgets_)) continue;
-        const std::string kind = drawn.first.kind;
+        const PlacedWidget widget = drawn.first;
         onDisk_(
             [store = store_, drawn = std::move(drawn)] { return store.save(drawn.first, drawn.second); },
-            [this, kind](const Result<void>& saved) {
+            [this, widget](const Result<void>& saved) {
                 if (!saved)
-                    seams_.log("the timeline of " + kind + " cannot be stored: " + saved.fault().text());
+                    seams_.log(
+                        "the timeline of " + widget.kind + " cannot be stored: " + saved.fault().text());
+                else if (isAmong(widget, widgets_) && !unsaved_.contains(widget.id))
+                    stored_.insert(widget.id);
             });
     }
 }

@@ -59,13 +59,13 @@ TEST_F(Entries, NamesOfWidgetsStayInTheFolder) {
     odd.id = "../../Ü";
     EXPECT_TRUE(store.save(odd, line));
     EXPECT_TRUE(std::filesystem::exists(
-        folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.ZeltoBattery.systemSmall.json"));
+        folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.ZeltoBattery.systemSmall.1.json"));
     EXPECT_EQ(store.load(odd), timeline);
 }
 
 TEST_F(Entries, AreReadAsAStrangers) {
     EXPECT_TRUE(store.save(battery, line));
-    const auto file = folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.json";
+    const auto file = folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.1.json";
     const auto good = readFile(file).value();
     for (const std::string& bad :
          {std::string(), good.substr(0, good.size() / 2), std::string("{}"), std::string("\xFF")}) {
@@ -85,10 +85,40 @@ TEST_F(Entries, AreReadAsAStrangers) {
 TEST_F(Entries, OfMoreThanTwoMegabytesAreNone) {
     EXPECT_TRUE(store.save(battery, line));
     std::filesystem::resize_file(
-        folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.json", std::uintmax_t{20} << 30);
+        folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.1.json", std::uintmax_t{20} << 30);
     EXPECT_EQ(store.load(battery), std::nullopt);
     // Nor are they written.
     EXPECT_FALSE(store.save(battery, std::string((std::size_t{2} << 20) + 1, ' ')));
+}
+
+TEST_F(Entries, AreWrittenBesideTheOnesBefore) {
+    const auto file = [this](int number) {
+        return folder.path() / ("cache/zelto/b.ZeltoBattery.systemSmall." + std::to_string(number) + ".json");
+    };
+    const ArchivedTimeline later{{{Date{6}, ui::Text("depois")}}, Date{400}};
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_TRUE(store.save(battery, line));
+        EXPECT_TRUE(std::filesystem::exists(file(1)));
+        EXPECT_FALSE(std::filesystem::exists(file(2)));
+        EXPECT_EQ(store.load(battery), timeline);
+        EXPECT_TRUE(store.save(battery, lineOf(later)));
+        EXPECT_FALSE(std::filesystem::exists(file(1)));
+        EXPECT_TRUE(std::filesystem::exists(file(2)));
+        EXPECT_EQ(store.load(battery), later);
+    }
+    // A death on the way: the newer counts, if it is whole, and the next has the other's place.
+    const auto newer = std::filesystem::last_write_time(file(2)) + std::chrono::seconds(1);
+    for (const std::string& written : {line, line.substr(0, 30), std::string()}) {
+        ASSERT_TRUE(writeFileAtomically(file(1), written));
+        ASSERT_TRUE(writeFileAtomically(file(2), lineOf(later)));
+        std::filesystem::last_write_time(file(1), newer);
+        std::filesystem::last_write_time(file(2), newer - std::chrono::seconds(1));
+        EXPECT_EQ(store.load(battery), written == line ? timeline : later);
+    }
+    EXPECT_TRUE(store.save(battery, line));
+    EXPECT_EQ(store.load(battery), timeline);
+    store.keepOnly({clock_});
+    EXPECT_FALSE(std::filesystem::exists(file(1)) || std::filesystem::exists(file(2)));
 }
 
 TEST_F(Entries, OfWidgetsThatAreGoneAreDeleted) {
@@ -119,7 +149,7 @@ TEST_F(Entries, AreDroppedWhenDrawingThemWasTheEnd) {
 
     EntryStore next(folder.path() / "cache/zelto");
     EXPECT_EQ(next.load(battery), timeline);
-    EXPECT_EQ(next.dropUnfinished(), "b.ZeltoBattery.systemSmall.json");
+    EXPECT_EQ(next.dropUnfinished(), "b.ZeltoBattery.systemSmall");
     EXPECT_EQ(next.load(battery), std::nullopt);
     EXPECT_EQ(next.load(clock_), timeline);
     EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), std::nullopt);

@@ -36,6 +36,8 @@ class Schedule {
     void received(const std::string& id, widgetkit::ArchivedTimeline timeline, Date now);
     void failed(const std::string& id, Date now);
 
+    /// The timeline of which it is; null before the first one.
+    const widgetkit::ArchivedTimeline* timeline(const std::string& id) const;
     /// The entry on show; null before the first timeline.
     const widgetkit::ArchivedEntry* shown(const std::string& id) const;
     /// When `at` has something to do next; absent while nothing is to come by itself.

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,7 @@ class Timelines {
     std::vector<PlacedWidget> widgets_;
     std::map<std::string, std::pair<PlacedWidget, std::string>>
         unsaved_;                                  // replies that are not drawn yet, by id
+    std::set<std::string> stored_;                 // ids of those whose latest timeline is on the disk
     std::map<std::string, std::string> failures_;  // of widgets whose last request failed, by id
 };
 
