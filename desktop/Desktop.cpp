@@ -3,6 +3,7 @@
 #include <set>
 
 #include "Strings.hpp"
+#include "system/PowerSources.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -26,7 +27,17 @@ Desktop::Desktop(DesktopOptions options)
         seams(), std::move(layouts), host::EntryStore(options_.folders.cache / "widgets"), *this);
 
     watchClock();
-    watchFolders();
+    watchPaths();
+    session_ = std::make_unique<host::SessionWatch>(
+        options_.bus,
+        bus::Address::system(),
+        host::SessionWatch::Seams{
+            .changed =
+                [this](bool isSeen) {
+                    isScreenSeen_ = isSeen;
+                    for (const auto& [id, window] : windows_) window->tellSeen();
+                },
+            .woke = [this] { host_->freshen(); }});
     if (const auto font = drawing::Renderer::substituteFont())
         options_.log("the font Inter is not installed; texts are drawn in " + *font);
     watchMonitors();
@@ -57,6 +68,11 @@ host::HostSeams Desktop::seams() {
                     host::postToMainThread([then, done = work()] { then(done); });
                 });
             },
+        .refresh = [this]() -> std::optional<double> {
+            if (options_.refresh <= 0 || system::isOnBattery(options_.machine / "sys/class/power_supply"))
+                return std::nullopt;
+            return options_.refresh;
+        },
         .soon =
             [this](std::function<void()> function) {
                 soon_ = host::MainSource::after(0, std::move(function));
@@ -97,9 +113,16 @@ void Desktop::watchClock() {
     });
 }
 
-void Desktop::watchFolders() {
-    folderSource_ = host::MainSource::whenReadable(folders_.fd(), [this] {
-        if (!folders_.take()) return;
+void Desktop::watchPaths() {
+    if (!paths_.works())
+        options_.log("the system has no watch of files to give; what changes in them is seen when it is due");
+    pathSource_ = host::MainSource::whenReadable(paths_.fd(), [this] {
+        const auto changes = paths_.take();
+        if (!changes.folders) {
+            host_->filesChanged(changes.files);
+            return;
+        }
+        supervisor_->restart();
         // What is put into a new folder comes a little later than it.
         folderSettled_ = host::MainSource::after(settledSeconds, [this] {
             supervisor_->restart();
@@ -151,11 +174,18 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
                  // A window that is cut to the outline has no pixels behind it to be seen.
                  .corners =
                      backend_.isTranslucent() ? drawing::Corners::rounded : drawing::Corners::outlined},
+            .isScreenSeen = [this] { return isScreenSeen_; },
+            .entered =
+                [this, id = widget.id] {
+                    session_->somebodyIsThere();
+                    host_->freshen(id);
+                },
             .showGallery = [this] { showGallery(); },
             .closed = [this] { monitorsChanged(); }},
         widget);
     if (const auto* description = host_->offers().find(widget.kind)) window->describe(*description);
     if (const auto* entry = host_->shown(widget.id)) window->view().present(*entry);
+    window->tellSeen();
     return *window;
 }
 
@@ -178,7 +208,10 @@ void Desktop::offers(const std::vector<widgetkit::WidgetDescription>& widgets) {
         if (const auto* description = host_->offers().find(window->kind())) window->describe(*description);
     if (gallery_) gallery_->offer(widgets);
     const auto& folders = host_->offers().confinement().folders;
-    folders_.follow({folders.begin(), folders.end()});
+    std::set<std::filesystem::path> files;
+    for (const widgetkit::WidgetDescription& widget : widgets)
+        if (widget.files) files.insert(widget.files->begin(), widget.files->end());
+    paths_.follow({folders.begin(), folders.end()}, {files.begin(), files.end()});
     // Whoever starts this for the first time sees what there is.
     if (!isFirstStart_ || !host_->widgets().empty()) return;
     isFirstStart_ = false;

@@ -11,10 +11,11 @@
 #include "WidgetWindow.hpp"
 #include "host/DiskThread.hpp"
 #include "host/ExtensionSupervisor.hpp"
-#include "host/FolderWatch.hpp"
 #include "host/Folders.hpp"
 #include "host/LinkOpener.hpp"
 #include "host/MainLoop.hpp"
+#include "host/PathWatch.hpp"
+#include "host/SessionWatch.hpp"
 #include "host/WallTimer.hpp"
 #include "host/ZoneWatch.hpp"
 
@@ -25,10 +26,19 @@ struct DesktopOptions {
     host::Folders folders;
     std::string linkCommand;
     std::optional<double> zoom;
+    /// Seconds between readings of the moment while they are seen and the machine is not on its battery; 0
+    /// for when the timelines say.
+    double refresh = 30;
+    /// Where the kernel's folders are.
+    std::filesystem::path machine = "/";
     /// Widgets to be added, by kind and family.
     std::vector<std::pair<std::string, widgetkit::WidgetFamily>> additions;
     bool showsGallery = false;
     std::function<void(const std::string&)> log;
+    /// The bus of screen savers.
+    bus::Address bus = bus::Address::session();
+    /// Whether anybody sees a widget, from now on.
+    std::function<void(bool isSeen)> seenChanged = [](bool) {};
 };
 
 /// The widgets on this display: the host, its windows, and what wakes them.
@@ -45,13 +55,14 @@ class Desktop : public host::HostObserver {
     void arranged(const std::vector<host::ArrangedWidget>& widgets) override;
     void shows(const host::PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) override;
     void offers(const std::vector<widgetkit::WidgetDescription>& widgets) override;
+    void seenChanged(bool isSeen) override { options_.seenChanged(isSeen); }
 
     host::HostSeams seams();
     void watchMonitors();
     void monitorsChanged();
     void wakeAt(std::optional<Date> instant);
     void watchClock();
-    void watchFolders();
+    void watchPaths();
     /// The window of a widget, made if there is none.
     WidgetWindow& windowOf(const host::PlacedWidget& widget);
     void close(const std::string& id);
@@ -64,15 +75,16 @@ class Desktop : public host::HostObserver {
     host::LinkOpener links_;
     host::WallTimer timer_;
     host::ZoneWatch zone_;
-    host::FolderWatch folders_;
-    host::MainSource timerSource_, zoneSource_, zoneDataSource_, folderSource_, folderSettled_, soon_;
+    host::PathWatch paths_;
+    host::MainSource timerSource_, zoneSource_, zoneDataSource_, pathSource_, folderSettled_, soon_;
     host::DiskThread disk_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;
-    bool isFirstStart_ = false;
+    bool isFirstStart_ = false, isScreenSeen_ = true;
     // Ends first: its completions speak to all of the above.
     std::unique_ptr<host::WidgetHost> host_;
     std::unique_ptr<host::ExtensionSupervisor> supervisor_;
+    std::unique_ptr<host::SessionWatch> session_;
 };
 
 }  // namespace zelto::desktop

@@ -67,6 +67,14 @@ void describe(CLI::App& app, Options& options) {
     app.add_option("--now", options.now, "The current instant for the extension, ISO 8601 with an offset")
         ->type_name("D");
     app.add_option(
+           "--refresh",
+           options.desktop.refresh,
+           "Seconds between readings of the moment while somebody sees them, on mains power; 0 for every few "
+           "minutes")
+        ->capture_default_str()
+        ->check(CLI::Range(0.0, 3600.0))
+        ->type_name("N");
+    app.add_option(
            "--restart-pause",
            options.desktop.extension.firstPause,
            "Seconds before a broken extension is started again, doubling up to sixty times that")
@@ -133,6 +141,7 @@ desktop::DesktopOptions settingsOf(const Options& options, Additions additions) 
     out.additions = std::move(additions);
     out.showsGallery = options.gallery;
     if (options.scale > 0) out.zoom = options.scale;
+    if (!options.machine.empty()) out.machine = options.machine;
     auto& program = out.extension.program;
     program.path =
         options.extension.empty() ? host::installedExtension() : std::filesystem::path(options.extension);
@@ -175,7 +184,9 @@ int run(int argc, char** argv) {
     const auto joined = presence.join();
     if (!joined && joined.fault().kind == bus::ErrorKind::nameTaken)
         return handOver(address, options.gallery, *additions);
-    const auto settings = settingsOf(options, *additions);
+    auto settings = settingsOf(options, *additions);
+    settings.bus = address;
+    settings.seenChanged = [&presence](bool isSeen) { presence.setSeen(isSeen); };
     const host::HostLock lock(settings.folders.configuration, lockPatience);
     if (!lock.isHeld()) {
         log("another zelto-desktop is already running on the files in " +

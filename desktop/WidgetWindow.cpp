@@ -4,6 +4,7 @@
 #include <cmath>
 #include <gtkmm/checkmenuitem.h>
 #include <gtkmm/separatormenuitem.h>
+#include <utility>
 
 #include "Outline.hpp"
 #include "Strings.hpp"
@@ -21,7 +22,7 @@ WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
     seams_.backend.prepare(*this, "zelto-widget", true);
     set_title(widget.kind);
     view_.name(widget.kind);
-    add_events(Gdk::BUTTON_PRESS_MASK | Gdk::VISIBILITY_NOTIFY_MASK);
+    add_events(Gdk::BUTTON_PRESS_MASK | Gdk::ENTER_NOTIFY_MASK | Gdk::VISIBILITY_NOTIFY_MASK);
     add(view_);
     view_.show();
 
@@ -144,13 +145,29 @@ bool WidgetWindow::on_delete_event(GdkEventAny*) {
 }
 
 bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {
-    view_.setSeen(event->state != GDK_VISIBILITY_FULLY_OBSCURED);
+    isCovered_ = event->state == GDK_VISIBILITY_FULLY_OBSCURED;
+    tellSeen();
     return false;
+}
+
+void WidgetWindow::tellSeen() {
+    const bool isSeen = !isCovered_ && seams_.isScreenSeen();
+    if (std::exchange(isSeen_, isSeen) == isSeen) return;
+    view_.setSeen(isSeen);
+    seams_.host.setSeen(widget_.id, isSeen);
+}
+
+bool WidgetWindow::on_enter_notify_event(GdkEventCrossing* event) {
+    // Not from one part of it to another.
+    if (event->detail != GDK_NOTIFY_INFERIOR) seams_.entered();
+    return Gtk::Window::on_enter_notify_event(event);
 }
 
 void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
     Gtk::Window::on_size_allocate(allocation);
-    if (!seams_.backend.isTranslucent()) shapeToOutline(*this, seams_.backend.zoom());
+    const std::pair size{get_allocated_width(), get_allocated_height()};
+    if (seams_.backend.isTranslucent() || std::exchange(shaped_, size) == size) return;
+    shapeToOutline(*this, seams_.backend.zoom());
 }
 
 host::Slot WidgetWindow::target(double dx, double dy) const {

@@ -6,6 +6,7 @@
 #include <gtkmm/window.h>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "DisplayBackend.hpp"
 #include "DragIcon.hpp"
@@ -21,6 +22,10 @@ class WidgetWindow : public Gtk::Window {
         host::WidgetHost& host;
         const DisplayBackend& backend;
         WidgetView::Seams view;
+        /// Whether the screen is, whatever stands on it.
+        std::function<bool()> isScreenSeen;
+        /// The pointer came over it.
+        std::function<void()> entered;
         std::function<void()> showGallery;
         /// The compositor closed the window, which is hidden now.
         std::function<void()> closed;
@@ -31,6 +36,8 @@ class WidgetWindow : public Gtk::Window {
     void arrange(const host::ArrangedWidget& arranged);
     /// What the extension calls it, and which families it offers.
     void describe(const widgetkit::WidgetDescription& description);
+    /// Looks again whether it is seen, and tells the host when that has changed.
+    void tellSeen();
     WidgetView& view() { return view_; }
     const std::string& kind() const { return widget_.kind; }
 
@@ -38,6 +45,7 @@ class WidgetWindow : public Gtk::Window {
     bool on_key_press_event(GdkEventKey* event) override;
     bool on_button_press_event(GdkEventButton* event) override;
     bool on_delete_event(GdkEventAny* event) override;
+    bool on_enter_notify_event(GdkEventCrossing* event) override;
     bool on_visibility_notify_event(GdkEventVisibility* event) override;
     void on_size_allocate(Gtk::Allocation& allocation) override;
 
@@ -63,6 +71,8 @@ class WidgetWindow : public Gtk::Window {
     std::optional<MonitorArea> area_;
     std::optional<widgetkit::WidgetDescription> description_;
     WidgetView view_;
+    bool isCovered_ = false, isSeen_ = true;
+    std::pair<int, int> shaped_;  // the size to which it is cut
     Glib::RefPtr<Gtk::GestureDrag> drag_;
     std::unique_ptr<DragIcon> dragIcon_;
     Gtk::Menu menu_;

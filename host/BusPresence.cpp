@@ -6,7 +6,13 @@ namespace zelto::host {
 
 BusPresence::BusPresence(
     bus::Address address, DesktopActions actions, std::function<void(const std::string&)> log)
-    : address_(std::move(address)), actions_(std::move(actions)), log_(std::move(log)) {}
+    : address_(std::move(address)), actions_(std::move(actions)), log_(std::move(log)) {
+    actions_.isSeen = [isSeen = isSeen_] { return isSeen->load(); };
+}
+
+void BusPresence::setSeen(bool isSeen) {
+    if (isSeen_->exchange(isSeen) != isSeen && listener_) listener_->changed("seen");
+}
 
 bus::Result<void> BusPresence::join() {
     const auto lost = [this] {

@@ -125,6 +125,7 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
     out.methods.push_back(method("list", {}, {"widgets"}, list));
     out.methods.push_back(method("gallery", {}, {}, gallery));
     out.methods.push_back(method("quit", {}, {}, quit));
+    out.properties.push_back({"seen", actions.isSeen});
     return out;
 }
 

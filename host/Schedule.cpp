@@ -37,18 +37,49 @@ void Schedule::reloadAll() {
     for (auto& [id, widget] : widgets_) widget.askAt.reset();
 }
 
+void Schedule::setSeen(const std::string& id, bool isSeen) {
+    if (const auto found = widgets_.find(id); found != widgets_.end()) found->second.isSeen = isSeen;
+}
+
+bool Schedule::isAnySeen() const {
+    return std::ranges::any_of(widgets_, [](const auto& each) { return each.second.isSeen; });
+}
+
+void Schedule::setLive(const std::string& id, bool isLive) {
+    if (const auto found = widgets_.find(id); found != widgets_.end()) found->second.isLive = isLive;
+}
+
+bool Schedule::isAnyLiveSeen() const {
+    return std::ranges::any_of(
+        widgets_, [](const auto& each) { return each.second.isSeen && each.second.isLive; });
+}
+
+void Schedule::freshen(const std::string& id, Date now) {
+    const auto found = widgets_.find(id);
+    if (found == widgets_.end() || !found->second.isLive) return;
+    const auto& receivedAt = found->second.receivedAt;
+    if (receivedAt && now - *receivedAt > fresh) found->second.askAt.reset();
+}
+
+Date Schedule::askingInstantOf(const Widget& widget) const {
+    const Date due = widget.askAt.value_or(longAgo);
+    return refresh_ && widget.isLive && widget.receivedAt ? std::min(due, *widget.receivedAt + *refresh_)
+                                                          : due;
+}
+
 std::optional<Date> Schedule::askingInstant() const {
-    std::optional<Date> first;
+    std::optional<Date> first, last;
+    const auto isWaiting = [](const Widget& widget) { return widget.isSeen && !widget.isAsked; };
     for (const auto& [id, widget] : widgets_) {
-        if (widget.isAsked) continue;
-        const Date due = widget.askAt.value_or(longAgo);
+        if (!isWaiting(widget)) continue;
+        const Date due = askingInstantOf(widget);
         first = first ? std::min(*first, due) : due;
     }
-    if (!first) return std::nullopt;
-    Date last = *first;
-    for (const auto& [id, widget] : widgets_)
-        if (!widget.isAsked && widget.askAt && *widget.askAt <= *first + together)
-            last = std::max(last, *widget.askAt);
+    last = first;
+    for (const auto& [id, widget] : widgets_) {
+        const Date due = askingInstantOf(widget);
+        if (isWaiting(widget) && due <= *first + together) last = std::max(*last, due);
+    }
     return last;
 }
 
@@ -59,7 +90,8 @@ Schedule::Due Schedule::at(Date now) {
     Due due;
     const auto asking = askingInstant();
     for (auto& [id, widget] : widgets_) {
-        if (asking && *asking <= now && !widget.isAsked && widget.askAt.value_or(longAgo) <= now) {
+        if (!widget.isSeen) continue;
+        if (asking && *asking <= now && !widget.isAsked && askingInstantOf(widget) <= now) {
             widget.isAsked = true;
             // What is due again before the answer is there waits for it: only a reload asks for more.
             widget.askAt = Date{std::numeric_limits<double>::infinity()};
@@ -79,6 +111,7 @@ void Schedule::received(const std::string& id, widgetkit::ArchivedTimeline timel
     if (found == widgets_.end()) return;
     Widget& widget = found->second;
     widget.isAsked = false;
+    widget.receivedAt = now;
     widget.backoff.succeeded();
     // A reload that came while the answer was under way still wants a new one.
     if (widget.askAt) widget.askAt = std::max(timeline.reloadAfter, now + shortestLife);
@@ -90,6 +123,7 @@ void Schedule::failed(const std::string& id, Date now) {
     if (found == widgets_.end()) return;
     Widget& widget = found->second;
     widget.isAsked = false;
+    widget.receivedAt.reset();
     widget.backoff.failed();
     if (widget.askAt) widget.askAt = now + widget.backoff.pause();
 }
@@ -108,7 +142,7 @@ std::optional<Date> Schedule::nextInstant() const {
     std::optional<Date> next = askingInstant();
     const auto consider = [&next](Date date) { next = next ? std::min(*next, date) : date; };
     for (const auto& [id, widget] : widgets_) {
-        if (!widget.timeline) continue;
+        if (!widget.timeline || !widget.isSeen) continue;
         for (const widgetkit::ArchivedEntry& entry : widget.timeline->entries)
             if (!last_ || entry.date > *last_) consider(entry.date);
     }

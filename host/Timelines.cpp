@@ -43,6 +43,15 @@ void Timelines::follow(const std::vector<PlacedWidget>& widgets) {
     }
 }
 
+void Timelines::setLive(const std::function<bool(const std::string& kind)>& isLive) {
+    for (const PlacedWidget& widget : widgets_) schedule_.setLive(widget.id, isLive(widget.kind));
+}
+
+void Timelines::reloadKinds(const std::set<std::string>& kinds) {
+    for (const PlacedWidget& widget : widgets_)
+        if (kinds.contains(widget.kind)) schedule_.reload(widget.id);
+}
+
 void Timelines::forgetOthers() const {
     // After what is still to be stored: it may be of one that is gone.
     onDisk_(

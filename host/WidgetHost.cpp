@@ -69,11 +69,13 @@ void WidgetHost::wake() {
 void WidgetHost::tick() {
     const Date now = seams_.now();
     offers_.tick(now);
+    timelines_.reloadKinds(news_.due(now));
+    timelines_.refreshEvery(timelines_.isAnyLiveSeen() ? seams_.refresh() : std::nullopt);
     for (std::string& id : timelines_.tick(now))
         if (std::ranges::find(undrawn_, id) == undrawn_.end()) undrawn_.push_back(std::move(id));
     timelines_.storeDrawn(undrawn_);
     if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
-    seams_.wakeAt(first(timelines_.nextInstant(), offers_.nextInstant()));
+    seams_.wakeAt(first(first(timelines_.nextInstant(), offers_.nextInstant()), news_.nextInstant()));
 }
 
 void WidgetHost::drawNext() {
@@ -90,6 +92,43 @@ void WidgetHost::drawNext() {
 
 void WidgetHost::offersChanged() {
     if (!offers_.widgets().empty()) observer_.offers(offers_.widgets());
+    tellLive();
+    tick();
+}
+
+void WidgetHost::tellLive() {
+    timelines_.setLive([this](const std::string& kind) {
+        const auto* widget = offers_.find(kind);
+        return widget && widget->live.value_or(false);
+    });
+}
+
+void WidgetHost::setSeen(const std::string& id, bool isSeen) {
+    timelines_.setSeen(id, isSeen);
+    if (isSeen) timelines_.freshen(id);
+    tellSeen();
+    tick();
+}
+
+void WidgetHost::tellSeen() {
+    if (std::exchange(wasSeen_, isSeen()) != isSeen()) observer_.seenChanged(isSeen());
+}
+
+void WidgetHost::freshen(const std::optional<std::string>& id) {
+    if (id)
+        timelines_.freshen(*id);
+    else
+        for (const PlacedWidget& widget : layout_.widgets) timelines_.freshen(widget.id);
+    tick();
+}
+
+void WidgetHost::filesChanged(const std::set<std::string>& files) {
+    std::set<std::string> kinds;
+    for (const auto& widget : offers_.widgets())
+        if (widget.files &&
+            std::ranges::any_of(*widget.files, [&](const auto& file) { return files.contains(file); }))
+            kinds.insert(widget.kind);
+    news_.changed(kinds);
     tick();
 }
 
@@ -101,6 +140,8 @@ void WidgetHost::tellArrangement() {
 void WidgetHost::adopt(DesktopLayout layout) {
     layout_ = std::move(layout);
     timelines_.follow(layout_.widgets);
+    tellLive();
+    tellSeen();
     tellArrangement();
 }
 

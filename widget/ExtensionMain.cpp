@@ -12,6 +12,7 @@
 #include <unistd.h>
 
 #include "Common/ExtensionAllowance.hpp"
+#include "Widgets/WidgetContents.hpp"
 #include "confinement/Confinement.hpp"
 #include "foundation/Files.hpp"
 #include "foundation/ISO8601.hpp"
@@ -109,6 +110,7 @@ int run(int argc, char** argv) {
          .now = now,
          .thumbnail = [&](const std::string& path,
                           auto deadline) { return pictures.thumbnail(path, deadline); },
+         .contents = zelto::widget::contentsOf(zelto::shared::WidgetSnapshot::url(home)),
          .confinement = zelto::widgetkit::Confinement{.lacks = lacks, .folders = {folder.string()}}});
     return service.serve(STDIN_FILENO, STDOUT_FILENO) ? 0 : 1;
 }

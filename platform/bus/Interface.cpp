@@ -31,6 +31,8 @@ std::string Interface::introspection() const {
     for (const Method& method : methods)
         out += "<method name=\"" + std::string(method.name) + "\">" + describe(method.arguments, "in") +
                describe(method.results, "out") + "</method>";
+    for (const Property& property : properties)
+        out += "<property name=\"" + std::string(property.name) + "\" type=\"b\" access=\"read\"/>";
     return out + "</interface></node>";
 }
 

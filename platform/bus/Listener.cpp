@@ -227,6 +227,56 @@ struct Listener::State {
         static_cast<State*>(self)->handle(caller, name, arguments, invocation);
     }
 
+    static GVariant* onGet(
+        GDBusConnection*, const gchar* caller, const gchar*, const gchar*, const gchar* name, GError** error,
+        gpointer self) noexcept {
+        return static_cast<State*>(self)->get(caller, name, error);
+    }
+
+    GVariant* get(const char* caller, const std::string& name, GError** error) {
+        if (!isTrusted(caller)) {
+            g_set_error(
+                error,
+                G_DBUS_ERROR,
+                G_DBUS_ERROR_ACCESS_DENIED,
+                "this user may not ask %s",
+                options.interface.service.c_str());
+            return nullptr;
+        }
+        const auto property = std::ranges::find(options.interface.properties, name, &Property::name);
+        return g_variant_new_boolean(property->value() ? TRUE : FALSE);
+    }
+
+    bool isTrusted(const char* caller) {
+        auto user = callers->user(caller);
+        if (!user) {
+            user = userOf(connection.get(), caller);
+            if (user) callers->setUser(caller, *user);
+        }
+        if (user && std::ranges::find(options.trusted, *user) != options.trusted.end()) return true;
+        callers->refused(caller);
+        return false;
+    }
+
+    void changed(std::string_view name) {
+        const auto property = std::ranges::find(options.interface.properties, name, &Property::name);
+        GVariantBuilder values;
+        g_variant_builder_init(&values, G_VARIANT_TYPE("a{sv}"));
+        g_variant_builder_add(
+            &values,
+            "{sv}",
+            std::string(name).c_str(),
+            g_variant_new_boolean(property->value() ? TRUE : FALSE));
+        g_dbus_connection_emit_signal(
+            connection.get(),
+            nullptr,
+            objectPathOf(options.interface.service).c_str(),
+            "org.freedesktop.DBus.Properties",
+            "PropertiesChanged",
+            g_variant_new("(sa{sv}as)", options.interface.service.c_str(), &values, nullptr),
+            nullptr);
+    }
+
     void handle(
         const char* caller, const std::string& name, GVariant* arguments, GDBusMethodInvocation* invocation) {
         // The library has made sure that the method exists and that the arguments have its types.
@@ -236,13 +286,7 @@ struct Listener::State {
             return;
         }
         const auto call = std::make_shared<Call>(invocation, inFlight);
-        auto user = callers->user(caller);
-        if (!user) {
-            user = userOf(connection.get(), caller);
-            if (user) callers->setUser(caller, *user);
-        }
-        if (!user || std::ranges::find(options.trusted, *user) == options.trusted.end()) {
-            callers->refused(caller);
+        if (!isTrusted(caller)) {
             call->answer(
                 Error{ErrorKind::accessDenied, "this user may not call " + options.interface.service});
             return;
@@ -271,7 +315,7 @@ struct Listener::State {
             perform();
     }
 
-    static constexpr GDBusInterfaceVTable callbacks{&onCall, nullptr, nullptr, {}};
+    static constexpr GDBusInterfaceVTable callbacks{&onCall, &onGet, nullptr, {}};
 
     ListenerOptions options;
     MainContext context{g_main_context_new()};
@@ -300,5 +344,9 @@ Listener::Listener(std::unique_ptr<State> state) : state_(std::move(state)) {}
 Listener::Listener(Listener&&) noexcept = default;
 Listener& Listener::operator=(Listener&&) noexcept = default;
 Listener::~Listener() = default;
+
+void Listener::changed(std::string_view property) {
+    state_->changed(property);
+}
 
 }  // namespace zelto::bus

@@ -105,4 +105,12 @@ std::optional<std::vector<PowerSourceDescription>> readPowerSources(const fs::pa
     return std::vector{std::move(source)};
 }
 
+bool isOnBattery(const fs::path& classFolder) {
+    std::error_code error;
+    fs::directory_iterator folder(classFolder, error);
+    for (; !error && folder != fs::directory_iterator(); folder.increment(error))
+        if (isMachineBattery(folder->path()) && line(folder->path() / "status") == "Discharging") return true;
+    return false;
+}
+
 }  // namespace zelto::system

@@ -33,9 +33,21 @@ std::string tamed(std::string text) {
     return text;
 }
 
+Result<void> checkFiles(const WidgetDescription& widget) {
+    if (!widget.files) return {};
+    if (widget.files->size() > bounds.files) return Fault{.reason = "too many files"};
+    for (const std::string& file : *widget.files)
+        if (!file.starts_with('/') || file.size() > bounds.pathBytes || file.find('\0') != std::string::npos)
+            return Fault{.reason = "a file that is no whole path"};
+    return {};
+}
+
 /// Refuses a reply whose contents are out of bounds.
 Result<void> checkContents(const Reply& reply) {
     if (reply.widgets && reply.widgets->size() > bounds.kinds) return Fault{.reason = "too many widgets"};
+    if (reply.widgets)
+        for (const WidgetDescription& widget : *reply.widgets)
+            if (auto checked = checkFiles(widget); !checked) return checked;
     if (reply.entry) return checkEntry(*reply.entry);
     if (!reply.timeline) return {};
     if (!isOnClocks(reply.timeline->reloadAfter)) return Fault{.reason = "a date beyond all clocks"};

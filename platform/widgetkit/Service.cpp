@@ -67,7 +67,13 @@ Reply Service::reply(const Request& request) const {
     Reply out;
     if (request.request == RequestKind::bundle) {
         auto& widgets = out.widgets.emplace();
-        for (const auto& widget : widgets_) widgets.push_back(widget.info());
+        for (const auto& widget : widgets_) {
+            WidgetDescription& told = widgets.emplace_back(widget.info());
+            const auto contents = seams_.contents.find(told.kind);
+            if (contents == seams_.contents.end()) continue;
+            told.files = contents->second.files;
+            told.live = contents->second.live;
+        }
         out.confinement = seams_.confinement;
         return out;
     }

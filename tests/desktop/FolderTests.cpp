@@ -52,6 +52,40 @@ TEST_F(Folders, ASnapshotIsSeenHoweverLateItsFolderComes) {
     EXPECT_EQ(desktop.log(), "");
 }
 
+TEST_F(Folders, AChangedSnapshotIsShownWithoutBeingAskedFor) {
+    desktop.place({clipboard});
+    desktop.start();
+    save("the first");
+    EXPECT_TRUE(eventually([this] { return reads("the first"); })) << desktop.log();
+    const auto file = library / "Application Support/Zelto/widget.json";
+    for (const char* text : {"put in its place", "once more"}) {
+        save(text);
+        EXPECT_TRUE(eventually([&] { return reads(text) && desktop.isSeen(clipboard); })) << desktop.log();
+    }
+    std::filesystem::remove(file);
+    EXPECT_TRUE(eventually([this] { return reads("Copie algo e ele aparece aqui."); })) << desktop.log();
+    EXPECT_TRUE(desktop.stop());
+    EXPECT_EQ(desktop.log(), "");
+}
+
+TEST_F(Folders, NothingIsDoneForAScreenThatNobodySees) {
+    desktop.place({clipboard});
+    desktop.start();
+    save("the first");
+    EXPECT_TRUE(eventually([this] { return reads("the first"); })) << desktop.log();
+    EXPECT_TRUE(desktop.tellsSeen(true));
+    desktop.screenSaver(true);
+    EXPECT_TRUE(eventually([this] { return desktop.tellsSeen(false); })) << desktop.log();
+    save("the second");
+    // It is still answered, and has asked for nothing.
+    for (int i = 0; i < 20; ++i) EXPECT_TRUE(desktop.call("list"));
+    EXPECT_TRUE(reads("the first"));
+    desktop.screenSaver(false);
+    EXPECT_TRUE(eventually([this] { return reads("the second"); })) << desktop.log();
+    EXPECT_TRUE(desktop.tellsSeen(true));
+    EXPECT_TRUE(desktop.stop());
+}
+
 TEST_F(Folders, OneHostHasThemWithAMessageBusOrWithout) {
     desktop.place({clipboard});
     desktop.start();
@@ -70,6 +104,7 @@ TEST_F(Folders, OneHostHasThemWithAMessageBusOrWithout) {
 TEST_F(Folders, ABusThatComesBackFindsTheHostOnIt) {
     desktop.place({clipboard});
     desktop.start();
+    EXPECT_TRUE(eventually([this] { return desktop.allSeen(); }));
     desktop.restartBus();
     EXPECT_TRUE(eventually([this] { return desktop.call("list").has_value(); })) << desktop.log();
     EXPECT_EQ(

@@ -71,9 +71,13 @@ TEST_F(Deaths, OfTheExtensionFiveHundredTimesLeaveEveryWidgetItsPicture) {
     EXPECT_NE(desktop.log().find("the widget extension died (signal 9, Killed)"), std::string::npos);
 
     // Left in peace, it brings new timelines again.
-    const Date before = Date::now();
-    EXPECT_TRUE(desktop.call("reload", {""}));
-    EXPECT_TRUE(eventually([&] { return desktop.entry(eleven()[2])->date > before; })) << desktop.log();
+    auto snapshot = shared::WidgetSnapshot::sample();
+    snapshot.clips[0].text = "em paz";
+    snapshot.save(HomeLookup::fixed(desktop.folder()));
+    const auto clipboard = eleven()[7];
+    EXPECT_TRUE(eventually([&] {
+        return ui::outline(desktop.entry(clipboard)->view).find("em paz") != std::string::npos;
+    })) << desktop.log();
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
     EXPECT_EQ(desktop.widgets(), eleven());
     EXPECT_TRUE(desktop.stop());

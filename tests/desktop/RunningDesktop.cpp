@@ -118,6 +118,38 @@ bool tellsWhatIsLacked(const std::string& line) {
 
 }  // namespace
 
+void RunningDesktop::screenSaver(bool isActive) const {
+    const auto emitted =
+        run({"gdbus",
+             "emit",
+             "--session",
+             "--object-path",
+             "/org/gnome/ScreenSaver",
+             "--signal",
+             "org.gnome.ScreenSaver.ActiveChanged",
+             isActive ? "true" : "false"},
+            "",
+            environment());
+    if (emitted.status != 0) throw std::runtime_error(emitted.errors);
+}
+
+bool RunningDesktop::tellsSeen(bool isSeen) const {
+    const auto told = run(
+        {"gdbus",
+         "call",
+         "--address",
+         bus_.address(),
+         "--dest",
+         std::string(host::desktopService),
+         "--object-path",
+         bus::objectPathOf(host::desktopService),
+         "--method",
+         "org.freedesktop.DBus.Properties.Get",
+         std::string(host::desktopService),
+         "seen"});
+    return told.output == (isSeen ? "(<true>,)\n" : "(<false>,)\n");
+}
+
 std::string RunningDesktop::log() const {
     std::istringstream lines(readFile(folder() / "log").value_or(""));
     std::string out;

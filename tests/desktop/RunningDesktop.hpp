@@ -55,6 +55,10 @@ class RunningDesktop {
 
     /// The next link that the registered program got.
     std::optional<std::string> openedLink() { return opened_.line(); }
+    /// What a screen saver says on the bus.
+    void screenSaver(bool isActive) const;
+    /// Whether the host tells other programs just that.
+    bool tellsSeen(bool isSeen) const;
     /// The message bus ends, and another one takes its place.
     void restartBus() { bus_.restart(); }
     /// Nothing opens links any more.

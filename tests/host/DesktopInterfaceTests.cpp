@@ -72,6 +72,7 @@ TEST_F(OnTheBus, ArgumentsAndResultsHaveNames) {
         std::string::npos)
         << described;
     EXPECT_NE(described.find(R"(<arg name="id" type="s" direction="out"/>)"), std::string::npos);
+    EXPECT_NE(described.find(R"(<property name="seen" type="b" access="read"/>)"), std::string::npos);
 }
 
 TEST_F(OnTheBus, WhatMakesNoSenseIsAnsweredWithWhy) {

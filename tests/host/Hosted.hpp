@@ -31,6 +31,9 @@ struct Hosted : testing::Test, HostObserver {
     std::vector<std::string> log, seen;
     std::map<std::string, ArrangedWidget> standing;
     decltype(HostSeams::onDisk) onDisk = [](const auto& work, const auto& then) { then(work()); };
+    std::vector<widgetkit::WidgetDescription> offers_ = offered();
+    std::optional<double> refresh;
+    bool isSeen_ = true;
     std::unique_ptr<WidgetHost> host;
 
     void SetUp() override { make(); }
@@ -48,7 +51,8 @@ struct Hosted : testing::Test, HostObserver {
                     },
                 .wakeAt = [this](std::optional<Date> instant) { wakeAt = instant; },
                 .log = note,
-                .onDisk = onDisk},
+                .onDisk = onDisk,
+                .refresh = [this] { return refresh; }},
             DesktopLayoutStore(folder.path() / "config"),
             EntryStore(folder.path() / "cache"),
             *this);
@@ -74,6 +78,7 @@ struct Hosted : testing::Test, HostObserver {
     void offers(const std::vector<widgetkit::WidgetDescription>& widgets) override {
         see("offers " + std::to_string(widgets.size()));
     }
+    void seenChanged(bool isSeen) override { isSeen_ = isSeen; }
     void see(const std::string& what) { seen.push_back(what); }
     std::vector<std::string> takeSeen() { return std::exchange(seen, {}); }
 
@@ -93,7 +98,7 @@ struct Hosted : testing::Test, HostObserver {
         for (const widgetkit::Request& request : open.requests) {
             widgetkit::Reply reply{};
             if (request.request == widgetkit::RequestKind::bundle)
-                reply.widgets = offered();
+                reply.widgets = offers_;
             else if (request.request == widgetkit::RequestKind::snapshot)
                 reply.entry = widgetkit::ArchivedEntry{now, ui::Text(text)};
             else

@@ -220,5 +220,73 @@ TEST(Backoff, GrowsWithFailuresAndShrinksWithSuccesses) {
     EXPECT_EQ(pauses, (std::vector<double>{0, 1, 2, 4, 8, 16, 32, 60, 60, 30, 15, 7.5, 3.75, 1.875, 1, 0}));
 }
 
+TEST(Schedule, WhatIsNotSeenAsksForNothingAndShowsNothingNew) {
+    Schedule schedule;
+    schedule.add("a", std::nullopt);
+    schedule.add("b", std::nullopt);
+    EXPECT_TRUE(schedule.isAnySeen());
+    schedule.setSeen("b", false);
+    EXPECT_EQ(schedule.at(start).requests, Ids{"a"});
+    schedule.setSeen("a", false);
+    EXPECT_FALSE(schedule.isAnySeen());
+    schedule.received("a", fiveMinutes(start, "one"), start);
+    EXPECT_EQ(schedule.at(start + hour).shows, Ids{});
+    EXPECT_EQ(schedule.nextInstant(), std::nullopt);
+    EXPECT_EQ(textOf(schedule, "a"), "nothing");
+    // Brought up to date at once.
+    schedule.setSeen("a", true);
+    EXPECT_EQ(schedule.nextInstant(), start + 5 * minute);
+    const auto due = schedule.at(start + hour);
+    EXPECT_EQ(due.shows, Ids{"a"});
+    EXPECT_EQ(due.requests, Ids{"a"});
+}
+
+TEST(Schedule, LiveWidgetsAreAskedAgainWhileTheyAreSeen) {
+    Schedule schedule;
+    for (const char* id : {"live", "other", "unseen"}) schedule.add(id, std::nullopt);
+    schedule.setLive("live", true);
+    schedule.setLive("unseen", true);
+    EXPECT_TRUE(schedule.isAnyLiveSeen());
+    schedule.at(start);
+    for (const char* id : {"live", "other", "unseen"})
+        schedule.received(id, fiveMinutes(start, "one"), start);
+    schedule.setSeen("unseen", false);
+    EXPECT_EQ(schedule.nextInstant(), start + 5 * minute);
+    schedule.refreshEvery(30);
+    EXPECT_EQ(schedule.nextInstant(), start + 30);
+    EXPECT_EQ(schedule.at(start + 29).requests, Ids{});
+    EXPECT_EQ(schedule.at(start + 30).requests, Ids{"live"});
+    EXPECT_EQ(schedule.nextInstant(), start + 5 * minute);
+    schedule.received("live", fiveMinutes(start + 30, "two"), start + 30.5);
+    EXPECT_EQ(schedule.nextInstant(), start + 60.5);
+    // On the battery the timelines say when.
+    schedule.refreshEvery(std::nullopt);
+    EXPECT_EQ(schedule.at(start + 4 * minute).requests, Ids{});
+    schedule.setSeen("live", false);
+    EXPECT_FALSE(schedule.isAnyLiveSeen());
+}
+
+TEST(Schedule, ALiveWidgetThatFailsKeepsItsPauses) {
+    Schedule schedule;
+    schedule.add("live", std::nullopt);
+    schedule.setLive("live", true);
+    schedule.refreshEvery(1);
+    schedule.at(start);
+    schedule.failed("live", start);
+    EXPECT_EQ(schedule.nextInstant(), start + Schedule::firstPause);
+}
+
+TEST(Schedule, OneThatSomebodyTurnsToIsFresh) {
+    Schedule schedule;
+    for (const char* id : {"live", "other"}) schedule.add(id, std::nullopt);
+    schedule.setLive("live", true);
+    schedule.at(start);
+    for (const char* id : {"live", "other"}) schedule.received(id, fiveMinutes(start, "one"), start);
+    for (const auto& [seconds, requests] : {std::pair<double, Ids>{10, {}}, {11, {"live"}}, {12, {}}}) {
+        for (const char* id : {"live", "other", "unknown"}) schedule.freshen(id, start + seconds);
+        EXPECT_EQ(schedule.at(start + seconds).requests, requests) << seconds;
+    }
+}
+
 }  // namespace
 }  // namespace zelto::host

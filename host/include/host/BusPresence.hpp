@@ -1,6 +1,8 @@
 #pragma once
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -21,6 +23,8 @@ class BusPresence {
     /// Tries until it succeeds.
     void rejoin();
     void leave();
+    /// Whether anybody sees a widget, which an app that feeds them may want to know.
+    void setSeen(bool isSeen);
 
     /// Seconds between two attempts.
     static constexpr double firstPause = 0.5, longestPause = 60;
@@ -29,6 +33,8 @@ class BusPresence {
     void tryAgain();
 
     bus::Address address_;
+    /// Read on the bus's thread.
+    std::shared_ptr<std::atomic<bool>> isSeen_ = std::make_shared<std::atomic<bool>>(true);
     DesktopActions actions_;
     std::function<void(const std::string&)> log_;
     std::optional<bus::Listener> listener_;

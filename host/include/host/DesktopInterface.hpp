@@ -21,10 +21,13 @@ struct DesktopActions {
     std::function<WidgetHost&()> host;
     std::function<void()> showGallery;
     std::function<void()> quit;
+    /// On any thread.
+    std::function<bool()> isSeen = {};
 };
 
 /// reload(kind), list, add(kind, family), remove(id), move(id, monitor, column, row), resize(id, family),
-/// gallery and quit. What cannot be done comes back as an error.
+/// gallery and quit, and the property `seen`: whether anybody sees a widget. What cannot be done comes back
+/// as an error.
 bus::Interface desktopInterface(const DesktopActions& actions);
 
 /// Offers the host on a bus, to this user only; `dispatch` carries calls over to the host's thread.

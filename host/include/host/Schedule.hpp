@@ -24,6 +24,19 @@ class Schedule {
     void reload(const std::string& id);
     void reloadAll();
 
+    /// One that is not seen asks for nothing and shows nothing new until it is seen again. All are, until it
+    /// is said.
+    void setSeen(const std::string& id, bool isSeen);
+    bool isAnySeen() const;
+    /// Whether it shows readings of the moment.
+    void setLive(const std::string& id, bool isLive);
+    bool isAnyLiveSeen() const;
+    /// Live widgets are asked for again so many seconds after their last answer while they are seen; absent
+    /// for when their timelines say.
+    void refreshEvery(std::optional<double> seconds) { refresh_ = seconds; }
+    /// A new timeline is wanted of a live one that shows what is older than ten seconds.
+    void freshen(const std::string& id, Date now);
+
     /// Widgets to ask timelines for, side by side, and widgets that now show something else.
     struct Due {
         std::vector<std::string> requests;
@@ -50,21 +63,27 @@ class Schedule {
     static constexpr double shortestLife = 5;
     /// Between attempts for a widget whose requests fail, in seconds.
     static constexpr double firstPause = 2, longestPause = 300;
+    /// How old readings may be, in seconds, when somebody turns to them.
+    static constexpr double fresh = 10;
 
   private:
     struct Widget {
         std::optional<widgetkit::ArchivedTimeline> timeline = {};
         std::optional<widgetkit::ArchivedEntry> shown = {};
-        bool isAsked = false;
+        bool isAsked = false, isSeen = true, isLive = false;
+        /// Of the last answer; absent before the first one, and after a failure.
+        std::optional<Date> receivedAt = {};
         /// When to ask for the next timeline; absent for at once.
         std::optional<Date> askAt = {};
         Backoff backoff{firstPause, longestPause};
     };
+    Date askingInstantOf(const Widget& widget) const;
     /// When the reloads that are due next go out.
     std::optional<Date> askingInstant() const;
 
     std::map<std::string, Widget> widgets_;
     std::optional<Date> last_;
+    std::optional<double> refresh_;
 };
 
 }  // namespace zelto::host

@@ -46,6 +46,17 @@ class Timelines {
     void reload(const std::string& id) { schedule_.reload(id); }
     void reloadAll() { schedule_.reloadAll(); }
 
+    /// Whether one is seen; which kinds show readings of the moment; how often those are asked for
+    /// (Schedule.hpp).
+    void setSeen(const std::string& id, bool isSeen) { schedule_.setSeen(id, isSeen); }
+    bool isAnySeen() const { return schedule_.isAnySeen(); }
+    void setLive(const std::function<bool(const std::string& kind)>& isLive);
+    bool isAnyLiveSeen() const { return schedule_.isAnyLiveSeen(); }
+    void refreshEvery(std::optional<double> seconds) { schedule_.refreshEvery(seconds); }
+    void freshen(const std::string& id) { schedule_.freshen(id, seams_.now()); }
+    /// New timelines are wanted of all widgets of some kinds.
+    void reloadKinds(const std::set<std::string>& kinds);
+
     /// Null before the first timeline.
     const widgetkit::ArchivedEntry* shown(const std::string& id) const { return schedule_.shown(id); }
 

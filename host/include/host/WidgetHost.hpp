@@ -3,10 +3,12 @@
 #include <deque>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
 #include "host/DesktopLayoutStore.hpp"
+#include "host/FileNews.hpp"
 #include "host/Offers.hpp"
 #include "host/Previews.hpp"
 #include "host/Timelines.hpp"
@@ -24,6 +26,9 @@ struct HostSeams {
     std::function<void(const std::string&)> log;
     /// At once without it.
     OnDisk onDisk = [](const auto& work, const auto& then) { then(work()); };
+    /// Seconds after which readings of the moment are asked for again while they are seen; absent for when
+    /// the timelines say. Told again every time, since it depends on the power.
+    std::function<std::optional<double>()> refresh = [] { return std::nullopt; };
     /// Calls a function on the host's thread, after what else waits there. At once without it.
     std::function<void(std::function<void()>)> soon = [](const auto& function) { function(); };
 };
@@ -38,6 +43,8 @@ class HostObserver {
     /// The extension told which widgets there are, and of which folders it sees no more than was there when
     /// it started.
     virtual void offers(const std::vector<widgetkit::WidgetDescription>& widgets) = 0;
+    /// Whether anybody sees a widget, from now on.
+    virtual void seenChanged(bool isSeen) = 0;
 };
 
 /// The widget host without a window: carries what happens on the desktop to its layout and its timelines, and
@@ -56,6 +63,16 @@ class WidgetHost {
     void environmentChanged();
     /// These are the monitors from now on, at least one; to be told whenever one of them changes.
     void setMonitors(Monitors monitors);
+
+    /// A widget came into sight, or is out of sight from now on: it then asks for nothing and shows nothing
+    /// new.
+    void setSeen(const std::string& id, bool isSeen);
+    /// Whether anybody sees a widget at all.
+    bool isSeen() const { return timelines_.isAnySeen(); }
+    /// Somebody turns to a widget; or, without one, the machine woke up: readings are to be of the moment.
+    void freshen(const std::optional<std::string>& id = {});
+    /// Files changed, of those that the offered widgets are made from.
+    void filesChanged(const std::set<std::string>& files);
 
     const std::vector<PlacedWidget>& widgets() const { return layout_.widgets; }
     const Offers& offers() const { return offers_; }
@@ -89,6 +106,8 @@ class WidgetHost {
     void drawNext();
     void offersChanged();
     void adopt(DesktopLayout layout);
+    void tellLive();
+    void tellSeen();
     Result<void> change(Result<DesktopLayout> changed, Saved saved = {});
     void save(Saved saved = {});
     void tellArrangement();
@@ -105,6 +124,8 @@ class WidgetHost {
     Timelines timelines_;
     Offers offers_;
     Previews previews_;
+    FileNews news_;
+    bool wasSeen_ = true;
 };
 
 }  // namespace zelto::host

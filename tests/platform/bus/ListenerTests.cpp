@@ -1,3 +1,4 @@
+#include <atomic>
 #include <condition_variable>
 #include <limits>
 #include <mutex>
@@ -13,6 +14,7 @@
 #include "bus/Listener.hpp"
 #include "foundation/FileDescriptor.hpp"
 #include "tests/support/PrivateBus.hpp"
+#include "tests/support/Process.hpp"
 
 namespace zelto::bus {
 namespace {
@@ -98,6 +100,50 @@ TEST_F(BusService, CarriesBytesNumbersAndTextsBothWays) {
         EXPECT_EQ(client.call<Bytes>("back", 5s, Bytes::of(bytes)).value().content(), bytes);
     EXPECT_EQ(client.call<std::int64_t>("negate", 5s, least + 1).value(), -(least + 1));
     EXPECT_EQ(client.call<std::string>("echo", 5s, Bytes{}, std::int64_t{0}, std::string()).value(), " 0 ");
+}
+
+TEST_F(BusService, TellsItsPropertiesToThoseWhomItServes) {
+    std::atomic<bool> value = true;
+    const auto serve = [&](std::vector<uid_t> trusted) {
+        auto wanted = options(std::move(trusted));
+        wanted.interface.properties.push_back({"seen", [&] { return value.load(); }});
+        return listen(std::move(wanted));
+    };
+    const auto get = [this] {
+        const auto called = test::run(
+            {"gdbus",
+             "call",
+             "--address",
+             bus.address(),
+             "--dest",
+             service,
+             "--object-path",
+             objectPathOf(service),
+             "--method",
+             "org.freedesktop.DBus.Properties.Get",
+             service,
+             "seen"});
+        return called.output + called.errors;
+    };
+    {
+        auto listener = serve({getuid()});
+        EXPECT_EQ(get(), "(<true>,)\n");
+        test::Child monitor(
+            {"stdbuf", "-oL", "gdbus", "monitor", "--address", bus.address(), "--dest", service},
+            {"PATH=/usr/bin:/bin"},
+            bus.folder() / "monitor.log");
+        value = false;
+        // It follows from some moment on.
+        std::string line;
+        for (int i = 0; i < 400 && line.find("PropertiesChanged") == std::string::npos; ++i) {
+            listener.changed("seen");
+            line = monitor.line(50ms).value_or("");
+        }
+        EXPECT_NE(line.find("('org.example.Echo', {'seen': <false>}, @as [])"), std::string::npos) << line;
+        EXPECT_EQ(get(), "(<false>,)\n");
+    }
+    const auto listener = serve({getuid() + 1});
+    EXPECT_NE(get().find("this user may not ask"), std::string::npos);
 }
 
 TEST_F(BusService, ErrorsKeepTheirKindAndTheirText) {

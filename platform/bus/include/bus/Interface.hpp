@@ -82,10 +82,18 @@ struct Method {
     std::function<void(Values&& arguments, Answer&& answer)> handler;
 };
 
+/// Whether something is so, for everybody on the bus whom the listener serves to read and to follow.
+struct Property {
+    std::string_view name;
+    /// On any thread.
+    std::function<bool()> value;
+};
+
 /// An interface of the same name as the service, on the object whose path is that name with slashes.
 struct Interface {
     std::string service;
     std::vector<Method> methods;
+    std::vector<Property> properties = {};
 
     /// As the bus describes interfaces.
     std::string introspection() const;

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <sys/types.h>
@@ -34,6 +35,9 @@ class Listener {
     Listener(Listener&&) noexcept;
     Listener& operator=(Listener&&) noexcept;
     ~Listener();
+
+    /// Tells everybody on the bus that a property has another value.
+    void changed(std::string_view property);
 
   private:
     struct State;

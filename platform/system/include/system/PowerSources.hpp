@@ -30,4 +30,7 @@ using PowerSourceDescription = std::map<std::string, PowerSourceValue>;
 /// names.
 std::optional<std::vector<PowerSourceDescription>> readPowerSources(const std::filesystem::path& classFolder);
 
+/// Whether one of the machine's batteries is being emptied.
+bool isOnBattery(const std::filesystem::path& classFolder);
+
 }  // namespace zelto::system

@@ -42,6 +42,10 @@ struct WidgetDescription {
     std::string displayName;
     std::string description;
     std::vector<WidgetFamily> families;
+    /// Whole paths of the files that it is made from: where one of them changes, a host asks again.
+    std::optional<std::vector<std::string>> files = {};
+    /// Whether it shows readings of the moment, which a host asks for more often while they are seen.
+    std::optional<bool> live = {};
 
     bool operator==(const WidgetDescription&) const = default;
 };
@@ -94,6 +98,7 @@ std::optional<std::string> encodeReply(const Reply& reply);
 struct ReplyBounds {
     std::size_t bytes = std::size_t{2} << 20;
     std::size_t kinds = 64, entries = 256;
+    std::size_t files = 16, pathBytes = 4096;  // of one widget
     std::size_t errorBytes = 200;
 };
 
@@ -112,7 +117,7 @@ inline zelto::widgetkit::ArchivedEntry zelto::records::blank<zelto::widgetkit::A
 ZELTO_NAMES(zelto::widgetkit::RequestKind, "a request", bundle, placeholder, snapshot, timeline);
 ZELTO_RECORD(zelto::widgetkit::Request, id, request, kind, family, preview, locale, timeZone);
 ZELTO_RECORD(zelto::widgetkit::RequestHead, id);
-ZELTO_RECORD(zelto::widgetkit::WidgetDescription, kind, displayName, description, families);
+ZELTO_RECORD(zelto::widgetkit::WidgetDescription, kind, displayName, description, families, files, live);
 ZELTO_RECORD(zelto::widgetkit::ArchivedEntry, date, view);
 ZELTO_RECORD(zelto::widgetkit::ArchivedTimeline, entries, reloadAfter);
 ZELTO_RECORD(zelto::widgetkit::Confinement, lacks, folders);

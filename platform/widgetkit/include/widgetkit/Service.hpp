@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,12 @@
 #include "widgetkit/Widget.hpp"
 
 namespace zelto::widgetkit {
+
+/// What a widget shows, for hosts that want to know when to ask again.
+struct WidgetContents {
+    std::vector<std::string> files;
+    bool live = false;
+};
 
 /// What surrounds a service.
 struct ServiceSeams {
@@ -20,6 +27,8 @@ struct ServiceSeams {
     std::function<std::optional<ui::node::Image>(
         const std::string& path, std::chrono::steady_clock::time_point deadline)>
         thumbnail = {};
+    /// By kind; the `bundle` reply tells it of those that are here.
+    std::map<std::string, WidgetContents> contents = {};
     /// What the `bundle` reply tells of the process.
     std::optional<Confinement> confinement = {};
 };
