@@ -28,16 +28,7 @@ Desktop::Desktop(DesktopOptions options)
 
     watchClock();
     watchPaths();
-    session_ = std::make_unique<host::SessionWatch>(
-        options_.bus,
-        bus::Address::system(),
-        host::SessionWatch::Seams{
-            .changed =
-                [this](bool isSeen) {
-                    isScreenSeen_ = isSeen;
-                    for (const auto& [id, window] : windows_) window->tellSeen();
-                },
-            .woke = [this] { host_->freshen(); }});
+    watchSight();
     if (const auto font = drawing::Renderer::substituteFont())
         options_.log("the font Inter is not installed; texts are drawn in " + *font);
     watchMonitors();
@@ -131,6 +122,23 @@ void Desktop::watchPaths() {
     });
 }
 
+void Desktop::watchSight() {
+    const auto tell = [this] {
+        for (const auto& [id, window] : windows_) window->tellSeen();
+    };
+    covers_ = std::make_unique<CoverWatch>(gdk_display_get_default(), tell);
+    session_ = std::make_unique<host::SessionWatch>(
+        options_.bus,
+        bus::Address::system(),
+        host::SessionWatch::Seams{
+            .changed =
+                [this, tell](bool isSeen) {
+                    isScreenSeen_ = isSeen;
+                    tell();
+                },
+            .woke = [this] { host_->freshen(); }});
+}
+
 void Desktop::watchMonitors() {
     const auto changed = [](gpointer self) { static_cast<Desktop*>(self)->monitorsChanged(); };
     GdkDisplay* display = gdk_display_get_default();
@@ -174,6 +182,7 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
                  // A window that is cut to the outline has no pixels behind it to be seen.
                  .corners =
                      backend_.isTranslucent() ? drawing::Corners::rounded : drawing::Corners::outlined},
+            .isHidden = [this](GdkWindow* hidden) { return covers_->isHidden(hidden); },
             .isScreenSeen = [this] { return isScreenSeen_; },
             .entered =
                 [this, id = widget.id] {

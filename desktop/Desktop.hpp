@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "CoverWatch.hpp"
 #include "Gallery.hpp"
 #include "WidgetWindow.hpp"
 #include "host/DiskThread.hpp"
@@ -63,6 +64,7 @@ class Desktop : public host::HostObserver {
     void wakeAt(std::optional<Date> instant);
     void watchClock();
     void watchPaths();
+    void watchSight();
     /// The window of a widget, made if there is none.
     WidgetWindow& windowOf(const host::PlacedWidget& widget);
     void close(const std::string& id);
@@ -85,6 +87,7 @@ class Desktop : public host::HostObserver {
     std::unique_ptr<host::WidgetHost> host_;
     std::unique_ptr<host::ExtensionSupervisor> supervisor_;
     std::unique_ptr<host::SessionWatch> session_;
+    std::unique_ptr<CoverWatch> covers_;
 };
 
 }  // namespace zelto::desktop

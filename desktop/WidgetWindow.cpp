@@ -151,7 +151,8 @@ bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {
 }
 
 void WidgetWindow::tellSeen() {
-    const bool isSeen = !isCovered_ && seams_.isScreenSeen();
+    const auto window = get_window();
+    const bool isSeen = !isCovered_ && seams_.isScreenSeen() && !(window && seams_.isHidden(window->gobj()));
     if (std::exchange(isSeen_, isSeen) == isSeen) return;
     view_.setSeen(isSeen);
     seams_.host.setSeen(widget_.id, isSeen);

@@ -22,7 +22,9 @@ class WidgetWindow : public Gtk::Window {
         host::WidgetHost& host;
         const DisplayBackend& backend;
         WidgetView::Seams view;
-        /// Whether the screen is, whatever stands on it.
+        /// Whether other programs' windows hide one.
+        std::function<bool(GdkWindow*)> isHidden;
+        /// Whether the screen is seen, whatever stands on it.
         std::function<bool()> isScreenSeen;
         /// The pointer came over it.
         std::function<void()> entered;

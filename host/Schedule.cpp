@@ -83,7 +83,7 @@ std::optional<Date> Schedule::askingInstant() const {
     return last;
 }
 
-Schedule::Due Schedule::at(Date now) {
+Schedule::Due Schedule::at(Date now, bool mayAsk) {
     if (last_ && now < *last_ - steering) reloadAll();
     last_ = now;
 
@@ -91,7 +91,7 @@ Schedule::Due Schedule::at(Date now) {
     const auto asking = askingInstant();
     for (auto& [id, widget] : widgets_) {
         if (!widget.isSeen) continue;
-        if (asking && *asking <= now && !widget.isAsked && askingInstantOf(widget) <= now) {
+        if (mayAsk && asking && *asking <= now && !widget.isAsked && askingInstantOf(widget) <= now) {
             widget.isAsked = true;
             // What is due again before the answer is there waits for it: only a reload asks for more.
             widget.askAt = Date{std::numeric_limits<double>::infinity()};

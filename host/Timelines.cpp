@@ -62,8 +62,8 @@ void Timelines::forgetOthers() const {
         [](const Result<void>&) {});
 }
 
-std::vector<std::string> Timelines::tick(Date now) {
-    auto [requests, shows] = schedule_.at(now);
+std::vector<std::string> Timelines::tick(Date now, bool mayAsk) {
+    auto [requests, shows] = schedule_.at(now, mayAsk);
     if (!requests.empty()) ask(requests);
     return std::move(shows);
 }

@@ -68,26 +68,34 @@ void WidgetHost::wake() {
 
 void WidgetHost::tick() {
     const Date now = seams_.now();
-    offers_.tick(now);
+    if (mayAsk_) offers_.tick(now);
     timelines_.reloadKinds(news_.due(now));
     timelines_.refreshEvery(timelines_.isAnyLiveSeen() ? seams_.refresh() : std::nullopt);
-    for (std::string& id : timelines_.tick(now))
+    for (std::string& id : timelines_.tick(now, mayAsk_))
         if (std::ranges::find(undrawn_, id) == undrawn_.end()) undrawn_.push_back(std::move(id));
     timelines_.storeDrawn(undrawn_);
-    if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
-    seams_.wakeAt(first(first(timelines_.nextInstant(), offers_.nextInstant()), news_.nextInstant()));
+    // What is stored is shown first: nobody waits for it behind an extension that starts.
+    const bool isFirst = !mayAsk_ && undrawn_.empty();
+    if ((!undrawn_.empty() || isFirst) && !std::exchange(isDrawing_, true))
+        seams_.soon([this] { drawNext(); });
+    if (mayAsk_)
+        seams_.wakeAt(first(first(timelines_.nextInstant(), offers_.nextInstant()), news_.nextInstant()));
 }
 
 void WidgetHost::drawNext() {
     isDrawing_ = false;
-    if (undrawn_.empty()) return;
+    if (undrawn_.empty()) {
+        if (!std::exchange(mayAsk_, true)) tick();
+        return;
+    }
     const std::string id = std::move(undrawn_.front());
     undrawn_.pop_front();
     const PlacedWidget* widget = layout_.find(id);
     const widgetkit::ArchivedEntry* entry = timelines_.shown(id);
     if (widget && entry) timelines_.whileDrawing(*widget, [&] { observer_.shows(*widget, *entry); });
     timelines_.storeDrawn(undrawn_);
-    if (!undrawn_.empty() && !std::exchange(isDrawing_, true)) seams_.soon([this] { drawNext(); });
+    if ((!undrawn_.empty() || !mayAsk_) && !std::exchange(isDrawing_, true))
+        seams_.soon([this] { drawNext(); });
 }
 
 void WidgetHost::offersChanged() {

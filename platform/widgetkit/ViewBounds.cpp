@@ -44,6 +44,8 @@ class Inspector {
         if (font != view.modifiers.end()) fontSize = std::get<ui::modifier::Font>(*font).size;
         if (isLettered(view.node) && fontSize > bounds_.largePoints && ++largeTexts_ > bounds_.largeTexts)
             return Fault{.reason = "too many large texts"};
+        if (strokeWidth(view.node) > bounds_.thickPoints && ++thickStrokes_ > bounds_.thickStrokes)
+            return Fault{.reason = "too many thick strokes"};
         std::size_t inside = 0;
         if (const ui::Views* children = ui::childrenOf(view.node))
             for (const ui::View& child : *children) {
@@ -76,14 +78,18 @@ class Inspector {
                std::holds_alternative<ui::node::Symbol>(node) ||
                std::holds_alternative<ui::node::Countdown>(node);
     }
+    /// 0 for what has no stroke.
+    static double strokeWidth(const ui::Node& node) {
+        const auto* shape = std::get_if<ui::node::Shape>(&node);
+        const auto* stroke = shape ? std::get_if<ui::Stroke>(&shape->paint) : nullptr;
+        return stroke ? stroke->lineWidth : 0;
+    }
     static bool isNegative(const ui::Node& node) {
         if (const auto* spacer = std::get_if<ui::node::Spacer>(&node))
             return spacer->minLength.value_or(0) < 0;
         const auto* shape = std::get_if<ui::node::Shape>(&node);
-        if (!shape) return false;
-        const auto* stroke = std::get_if<ui::Stroke>(&shape->paint);
-        const auto* corners = std::get_if<ui::RoundedRectangle>(&shape->geometry);
-        return (stroke && stroke->lineWidth < 0) || (corners && corners->radius < 0);
+        const auto* corners = shape ? std::get_if<ui::RoundedRectangle>(&shape->geometry) : nullptr;
+        return strokeWidth(node) < 0 || (corners && corners->radius < 0);
     }
 
     Result<void> inspect(const ui::Modifier& modifier) {
@@ -153,7 +159,7 @@ class Inspector {
     }
 
     const ViewBounds& bounds_;
-    std::size_t nodes_ = 0, links_ = 0, allTextBytes_ = 0, allValues_ = 0, largeTexts_ = 0;
+    std::size_t nodes_ = 0, links_ = 0, allTextBytes_ = 0, allValues_ = 0, largeTexts_ = 0, thickStrokes_ = 0;
 };
 
 }  // namespace

@@ -30,7 +30,7 @@ class Timelines {
     void forgetOthers() const;
 
     /// Asks for what is due; the ids of widgets that show something else from now on.
-    std::vector<std::string> tick(Date now);
+    std::vector<std::string> tick(Date now, bool mayAsk);
     /// Drops the stored timeline of which the last run died, if it did, and returns what it was.
     std::optional<std::string> dropUnfinished() { return store_.dropUnfinished(); }
     /// Shows a widget, so that a death of it is known at the next start.

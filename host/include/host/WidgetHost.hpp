@@ -120,6 +120,7 @@ class WidgetHost {
     std::size_t saves_ = 0;            // under way
     std::deque<std::string> undrawn_;  // ids; one is drawn at a time, and calls are answered in between
     bool isDrawing_ = false;           // the next one is to come
+    bool mayAsk_ = false;              // once what was stored is shown
     Monitors monitors_;
     Timelines timelines_;
     Offers offers_;

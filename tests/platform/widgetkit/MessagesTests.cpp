@@ -103,6 +103,9 @@ TEST(Archive, BoundsWhatAStrangerMaySend) {
                 9,
                 Stroked(Polyline{std::vector<double>(4000, 0.5)}, {.style = secondary, .lineWidth = 1}))))),
         "too many values");
+    const View thick = Stroked(Circle{}, {.style = secondary, .lineWidth = 25});
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(64, thick)))), "");
+    EXPECT_EQ(fault(reply(stack(VStackOptions{}, Views(65, thick)))), "too many thick strokes");
     EXPECT_EQ(fault(reply(Text("x").frame({.width = 1e5, .height = {}}))), "a number that is too large");
     EXPECT_EQ(fault(reply(Spacer(-1))), "a negative size");
     EXPECT_EQ(fault(reply(Filled(RoundedRectangle{-1}, secondary))), "a negative size");

@@ -24,6 +24,8 @@ struct ViewBounds {
     double fontPoints = 500;
     std::size_t largeTexts = 8;  // and symbols, each in a font of more than `largePoints`
     double largePoints = 100;
+    std::size_t thickStrokes = 64;  // each wider than `thickPoints`: as many as cover a widget
+    double thickPoints = 24;
     double seconds = 1e12;         // of dates, from the reference date
     std::int64_t imageSide = 512;  // pixels
 };

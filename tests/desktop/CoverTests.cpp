@@ -1,0 +1,92 @@
+// Widgets rest while the windows of other programs hide them, in the real display.
+
+#include <gtest/gtest.h>
+
+#include "tests/desktop/PlacedWidgets.hpp"
+#include "tests/desktop/RunningDesktop.hpp"
+#include "tests/support/Child.hpp"
+#include "tests/support/Paths.hpp"
+#include "tests/support/Process.hpp"
+
+namespace zelto::test {
+namespace {
+
+struct Covers : testing::TestWithParam<bool> {
+    std::unique_ptr<Display> display = startX11();
+    std::optional<Child> compositor;
+    RunningDesktop desktop{*display};
+
+    Covers() {
+        if (!GetParam()) return;
+        auto variables = display->environment();
+        variables.push_back("HOME=" + desktop.folder().string());
+        compositor.emplace(
+            std::vector<std::string>{"picom", "--backend", "xrender", "--config", "/dev/null"},
+            variables,
+            desktop.folder() / "compositor.log");
+    }
+    Child cover(const std::string& how = "") {
+        std::vector<std::string> words{programFolder() / "covering-window"};
+        if (!how.empty()) words.push_back(how);
+        Child window(words, desktop.environment(), desktop.folder() / "window.log");
+        EXPECT_EQ(window.line(), "shown");
+        return window;
+    }
+    bool becomes(bool isSeen) {
+        return eventually([&] { return desktop.tellsSeen(isSeen); });
+    }
+    void tool(std::vector<std::string> words) const {
+        words.insert(words.begin(), "xdotool");
+        const auto result = run(words, "", display->environment());
+        EXPECT_EQ(result.status, 0) << result.errors;
+    }
+};
+
+TEST_P(Covers, RestAWidgetUntilItIsSeenAgain) {
+    desktop.place({widget("ZeltoBattery", widgetkit::WidgetFamily::systemSmall, 0, 0)});
+    desktop.start();
+    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    EXPECT_TRUE(becomes(true));
+    {
+        const Child window = cover();
+        EXPECT_TRUE(becomes(false)) << desktop.log();
+        // On another workspace.
+        tool({"set_num_desktops", "2"});
+        tool({"search", "--name", "^covering$", "set_desktop_for_window", "1"});
+        EXPECT_TRUE(becomes(true));
+        tool({"search", "--name", "^covering$", "set_desktop_for_window", "0"});
+        EXPECT_TRUE(becomes(false));
+        tool({"search", "--name", "^covering$", "windowminimize"});
+        EXPECT_TRUE(becomes(true));
+        tool({"search", "--name", "^covering$", "windowactivate"});
+        EXPECT_TRUE(becomes(false));
+    }
+    EXPECT_TRUE(becomes(true));
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    EXPECT_TRUE(desktop.stop());
+    EXPECT_EQ(desktop.log(), "");
+}
+
+/// Nothing shines through without a compositor.
+struct TranslucentCovers : Covers {};
+
+TEST_P(TranslucentCovers, HideNothing) {
+    desktop.place({widget("ZeltoBattery", widgetkit::WidgetFamily::systemSmall, 0, 0)});
+    desktop.start();
+    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    const Child glass = cover("translucent");
+    {
+        const Child window = cover();
+        EXPECT_TRUE(becomes(false));
+    }
+    EXPECT_TRUE(becomes(true));
+    EXPECT_TRUE(desktop.stop());
+}
+
+INSTANTIATE_TEST_SUITE_P(X11, TranslucentCovers, testing::Values(true));
+INSTANTIATE_TEST_SUITE_P(X11, Covers, testing::Bool(), [](const auto& tested) {
+    return tested.param ? "WithACompositor" : "WithoutACompositor";
+});
+
+}  // namespace
+}  // namespace zelto::test
