@@ -41,6 +41,11 @@ void Schedule::setSeen(const std::string& id, bool isSeen) {
     if (const auto found = widgets_.find(id); found != widgets_.end()) found->second.isSeen = isSeen;
 }
 
+bool Schedule::isSeen(const std::string& id) const {
+    const auto found = widgets_.find(id);
+    return found == widgets_.end() || found->second.isSeen;
+}
+
 bool Schedule::isAnySeen() const {
     return std::ranges::any_of(widgets_, [](const auto& each) { return each.second.isSeen; });
 }

@@ -27,8 +27,11 @@ bool isAmong(const PlacedWidget& widget, const std::vector<PlacedWidget>& widget
 void Timelines::follow(const std::vector<PlacedWidget>& widgets) {
     const std::vector<PlacedWidget> before = std::exchange(widgets_, widgets);
     bool isAnyGone = false;
+    // One that is shown in another size stands where it stood.
+    std::set<std::string> hidden;
     for (const PlacedWidget& old : before) {
         if (isAmong(old, widgets_)) continue;
+        if (!schedule_.isSeen(old.id)) hidden.insert(old.id);
         schedule_.remove(old.id);
         failures_.erase(old.id);
         stored_.erase(old.id);
@@ -40,6 +43,7 @@ void Timelines::follow(const std::vector<PlacedWidget>& widgets) {
         auto stored = store_.load(widget);
         if (stored) stored_.insert(widget.id);
         schedule_.add(widget.id, std::move(stored));
+        if (hidden.contains(widget.id)) schedule_.setSeen(widget.id, false);
     }
 }
 

@@ -478,6 +478,11 @@ TEST_F(Hosted, WhatNobodySeesRestsUntilItIsSeen) {
     host->filesChanged({"/a"});
     host->wake();
     EXPECT_TRUE(asked.empty());
+    // In another size too.
+    EXPECT_TRUE(host->setFamily(battery, WidgetFamily::systemMedium));
+    EXPECT_TRUE(asked.empty());
+    EXPECT_FALSE(isSeen_);
+    takeSeen();
     host->setSeen(battery, true);
     EXPECT_TRUE(isSeen_);
     ASSERT_EQ(asked.size(), 1U);

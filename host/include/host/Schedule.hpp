@@ -27,6 +27,7 @@ class Schedule {
     /// One that is not seen asks for nothing and shows nothing new until it is seen again. All are, until it
     /// is said.
     void setSeen(const std::string& id, bool isSeen);
+    bool isSeen(const std::string& id) const;
     bool isAnySeen() const;
     /// Whether it shows readings of the moment.
     void setLive(const std::string& id, bool isLive);
