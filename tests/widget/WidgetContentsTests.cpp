@@ -9,10 +9,10 @@ namespace zelto::test {
 namespace {
 
 TEST(WidgetContents, AreToldOfEveryWidgetInOrder) {
-    const auto widgets = widget::ZeltoWidgetBundle{{}}.body();
-    ASSERT_EQ(widgets.size(), widget::shownSources.size());
-    for (std::size_t i = 0; i < widgets.size(); ++i)
-        EXPECT_EQ(widgets[i].info().kind, widget::shownSources.at(i).kind);
+    std::vector<std::string> offered, told;
+    for (const auto& widget : widget::ZeltoWidgetBundle{{}}.body()) offered.push_back(widget.info().kind);
+    for (const auto& each : widget::shownSources) told.emplace_back(each.kind);
+    EXPECT_EQ(offered, told);
 }
 
 TEST(WidgetContents, AreWhatTheWidgetsShow) {
@@ -34,6 +34,7 @@ TEST(WidgetContents, AreWhatTheWidgetsShow) {
         const std::string& kind = widget.info().kind;
         const auto* told = std::ranges::find(
             widget::shownSources, kind, [](const auto& each) { return std::string(each.kind); });
+        ASSERT_NE(told, widget::shownSources.end()) << kind;
         bool showsReadings = false, showsSnapshot = false;
         for (const auto family : widget.info().families) {
             const std::string outline = outlineOf(kind, family, before);
