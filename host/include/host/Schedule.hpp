@@ -43,8 +43,8 @@ class Schedule {
         std::vector<std::string> requests;
         std::vector<std::string> shows;
     };
-    /// What is due at `now`; the requests count as sent, and none is made where it is not to be asked yet. A clock that went backwards makes every timeline
-    /// doubtful: all are asked for anew.
+    /// What is due at `now`; the requests count as sent, and none is made where it is not to be asked yet. A
+    /// clock that went backwards makes every timeline doubtful: all are asked for anew.
     Due at(Date now, bool mayAsk = true);
     /// The answer to such a request.
     void received(const std::string& id, widgetkit::ArchivedTimeline timeline, Date now);
