@@ -122,7 +122,8 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
 
 void Timelines::storeDrawn(const std::deque<std::string>& undrawn) {
     for (auto each = unsaved_.begin(); each != unsaved_.end();) {
-        if (std::ranges::find(undrawn, each->first) != undrawn.end()) {
+        // What nobody sees is not drawn either, until it is seen.
+        if (std::ranges::find(undrawn, each->first) != undrawn.end() || !schedule_.isSeen(each->first)) {
             ++each;
             continue;
         }

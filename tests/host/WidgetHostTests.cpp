@@ -392,6 +392,22 @@ TEST_F(Hosted, WhatLooksTheSameIsNotStoredAgain) {
     EXPECT_EQ(works, 0U);
 }
 
+TEST_F(Hosted, WhatComesForAHiddenWidgetIsStoredOnceItIsDrawn) {
+    start();
+    const auto battery = add("Battery", WidgetFamily::systemSmall);
+    const auto isStored = [&] {
+        return EntryStore(folder.path() / "cache").load(host->widgets()[0]).has_value();
+    };
+    host->setSeen(battery, false);
+    takeSeen();
+    answer("80 %");
+    EXPECT_EQ(takeSeen(), Seen{});
+    EXPECT_FALSE(isStored());
+    host->setSeen(battery, true);
+    EXPECT_EQ(takeSeen(), Seen{"Battery shows 80 %"});
+    EXPECT_TRUE(isStored());
+}
+
 TEST_F(Hosted, AChangedFileAsksForItsWidgetsOnly) {
     offers_ = offered();
     offers_[0].files = {"/a", "/b"};
