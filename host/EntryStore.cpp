@@ -2,19 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstdint>
-#include <cstring>
 #include <set>
 #include <string>
 #include <utility>
 
-#include <fcntl.h>
 #include <system_error>
-#include <unistd.h>
 
 #include "DrawingMark.hpp"
-#include "foundation/FileDescriptor.hpp"
 #include "foundation/Files.hpp"
 
 namespace zelto::host {
@@ -50,26 +45,6 @@ constexpr std::array suffixes{".1.json", ".2.json"};
 std::filesystem::path withSuffix(std::filesystem::path path, const char* suffix) {
     path += suffix;
     return path;
-}
-
-/// A file that is there but did not become whole is as good as none.
-bool writeNewFile(const std::filesystem::path& path, std::string_view bytes) {
-    std::error_code error;
-    std::filesystem::remove(path, error);
-    const FileDescriptor file(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-    if (!file) return false;
-    while (!bytes.empty()) {
-        const ssize_t count = write(file.get(), bytes.data(), bytes.size());
-        if (count < 0 && errno == EINTR) continue;
-        if (count < 0) {
-            const int reason = errno;
-            std::filesystem::remove(path, error);
-            errno = reason;
-            return false;
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
 }
 
 constexpr const char* markName = "drawing";
@@ -117,7 +92,7 @@ std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const PlacedWidget& 
     for (const auto& file : filesOf(widget)) {
         const auto line = readFile(file, largestFile);
         if (!line) continue;
-        // What is cut short is none.
+        // What a loss of power has cut short is none.
         if (auto reply = widgetkit::decodeReply(*line); reply && reply->timeline)
             return std::move(reply->timeline);
     }
@@ -129,9 +104,14 @@ Result<void> EntryStore::save(const PlacedWidget& widget, std::string_view line)
     makeFolder();
     const auto [newest, other] = filesOf(widget);
     std::error_code error;
-    const auto target = std::filesystem::exists(newest, error) ? other : newest;
-    if (!writeNewFile(target, line)) return Fault{.path = target.string(), .reason = std::strerror(errno)};
-    std::filesystem::remove(target == newest ? other : newest, error);
+    const bool replaces = std::filesystem::exists(newest, error);
+    const auto& target = replaces ? other : newest;
+    // In a vacant place, and whole: the newest one stays until this one stands.
+    std::filesystem::remove(target, error);
+    if (!writeFileAtomically(
+            target, line, {.durability = Durability::processDeath, .readers = Readers::owner}))
+        return Fault{.path = target.string(), .reason = "cannot be written"};
+    if (replaces) std::filesystem::remove(newest, error);
     return {};
 }
 
