@@ -12,9 +12,9 @@ namespace {
 
 /// How much of an edge a continuous corner takes, in radii.
 constexpr double cornerReach = 1.6;
-/// The light of the rim, one pixel wide, which keeps a widget's edge in sight on black: white, of 255.
-constexpr std::uint32_t rimOpacity = 23;
 constexpr std::size_t mostScales = 8;
+
+constexpr auto rim = static_cast<std::uint32_t>(rimOpacity * 255 + 0.5);
 
 /// A product of two fractions of 255.
 constexpr std::uint32_t times(std::uint32_t a, std::uint32_t b) {
@@ -95,7 +95,7 @@ void ContainerEdge::paint(Picture& picture, double scale, Corners corners, const
     const Corner& corner = found->second;
     const auto finish = [isRounded = corners == Corners::rounded](std::uint32_t& pixel, Coverage coverage) {
         if (isRounded && coverage.inside != 255) pixel = scaled(pixel, coverage.inside);
-        if (coverage.rim != 0) pixel = lit(pixel, times(rimOpacity, coverage.rim));
+        if (coverage.rim != 0) pixel = lit(pixel, times(rim, coverage.rim));
     };
     const auto pixel = [&](int x, int y) -> std::uint32_t& {
         return picture.pixels

@@ -13,6 +13,9 @@ namespace zelto::drawing {
 /// Adds a widget's outline, of `size` points, `inset` points within its edge.
 void addContainerOutline(cairo_t* context, layout::Size size, double inset = 0);
 
+/// The light of the rim, one pixel wide, which keeps a widget's edge in sight on black: white.
+inline constexpr double rimOpacity = 0.09;
+
 /// The rim of widgets, and what their rounded corners leave of the pixels below. Kept from one picture to the
 /// next, since all widgets of one scale have the same corners.
 class ContainerEdge {

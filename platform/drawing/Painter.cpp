@@ -247,18 +247,17 @@ class ItemPainter {
         const bool isStraight = std::holds_alternative<ui::Capsule>(geometry) ||
                                 std::holds_alternative<ui::RoundedRectangle>(geometry);
         if (!tools_.toPixels || !isStraight || !Similarity::of(context_).upright) return frame;
-        double deviceX = 1, deviceY = 1;
-        cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+        const double scale = deviceScale();
         double left = frame.x, top = frame.y, right = frame.x + frame.width, bottom = frame.y + frame.height;
         cairo_user_to_device(context_, &left, &top);
         cairo_user_to_device(context_, &right, &bottom);
-        const double width = std::max(std::round((right - left) * deviceX), 1.0);
-        left = std::round(left * deviceX);
-        right = (left + width) / deviceX;
-        left /= deviceX;
-        top = std::round(top * deviceY);
-        bottom = std::max(std::round(bottom * deviceY), top + 1) / deviceY;
-        top /= deviceY;
+        const double width = std::max(std::round((right - left) * scale), 1.0);
+        left = std::round(left * scale);
+        right = (left + width) / scale;
+        left /= scale;
+        top = std::round(top * scale);
+        bottom = std::max(std::round(bottom * scale), top + 1) / scale;
+        top /= scale;
         cairo_device_to_user(context_, &left, &top);
         cairo_device_to_user(context_, &right, &bottom);
         return {left, top, right - left, bottom - top};
@@ -347,10 +346,9 @@ class ItemPainter {
     void paintOutlines(const TypesetText& typeset, bool isUpright) const {
         double x = 0, y = typeset.extent.baseline;
         if (tools_.toPixels && isUpright) {
-            double deviceX = 1, deviceY = 1;
-            cairo_surface_get_device_scale(cairo_get_target(context_), &deviceX, &deviceY);
+            const double scale = deviceScale();
             cairo_user_to_device(context_, &x, &y);
-            y = std::round(y * deviceY) / deviceY;
+            y = std::round(y * scale) / scale;
             cairo_device_to_user(context_, &x, &y);
         }
         cairo_translate(context_, 0, y);

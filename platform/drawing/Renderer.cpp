@@ -75,7 +75,7 @@ void paintRim(cairo_t* context, layout::Size size, double scale) {
     addContainerOutline(context, size);
     addContainerOutline(context, size, 1 / scale);
     cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
-    cairo_set_source_rgba(context, 1, 1, 1, 0.09);
+    cairo_set_source_rgba(context, 1, 1, 1, rimOpacity);
     cairo_fill(context);
 }
 

@@ -47,7 +47,7 @@ TEST(ContainerEdge, IsWhatTheOutlineSays) {
         cairo_set_operator(context.get(), CAIRO_OPERATOR_OVER);
         addContainerOutline(context.get(), size);
         addContainerOutline(context.get(), size, 1 / scale);
-        cairo_set_source_rgba(context.get(), 1, 1, 1, 0.09);
+        cairo_set_source_rgba(context.get(), 1, 1, 1, rimOpacity);
         cairo_fill(context.get());
         cairo_surface_flush(surface.get());
 
