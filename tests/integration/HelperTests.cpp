@@ -10,6 +10,7 @@
 
 #include "foundation/Files.hpp"
 #include "helper/HelperInterface.hpp"
+#include "tests/support/BusCall.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/PrivateBus.hpp"
 #include "tests/support/Process.hpp"
@@ -119,17 +120,7 @@ TEST_F(HelperProcess, OtherProgramsCanIntrospectAndCallAllFourMethods) {
     EXPECT_NE(faulty.errors.find("dischargeAboveLimit: missing"), std::string::npos) << faulty.errors;
     EXPECT_EQ(status()["chargeConfig"]["limit"], 70);
 
-    const auto reset = runFound(
-        {"gdbus",
-         "call",
-         "--address",
-         bus.address(),
-         "--dest",
-         service,
-         "--object-path",
-         object,
-         "--method",
-         std::string(service) + ".resetAllWithReply"});
+    const auto reset = callOnBus(bus.address(), service, std::string(service) + ".resetAllWithReply");
     EXPECT_EQ(reset.output, "()\n") << reset.errors;
     EXPECT_EQ(status()["chargeConfig"]["limit"], 80);
 }

@@ -13,8 +13,8 @@
 #include "bus/Connection.hpp"
 #include "bus/Listener.hpp"
 #include "foundation/FileDescriptor.hpp"
+#include "tests/support/BusCall.hpp"
 #include "tests/support/PrivateBus.hpp"
-#include "tests/support/Process.hpp"
 
 namespace zelto::bus {
 namespace {
@@ -109,22 +109,7 @@ TEST_F(BusService, TellsItsPropertiesToThoseWhomItServes) {
         wanted.interface.properties.push_back({"seen", [&] { return value.load(); }});
         return listen(std::move(wanted));
     };
-    const auto get = [this] {
-        const auto called = test::run(
-            {"gdbus",
-             "call",
-             "--address",
-             bus.address(),
-             "--dest",
-             service,
-             "--object-path",
-             objectPathOf(service),
-             "--method",
-             "org.freedesktop.DBus.Properties.Get",
-             service,
-             "seen"});
-        return called.output + called.errors;
-    };
+    const auto get = [this] { return test::propertyOnBus(bus.address(), service, "seen"); };
     {
         auto listener = serve({getuid()});
         EXPECT_EQ(get(), "(<true>,)\n");
