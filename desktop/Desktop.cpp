@@ -74,7 +74,15 @@ void Desktop::wakeAt(std::optional<Date> instant) {
     if (timer_.works())
         timer_.arm(instant);
     else if (instant)
-        timerSource_ = host::MainSource::after(*instant - Date::now(), [this] { host_->wake(); });
+        timerSource_ =
+            host::MainSource::after(*instant - Date::now(), [this] { lookThen([this] { host_->wake(); }); });
+}
+
+void Desktop::lookThen(std::function<void()> then) {
+    std::vector<GdkWindow*> windows;
+    for (const auto& [id, window] : windows_)
+        if (const auto surface = window->get_window()) windows.push_back(surface->gobj());
+    frames_->ask(windows, std::move(then));
 }
 
 void Desktop::watchClock() {
@@ -84,7 +92,7 @@ void Desktop::watchClock() {
         timerSource_ = host::MainSource::whenReadable(timer_.fd(), [this] {
             switch (timer_.take()) {
                 case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
-                case host::WallTimer::Event::expired: host_->wake(); break;
+                case host::WallTimer::Event::expired: lookThen([this] { host_->wake(); }); break;
                 case host::WallTimer::Event::none: break;
             }
         });
@@ -110,7 +118,7 @@ void Desktop::watchPaths() {
     pathSource_ = host::MainSource::whenReadable(paths_.fd(), [this] {
         const auto changes = paths_.take();
         if (!changes.folders) {
-            host_->filesChanged(changes.files);
+            lookThen([this, files = changes.files] { host_->filesChanged(files); });
             return;
         }
         supervisor_->restart();
@@ -127,6 +135,7 @@ void Desktop::watchSight() {
         for (const auto& [id, window] : windows_) window->tellSeen();
     };
     covers_ = std::make_unique<CoverWatch>(gdk_display_get_default(), tell);
+    frames_ = std::make_unique<FrameWatch>(gdk_display_get_default(), tell);
     session_ = std::make_unique<host::SessionWatch>(
         options_.bus,
         bus::Address::system(),
@@ -182,7 +191,8 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
                  // A window that is cut to the outline has no pixels behind it to be seen.
                  .corners =
                      backend_.isTranslucent() ? drawing::Corners::rounded : drawing::Corners::outlined},
-            .isHidden = [this](GdkWindow* hidden) { return covers_->isHidden(hidden); },
+            .isHidden =
+                [this](GdkWindow* hidden) { return covers_->isHidden(hidden) || frames_->isHidden(hidden); },
             .isScreenSeen = [this] { return isScreenSeen_; },
             .entered =
                 [this, id = widget.id] {
@@ -192,9 +202,11 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
             .showGallery = [this] { showGallery(); },
             .closed = [this] { monitorsChanged(); }},
         widget);
+    window->signal_unmap().connect([this, unmapped = window.get()] {
+        if (const auto surface = unmapped->get_window()) frames_->forget(surface->gobj());
+    });
     if (const auto* description = host_->offers().find(widget.kind)) window->describe(*description);
     if (const auto* entry = host_->shown(widget.id)) window->view().present(*entry);
-    window->tellSeen();
     return *window;
 }
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "CoverWatch.hpp"
+#include "FrameWatch.hpp"
 #include "Gallery.hpp"
 #include "WidgetWindow.hpp"
 #include "host/DiskThread.hpp"
@@ -62,6 +63,8 @@ class Desktop : public host::HostObserver {
     void watchMonitors();
     void monitorsChanged();
     void wakeAt(std::optional<Date> instant);
+    /// Calls `then` as soon as it is known which widgets are seen: nothing is asked for the others.
+    void lookThen(std::function<void()> then);
     void watchClock();
     void watchPaths();
     void watchSight();
@@ -80,6 +83,7 @@ class Desktop : public host::HostObserver {
     host::PathWatch paths_;
     host::MainSource timerSource_, zoneSource_, zoneDataSource_, pathSource_, folderSettled_, soon_;
     host::DiskThread disk_;
+    std::unique_ptr<FrameWatch> frames_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
     std::unique_ptr<Gallery> gallery_;
     bool isFirstStart_ = false, isScreenSeen_ = true;

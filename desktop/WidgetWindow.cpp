@@ -47,6 +47,7 @@ void WidgetWindow::arrange(const host::ArrangedWidget& arranged) {
     if (isThere) return;
     seams_.backend.place(*this, slot);
     show();
+    tellSeen();
 }
 
 void WidgetWindow::describe(const widgetkit::WidgetDescription& description) {
@@ -139,6 +140,7 @@ bool WidgetWindow::on_delete_event(GdkEventAny*) {
     host::postToMainThread([this, isThere = std::weak_ptr(life_)] {
         if (isThere.expired()) return;
         hide();
+        tellSeen();
         seams_.closed();
     });
     return true;
@@ -152,7 +154,8 @@ bool WidgetWindow::on_visibility_notify_event(GdkEventVisibility* event) {
 
 void WidgetWindow::tellSeen() {
     const auto window = get_window();
-    const bool isSeen = !isCovered_ && seams_.isScreenSeen() && !(window && seams_.isHidden(window->gobj()));
+    const bool isSeen =
+        get_visible() && !isCovered_ && seams_.isScreenSeen() && !(window && seams_.isHidden(window->gobj()));
     if (std::exchange(isSeen_, isSeen) == isSeen) return;
     view_.setSeen(isSeen);
     seams_.host.setSeen(widget_.id, isSeen);

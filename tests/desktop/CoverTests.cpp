@@ -83,6 +83,64 @@ TEST_P(TranslucentCovers, HideNothing) {
     EXPECT_TRUE(desktop.stop());
 }
 
+/// What the compositor wants no frames of is not seen. It is asked before each request.
+struct WaylandCovers : testing::Test {
+    void show(Display& display) {
+        desktop.emplace(display);
+        desktop->place({widget("ZeltoBattery", widgetkit::WidgetFamily::systemSmall, 0, 0)});
+        desktop->start({"--refresh", "1"});
+        ASSERT_TRUE(eventually([&] { return desktop->allSeen(); })) << desktop->log();
+        ASSERT_TRUE(becomes(true));
+    }
+    bool becomes(bool isSeen) {
+        return eventually([&] { return desktop->tellsSeen(isSeen); });
+    }
+    void end() {
+        EXPECT_TRUE(eventually([&] { return desktop->allSeen(); }));
+        EXPECT_TRUE(desktop->stop());
+        EXPECT_EQ(desktop->log(), "");
+    }
+
+    std::optional<RunningDesktop> desktop;
+};
+
+TEST_F(WaylandCovers, AFullscreenWindowRestsIt) {
+    const auto display = startWayland();
+    show(*display);
+    {
+        Child window(
+            {programFolder() / "covering-window"}, desktop->environment(), desktop->folder() / "window.log");
+        ASSERT_EQ(window.line(), "shown");
+        EXPECT_TRUE(becomes(false)) << desktop->log();
+        display->command({"fullscreen", "disable"});
+        EXPECT_TRUE(becomes(true));
+        display->command({"fullscreen", "enable"});
+        EXPECT_TRUE(becomes(false));
+    }
+    EXPECT_TRUE(becomes(true));
+    end();
+}
+
+TEST_F(WaylandCovers, MonitorsThatAreOffRestIt) {
+    const auto display = startMonitors();
+    show(*display);
+    display->turn(false);
+    EXPECT_TRUE(becomes(false)) << desktop->log();
+    display->turn(true);
+    EXPECT_TRUE(becomes(true));
+    end();
+}
+
+TEST_F(WaylandCovers, NoMonitorRestsIt) {
+    const auto display = startMonitors();
+    show(*display);
+    display->unplug();
+    EXPECT_TRUE(becomes(false)) << desktop->log();
+    display->plugIn();
+    EXPECT_TRUE(becomes(true));
+    end();
+}
+
 INSTANTIATE_TEST_SUITE_P(X11, TranslucentCovers, testing::Values(true));
 INSTANTIATE_TEST_SUITE_P(X11, Covers, testing::Bool(), [](const auto& tested) {
     return tested.param ? "WithACompositor" : "WithoutACompositor";

@@ -25,7 +25,8 @@ using host::PlacedWidget;
 class DesktopOn : public testing::TestWithParam<const char*> {
   public:
     DesktopOn()
-        : display_(GetParam() == std::string("X11") ? startX11() : startWayland()), desktop(*display_) {
+        : display_(GetParam() == std::string("X11") ? startX11() : std::unique_ptr<Display>(startWayland())),
+          desktop(*display_) {
         // Out of the widgets' way.
         display_->move(Display::width - 2, Display::height - 2);
     }

@@ -111,7 +111,14 @@ class X11 : public Display {
     Child manager_;
 };
 
-class Wayland : public Display {
+/// To the compositor with that socket.
+void sendCommand(const std::string& socket, std::vector<std::string> words) {
+    words.insert(words.begin(), {"/usr/bin/swaymsg", "-s", socket});
+    const auto result = run(words, "", {path});
+    if (result.status != 0) throw std::runtime_error(result.output + result.errors);
+}
+
+class Wayland : public Compositor {
   public:
     explicit Wayland(const std::string& scale)
         : compositor_(
@@ -157,6 +164,10 @@ class Wayland : public Display {
             {"plus", "13 1"},
             {"ctrl+Right", "106 4"}};
         tell("key " + codes.at(name));
+    }
+
+    void command(std::vector<std::string> words) override {
+        sendCommand(*commandSockets().begin(), std::move(words));
     }
 
     const std::filesystem::path& folder() const { return folder_.path(); }
@@ -238,12 +249,14 @@ class NestedWayland : public Monitors {
     void key(const std::string& name) override { around_.key(name); }
 
     void plugIn() override {
-        message(innerSocket(), {"create_output"});
+        sendCommand(innerSocket(), {"create_output"});
         ++plugged_;
     }
     void unplug() override {
-        message(outerSocket_, {"[title=\"wlroots - WL-" + std::to_string(plugged_) + "\"]", "kill"});
+        sendCommand(outerSocket_, {"[title=\"wlroots - WL-" + std::to_string(plugged_) + "\"]", "kill"});
     }
+    /// Out of sight they are as good as off, which no compositor without a screen can turn them.
+    void turn(bool isOn) override { sendCommand(outerSocket_, {"workspace", isOn ? "1" : "2"}); }
     std::string second() const override { return "WL-" + std::to_string(plugged_); }
 
   private:
@@ -263,11 +276,6 @@ class NestedWayland : public Monitors {
         sockets.erase(outerSocket_);
         return *sockets.begin();
     }
-    static void message(const std::string& socket, std::vector<std::string> words) {
-        words.insert(words.begin(), {"/usr/bin/swaymsg", "-s", socket});
-        const auto result = run(words, "", {path});
-        if (result.status != 0) throw std::runtime_error(result.output + result.errors);
-    }
 
     Wayland around_{"1"};
     std::string outerSocket_ = *around_.commandSockets().begin();
@@ -286,7 +294,7 @@ std::unique_ptr<Monitors> startMonitors() {
     return std::make_unique<NestedWayland>();
 }
 
-std::unique_ptr<Display> startWayland(const std::string& scale) {
+std::unique_ptr<Compositor> startWayland(const std::string& scale) {
     return std::make_unique<Wayland>(scale);
 }
 

@@ -35,11 +35,19 @@ class Display {
     }
 };
 
+/// A Wayland compositor that takes commands.
+class Compositor : public Display {
+  public:
+    virtual void command(std::vector<std::string> words) = 0;
+};
+
 /// A display of two monitors, of which the second comes and goes.
 class Monitors : public Display {
   public:
     virtual void plugIn() = 0;
     virtual void unplug() = 0;
+    /// Off, all of them take no frames.
+    virtual void turn(bool isOn) = 0;
     /// The connector of the one that came last.
     virtual std::string second() const = 0;
 };
@@ -47,7 +55,7 @@ class Monitors : public Display {
 /// X11: a frame buffer in memory and a small window manager.
 std::unique_ptr<Display> startX11();
 /// Wayland: a compositor without a screen; `scale` is its output's.
-std::unique_ptr<Display> startWayland(const std::string& scale = "1");
+std::unique_ptr<Compositor> startWayland(const std::string& scale = "1");
 
 /// Wayland, with one monitor at first.
 std::unique_ptr<Monitors> startMonitors();
