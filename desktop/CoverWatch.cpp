@@ -137,15 +137,30 @@ struct CoverWatch::State {
         return !desktop || !own || own->empty() || own->front() == everyDesktop || own->front() == *desktop;
     }
 
-    std::optional<ScreenArea> areaOf(Window window, int& depth) const {
+    struct Extent {
+        ScreenArea area;
+        int depth;
+    };
+    std::optional<Extent> extentOf(Window window) const {
         XWindowAttributes attributes{};
         int x = 0, y = 0;
         Window child = None;
         if (XGetWindowAttributes(display, window, &attributes) == 0 ||
             XTranslateCoordinates(display, window, root, 0, 0, &x, &y, &child) == 0)
             return std::nullopt;
-        depth = attributes.depth;
-        return ScreenArea{x, y, attributes.width, attributes.height};
+        return Extent{{x, y, attributes.width, attributes.height}, attributes.depth};
+    }
+
+    /// What a window manager has put around a window; the window itself where there is nothing.
+    Window frameOf(Window window) const {
+        Window rootFound = None, parent = None, *children = nullptr;
+        unsigned int count = 0;
+        while (XQueryTree(display, window, &rootFound, &parent, &children, &count) != 0) {
+            if (children) XFree(children);
+            if (parent == None || parent == root) break;
+            window = parent;
+        }
+        return window;
     }
 
     std::vector<ScreenArea> opaqueAreas(Window window) const {
@@ -153,10 +168,12 @@ struct CoverWatch::State {
         constexpr int depthWithOpacity = 32;
         const auto overall = numbers(display, window, opacity);
         if (overall && !overall->empty() && overall->front() != whole) return {};
-        int depth = 0;
-        const auto area = areaOf(window, depth);
-        if (!area) return {};
-        if (depth != depthWithOpacity) return {*area};
+        if (const auto frame = extentOf(frameOf(window)); frame && frame->depth != depthWithOpacity)
+            return {frame->area};
+        const auto extent = extentOf(window);
+        if (!extent) return {};
+        const ScreenArea& area = extent->area;
+        if (extent->depth != depthWithOpacity) return {area};
         std::vector<ScreenArea> out;
         const std::vector<unsigned long> told =
             numbers(display, window, opaqueRegion).value_or(std::vector<unsigned long>());
@@ -165,8 +182,8 @@ struct CoverWatch::State {
             // Whatever a stranger writes there; windows reach no further.
             if (std::ranges::any_of(rectangle, [](unsigned long each) { return each > 0x7FFF; })) continue;
             out.push_back(
-                {area->x + static_cast<int>(rectangle[0]),
-                 area->y + static_cast<int>(rectangle[1]),
+                {area.x + static_cast<int>(rectangle[0]),
+                 area.y + static_cast<int>(rectangle[1]),
                  static_cast<int>(rectangle[2]),
                  static_cast<int>(rectangle[3])});
         }
@@ -193,11 +210,11 @@ CoverWatch::~CoverWatch() = default;
 
 bool CoverWatch::isHidden(GdkWindow* window) const {
     if (!state_ || !window) return false;
-    int depth = 0;
     gdk_x11_display_error_trap_push(state_->gdk);
-    const auto area = state_->areaOf(gdk_x11_window_get_xid(window), depth);
+    const Window own = gdk_x11_window_get_xid(window);
+    const auto extent = state_->extentOf(own);
     gdk_x11_display_error_trap_pop_ignored(state_->gdk);
-    return area && desktop::isHidden(*area, gdk_x11_window_get_xid(window), state_->windows);
+    return extent && desktop::isHidden(extent->area, own, state_->windows);
 }
 
 }  // namespace zelto::desktop

@@ -6,9 +6,8 @@
 #include <set>
 #include <stdexcept>
 
-#include <unistd.h>
-
 #include "foundation/Files.hpp"
+#include "tests/desktop/Nobody.hpp"
 #include "tests/support/Child.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/Process.hpp"
@@ -122,7 +121,7 @@ class Wayland : public Compositor {
   public:
     explicit Wayland(const std::string& scale)
         : compositor_(
-              withoutRoot({"sway", "--config", folder_.write("config", configuration(scale))}),
+              asNobody(folder_.path(), {"sway", "--config", folder_.write("config", configuration(scale))}),
               {path,
                "XDG_RUNTIME_DIR=" + folder_.path().string(),
                "WLR_BACKENDS=headless",
@@ -178,15 +177,6 @@ class Wayland : public Compositor {
             if (entry.path().filename().string().starts_with("sway-ipc")) out.insert(entry.path());
         return out;
     }
-    /// The compositor refuses to run as root.
-    std::vector<std::string> withoutRoot(std::vector<std::string> command) const {
-        constexpr uid_t nobody = 65534;
-        if (getuid() != 0) return command;
-        if (chown(folder_.path().c_str(), nobody, nobody) != 0) throw std::runtime_error("no folder for it");
-        const std::string user = std::to_string(nobody);
-        command.insert(command.begin(), {"setpriv", "--reuid=" + user, "--regid=" + user, "--clear-groups"});
-        return command;
-    }
 
   private:
     static std::string configuration(const std::string& scale) {
@@ -228,7 +218,7 @@ class NestedWayland : public Monitors {
   public:
     NestedWayland()
         : compositor_(
-              around_.withoutRoot({"sway", "--config", configuration()}), variables(),
+              asNobody(around_.folder(), {"sway", "--config", configuration()}), variables(),
               around_.folder() / "inner.log"),
           name_(compositor_.line().value_or("")) {
         if (name_.empty()) throw std::runtime_error("no inner compositor");

@@ -20,6 +20,8 @@ class Display {
     virtual std::vector<std::string> environment() const = 0;
     /// Opaque pixels.
     virtual drawing::Picture screenshot() = 0;
+    /// How many rows of them are the desktop's own panel.
+    virtual int panel() const { return 0; }
 
     enum class Button { primary, secondary };
     virtual void move(int x, int y) = 0;

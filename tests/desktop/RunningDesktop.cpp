@@ -12,6 +12,7 @@
 #include "host/Schedule.hpp"
 #include "layout/Layout.hpp"
 #include "records/JSONDecoder.hpp"
+#include "tests/support/BusCall.hpp"
 #include "tests/support/Confined.hpp"
 #include "tests/support/Paths.hpp"
 #include "tests/support/Process.hpp"
@@ -134,20 +135,8 @@ void RunningDesktop::screenSaver(bool isActive) const {
 }
 
 bool RunningDesktop::tellsSeen(bool isSeen) const {
-    const auto told = run(
-        {"gdbus",
-         "call",
-         "--address",
-         bus_.address(),
-         "--dest",
-         std::string(host::desktopService),
-         "--object-path",
-         bus::objectPathOf(host::desktopService),
-         "--method",
-         "org.freedesktop.DBus.Properties.Get",
-         std::string(host::desktopService),
-         "seen"});
-    return told.output == (isSeen ? "(<true>,)\n" : "(<false>,)\n");
+    return propertyOnBus(bus_.address(), std::string(host::desktopService), "seen") ==
+           (isSeen ? "(<true>,)\n" : "(<false>,)\n");
 }
 
 std::string RunningDesktop::log() const {
@@ -203,7 +192,7 @@ bool RunningDesktop::isSeen(
         const double unit = std::round(zoom * (16 + static_cast<double>(tile) * host::tilePitch));
         return static_cast<int>(std::lround(unit * pixelsPerUnit));
     };
-    const int left = monitorLeft + edge(widget.column), top = edge(widget.row);
+    const int left = monitorLeft + edge(widget.column), top = display_.panel() + edge(widget.row);
     if (left + picture.width > shot.width || top + picture.height > shot.height) return false;
     const auto isCountdown = [&](int x, int y) {
         for (const auto& item : wanted.items)

@@ -1,5 +1,5 @@
-// A window that fills the screen, until its input ends: covering-window [translucent]. Says "shown" once it
-// is.
+// A window that fills the screen, until its input ends: covering-window [translucent|maximized]. Says "shown"
+// once it is.
 
 #include <cstdio>
 #include <gtk/gtk.h>
@@ -8,12 +8,16 @@
 int main(int argc, char** argv) {
     gtk_init(nullptr, nullptr);
     GtkWidget* window = gtk_window_new(GTK_WINDOW_TOPLEVEL);
-    if (argc > 1 && std::string_view(argv[1]) == "translucent") {
+    const std::string_view how = argc > 1 ? argv[1] : "";
+    if (how == "translucent") {
         gtk_widget_set_visual(window, gdk_screen_get_rgba_visual(gdk_screen_get_default()));
         gtk_widget_set_app_paintable(window, TRUE);
     }
     gtk_window_set_title(GTK_WINDOW(window), "covering");
-    gtk_window_fullscreen(GTK_WINDOW(window));
+    if (how == "maximized")
+        gtk_window_maximize(GTK_WINDOW(window));
+    else
+        gtk_window_fullscreen(GTK_WINDOW(window));
     g_signal_connect(
         window,
         "map-event",
