@@ -30,14 +30,34 @@ with open({notes!r}, "a") as notes:
 """
 
 
+# The kinds, and the families of each.
+KINDS = {
+    "ZeltoWidget": "Small Medium", "ZeltoBattery": "Small Medium", "ZeltoSystem": "Small Medium", "ZeltoStorage": "Small",
+    "ZeltoFans": "Small", "ZeltoCalendar": "Medium Large", "ZeltoWorldClock": "Small Medium",
+    "ZeltoClipboard": "Medium Large", "ZeltoAwake": "Small Medium", "ZeltoEqualizer": "Small", "ZeltoCare": "Small Medium"}
+
+
+def processor(pid):
+    """Seconds, from the process's own clock, which counts in nanoseconds."""
+    return time.clock_gettime(~pid << 3 | 2)
+
+
+def memory(pid):
+    """What a process takes of it (PSS), in MB."""
+    for line in pathlib.Path(f"/proc/{pid}/smaps_rollup").read_text().splitlines():
+        if line.startswith("Pss:"):
+            return int(line.split()[1]) / 1024
+    return 0
+
+
 class Screen:
     """An X server with a window manager."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, width=1400, height=900):
         self.folder = folder
         folder.mkdir()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", "1", "-screen", "0", "1400x900x24", "-fbdir", folder, "-nolisten", "tcp",
+            ["Xvfb", "-displayfd", "1", "-screen", "0", f"{width}x{height}x24", "-fbdir", folder, "-nolisten", "tcp",
              "-noreset"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.environment = dict(os.environ, DISPLAY=":" + self.server.stdout.readline().decode().strip())
         for name in ("WAYLAND_DISPLAY", "XAUTHORITY"):
@@ -70,10 +90,10 @@ class Screen:
 class Widgets:
     """The host on a screen, with a home, a bus and a configuration of its own."""
 
-    def __init__(self, folder, screen, countdown=False):
-        self.folder, self.screen = folder, screen
+    def __init__(self, folder, screen, countdown=False, programs=BIN, places=PLACES):
+        self.folder, self.screen, self.programs, self.places = folder, screen, programs, places
         folder.mkdir()
-        snapshot = json.loads(subprocess.check_output([BIN / "zelto", "snapshot", "sample"]))
+        snapshot = json.loads(subprocess.check_output([programs / "zelto", "snapshot", "sample"]))
         if not countdown:
             snapshot["awakeActive"] = False
             snapshot.pop("awakeEnd", None)
@@ -82,11 +102,11 @@ class Widgets:
         (home / "widget.json").write_text(json.dumps(snapshot))
         (folder / "config/zelto").mkdir(parents=True)
         (folder / "config/zelto/desktop.json").write_text(json.dumps({"widgets": [
-            {"id": kind, "kind": kind, "family": "system" + family, "column": column, "row": row}
-            for kind, family, column, row in PLACES]}))
+            {"id": f"{kind}-{column}-{row}", "kind": kind, "family": "system" + family, "column": column, "row": row}
+            for kind, family, column, row in places]}))
         self.notes = folder / "notes"
         keeper = folder / "keeper"
-        keeper.write_text(KEEPER.format(program=str(BIN / "zelto-widgets"), notes=str(self.notes)))
+        keeper.write_text(KEEPER.format(program=str(programs / "zelto-widgets"), notes=str(self.notes)))
         keeper.chmod(0o755)
         self.bus = subprocess.Popen(
             ["dbus-daemon", "--session", "--nofork", "--print-address=1", f"--address=unix:path={folder}/bus"],
@@ -99,14 +119,14 @@ class Widgets:
     def start(self, extension=None, arguments=()):
         self.began = time.monotonic()
         self.host = subprocess.Popen(
-            [BIN / "zelto-desktop", "--home", self.folder, "--extension", extension or self.folder / "keeper",
+            [self.programs / "zelto-desktop", "--home", self.folder, "--extension", extension or self.folder / "keeper",
              *arguments],
             env=self.environment, stderr=subprocess.DEVNULL)
 
     def await_pixels(self, shown=True):
         """Seconds from the start until a point of each widget is, or is no longer, another colour than the background."""
         pixel = self.screen.pixels()
-        points = [(16 + 180 * column + 20, 16 + 180 * row + 20) for _, _, column, row in PLACES]
+        points = [(16 + 180 * column + 20, 16 + 180 * row + 20) for _, _, column, row in self.places]
         patience = time.monotonic() + 30
         while not all((pixel(x, y) != b"\0\0\0") == shown for x, y in points):
             if time.monotonic() > patience:
@@ -118,6 +138,13 @@ class Widgets:
         self.host.wait()
         self.await_pixels(shown=False)
 
+    def reload(self):
+        """Asks for all timelines anew."""
+        subprocess.run(
+            ["gdbus", "call", "--session", "--dest", "com.kavra.zelto.desktop", "--object-path",
+             "/com/kavra/zelto/desktop", "--method", "com.kavra.zelto.desktop.reload", ""],
+            env=self.environment, stdout=subprocess.DEVNULL, check=True)
+
     def extension(self):
         """The process of the extension that runs now, if one does."""
         for path in pathlib.Path("/proc").glob("[0-9]*/cmdline"):
@@ -125,6 +152,6 @@ class Widgets:
                 words = path.read_bytes().split(b"\0")
             except OSError:
                 continue
-            if words[0] == str(BIN / "zelto-widgets").encode() and str(self.folder).encode() in words:
+            if words[0] == str(self.programs / "zelto-widgets").encode() and str(self.folder).encode() in words:
                 return int(path.parent.name)
         return None

@@ -2,17 +2,25 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <string_view>
 
 #include "drawing/Renderer.hpp"
 #include "layout/Layout.hpp"
 #include "ui/Outline.hpp"
-#include "widgetkit/Messages.hpp"
+#include "widgetkit/ReplyReader.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace zelto;
     using namespace zelto::widgetkit;
     static drawing::Renderer renderer;
-    const auto reply = decodeReply({reinterpret_cast<const char*>(data), size});
+    const std::string_view line(reinterpret_cast<const char*>(data), size);
+    const auto reply = decodeReply(line);
+    // Whatever it remembers, it reads the same.
+    static ReplyReader reader;
+    for (int i = 0; i < 2; ++i) {
+        const auto read = reader.read(line);
+        if (read.has_value() != reply.has_value() || (read && *read != *reply)) std::abort();
+    }
     if (!reply) return 0;
     const auto show = [](const ui::View& view) {
         const auto displayList =

@@ -16,6 +16,7 @@
 #include "foundation/Handle.hpp"
 #include "host/MainLoop.hpp"
 #include "records/JSONEncoder.hpp"
+#include "widgetkit/ReplyReader.hpp"
 
 namespace zelto::host {
 namespace {
@@ -147,7 +148,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
              end = received.find('\n', begin)) {
             std::string line = received.substr(begin, end - begin);
             begin = end + 1;
-            auto reply = widgetkit::decodeReply(line);
+            auto reply = reader.read(line);
             if (!reply)
                 return Fault{.reason = "the widget extension sent an invalid reply: " + reply.fault().text()};
             const auto waiting = reply->id ? open.find(*reply->id) : open.end();
@@ -229,6 +230,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
     double deadline;  // of an exchange, in seconds
     int input, output, errors;
     MainSource readable, writable, errorsReadable, deadlineTimer, quietTimer, exitTimer;
+    widgetkit::ReplyReader reader;
     std::string pending;                       // what is still to be sent
     std::string received;                      // what is not a whole line yet
     std::size_t searched = 0;                  // of that, for its end
