@@ -47,10 +47,12 @@ Outcome outcomeOf(widgetkit::Reply reply, std::string line) {
 
 using Launcher = Handle<GSubprocessLauncher, g_object_unref>;
 
-/// Of the environment it gets what its texts depend on, and nothing that is secret.
+/// Of the environment it gets what its texts depend on, and nothing that is secret. Descriptors need not be
+/// closed for it, for which the library would copy this whole process: those of ours close themselves.
 Launcher launcher() {
     Launcher out(g_subprocess_launcher_new(static_cast<GSubprocessFlags>(
-        G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE)));
+        G_SUBPROCESS_FLAGS_STDIN_PIPE | G_SUBPROCESS_FLAGS_STDOUT_PIPE | G_SUBPROCESS_FLAGS_STDERR_PIPE |
+        G_SUBPROCESS_FLAGS_INHERIT_FDS)));
     const Handle<gchar*, g_strfreev> all(g_get_environ());
     Handle<gchar*, g_strfreev> kept(g_new0(gchar*, 1));
     for (gchar** each = all.get(); *each; ++each) {
