@@ -126,7 +126,8 @@ class Widgets:
     def await_pixels(self, shown=True):
         """Seconds from the start until a point of each widget is, or is no longer, another colour than the background."""
         pixel = self.screen.pixels()
-        points = [(16 + 180 * column + 20, 16 + 180 * row + 20) for _, _, column, row in self.places]
+        # Beside the pointer, which stands in the middle of the screen.
+        points = [(16 + 180 * column + 60, 16 + 180 * row + 20) for _, _, column, row in self.places]
         patience = time.monotonic() + 30
         while not all((pixel(x, y) != b"\0\0\0") == shown for x, y in points):
             if time.monotonic() > patience:

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <system_error>
 
@@ -18,7 +18,7 @@ namespace {
 /// Bytes; a larger file counts as none.
 constexpr std::size_t largestFile = std::size_t{2} << 20;
 
-/// Ids come from a file that a person edits: anything but letters and digits is spelled out.
+/// Kinds come from a file that a person edits: anything but letters and digits is spelled out.
 std::string spelled(std::string_view text) {
     constexpr const char* digits = "0123456789abcdef";
     std::string out;
@@ -35,10 +35,9 @@ std::string spelled(std::string_view text) {
     return out;
 }
 
-/// What a widget's file is called beside others.
-std::string nameOf(const PlacedWidget& widget) {
-    return spelled(widget.id) + "." + spelled(widget.kind) + "." +
-           std::string(records::nameOf(widget.family));
+/// What a look's file is called beside others.
+std::string nameOf(const Look& look) {
+    return spelled(look.kind) + "." + std::string(records::nameOf(look.family));
 }
 
 constexpr std::array suffixes{".1.json", ".2.json"};
@@ -71,15 +70,15 @@ void EntryStore::makeFolder() const {
     std::filesystem::permissions(folder_, std::filesystem::perms::owner_all, error);
 }
 
-void EntryStore::whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
+void EntryStore::whileDrawing(const Look& look, const std::function<void()>& draw) const {
     if (mark_)
-        mark_->during(nameOf(widget), draw);
+        mark_->during(nameOf(look), draw);
     else
         draw();
 }
 
-std::array<std::filesystem::path, 2> EntryStore::filesOf(const PlacedWidget& widget) const {
-    const auto stem = folder_ / nameOf(widget);
+std::array<std::filesystem::path, 2> EntryStore::filesOf(const Look& look) const {
+    const auto stem = folder_ / nameOf(look);
     std::array files{withSuffix(stem, suffixes[0]), withSuffix(stem, suffixes[1])};
     // Both are there only when a death came between the writing of one and the removal of the other.
     std::error_code error;
@@ -88,8 +87,8 @@ std::array<std::filesystem::path, 2> EntryStore::filesOf(const PlacedWidget& wid
     return files;
 }
 
-std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const PlacedWidget& widget) const {
-    for (const auto& file : filesOf(widget)) {
+std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const Look& look) const {
+    for (const auto& file : filesOf(look)) {
         const auto line = readFile(file, largestFile);
         if (!line) continue;
         // What a loss of power has cut short is none.
@@ -99,10 +98,10 @@ std::optional<widgetkit::ArchivedTimeline> EntryStore::load(const PlacedWidget& 
     return std::nullopt;
 }
 
-Result<void> EntryStore::save(const PlacedWidget& widget, std::string_view line) const {
+Result<void> EntryStore::save(const Look& look, std::string_view line) const {
     if (line.size() > largestFile) return Fault{.reason = "larger than 2 MiB"};
     makeFolder();
-    const auto [newest, other] = filesOf(widget);
+    const auto [newest, other] = filesOf(look);
     std::error_code error;
     const bool replaces = std::filesystem::exists(newest, error);
     const auto& target = replaces ? other : newest;
@@ -115,10 +114,10 @@ Result<void> EntryStore::save(const PlacedWidget& widget, std::string_view line)
     return {};
 }
 
-void EntryStore::keepOnly(const std::vector<PlacedWidget>& widgets) const {
+void EntryStore::keepOnly(const std::set<Look>& looks) const {
     std::set<std::filesystem::path> kept{folder_ / markName};
-    for (const PlacedWidget& widget : widgets)
-        for (const char* suffix : suffixes) kept.insert(withSuffix(folder_ / nameOf(widget), suffix));
+    for (const Look& look : looks)
+        for (const char* suffix : suffixes) kept.insert(withSuffix(folder_ / nameOf(look), suffix));
     std::error_code error;
     std::vector<std::filesystem::path> others;
     for (std::filesystem::directory_iterator entry(folder_, error), end; entry != end && !error;

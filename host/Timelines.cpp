@@ -8,7 +8,7 @@ namespace {
 
 /// Whether one widget's timelines are also the other's.
 bool showSame(const PlacedWidget& a, const PlacedWidget& b) {
-    return a.id == b.id && a.kind == b.kind && a.family == b.family;
+    return a.id == b.id && a.look() == b.look();
 }
 
 /// Whether a start would show the same of both.
@@ -16,6 +16,12 @@ bool showAlike(const widgetkit::ArchivedTimeline& a, const widgetkit::ArchivedTi
     if (a.entries.size() == 1 && b.entries.size() == 1)
         return a.entries.front().view == b.entries.front().view;
     return a.entries == b.entries;
+}
+
+std::set<Look> looksOf(const std::vector<PlacedWidget>& widgets) {
+    std::set<Look> out;
+    for (const PlacedWidget& widget : widgets) out.insert(widget.look());
+    return out;
 }
 
 bool isAmong(const PlacedWidget& widget, const std::vector<PlacedWidget>& widgets) {
@@ -34,15 +40,16 @@ void Timelines::follow(const std::vector<PlacedWidget>& widgets) {
         if (!schedule_.isSeen(old.id)) hidden.insert(old.id);
         schedule_.remove(old.id);
         failures_.erase(old.id);
-        stored_.erase(old.id);
         isAnyGone = true;
     }
     if (isAnyGone) forgetOthers();
+    std::map<Look, std::optional<widgetkit::ArchivedTimeline>> loaded;
     for (const PlacedWidget& widget : widgets_) {
         if (isAmong(widget, before)) continue;
-        auto stored = store_.load(widget);
-        if (stored) stored_.insert(widget.id);
-        schedule_.add(widget.id, std::move(stored));
+        const auto [stored, isFirst] = loaded.try_emplace(widget.look());
+        if (isFirst) stored->second = store_.load(widget.look());
+        if (stored->second) stored_.insert(widget.look());
+        schedule_.add(widget.id, stored->second);
         if (hidden.contains(widget.id)) schedule_.setSeen(widget.id, false);
     }
 }
@@ -56,11 +63,13 @@ void Timelines::reloadKinds(const std::set<std::string>& kinds) {
         if (kinds.contains(widget.kind)) schedule_.reload(widget.id);
 }
 
-void Timelines::forgetOthers() const {
+void Timelines::forgetOthers() {
+    const std::set<Look> looks = looksOf(widgets_);
+    std::erase_if(stored_, [&](const Look& look) { return !looks.contains(look); });
     // After what is still to be stored: it may be of one that is gone.
     onDisk_(
-        [store = store_, widgets = widgets_]() -> Result<void> {
-            store.keepOnly(widgets);
+        [store = store_, looks]() -> Result<void> {
+            store.keepOnly(looks);
             return {};
         },
         [](const Result<void>&) {});
@@ -78,9 +87,8 @@ void Timelines::ask(const std::vector<std::string>& ids) {
     std::vector<std::vector<PlacedWidget>> asked;
     for (const PlacedWidget& widget : widgets_) {
         if (std::ranges::find(ids, widget.id) == ids.end()) continue;
-        const auto copies = std::ranges::find_if(asked, [&](const auto& each) {
-            return each.front().kind == widget.kind && each.front().family == widget.family;
-        });
+        const auto copies = std::ranges::find_if(
+            asked, [&](const auto& each) { return each.front().look() == widget.look(); });
         if (copies != asked.end()) {
             copies->push_back(widget);
             continue;
@@ -113,32 +121,32 @@ void Timelines::received(const PlacedWidget& asked, Outcome outcome) {
     failures_.erase(asked.id);
     widgetkit::ArchivedTimeline& timeline = *outcome->reply.timeline;
     const auto* before = schedule_.timeline(asked.id);
-    if (!before || !stored_.contains(asked.id) || !showAlike(*before, timeline)) {
-        stored_.erase(asked.id);
-        unsaved_[asked.id] = {asked, std::move(outcome->line)};
+    if (!before || !stored_.contains(asked.look()) || !showAlike(*before, timeline)) {
+        stored_.erase(asked.look());
+        unsaved_[asked.look()] = std::move(outcome->line);
     }
     schedule_.received(asked.id, std::move(timeline), seams_.now());
 }
 
 void Timelines::storeDrawn(const std::deque<std::string>& undrawn) {
-    for (auto each = unsaved_.begin(); each != unsaved_.end();) {
-        // What nobody sees is not drawn either, until it is seen.
-        if (std::ranges::find(undrawn, each->first) != undrawn.end() || !schedule_.isSeen(each->first)) {
-            ++each;
-            continue;
-        }
-        auto drawn = std::move(each->second);
-        each = unsaved_.erase(each);
-        if (!isAmong(drawn.first, widgets_)) continue;
-        const PlacedWidget widget = drawn.first;
+    if (unsaved_.empty()) return;
+    // What nobody sees is not drawn either, until it is seen.
+    std::set<Look> drawn;
+    for (const PlacedWidget& widget : widgets_)
+        if (schedule_.isSeen(widget.id) && std::ranges::find(undrawn, widget.id) == undrawn.end())
+            drawn.insert(widget.look());
+    const std::set<Look> looks = looksOf(widgets_);
+    std::erase_if(unsaved_, [&](const auto& each) { return !looks.contains(each.first); });
+    for (const Look& look : drawn) {
+        auto unsaved = unsaved_.extract(look);
+        if (unsaved.empty()) continue;
         onDisk_(
-            [store = store_, drawn = std::move(drawn)] { return store.save(drawn.first, drawn.second); },
-            [this, widget](const Result<void>& saved) {
+            [store = store_, look, line = std::move(unsaved.mapped())] { return store.save(look, line); },
+            [this, look](const Result<void>& saved) {
                 if (!saved)
-                    seams_.log(
-                        "the timeline of " + widget.kind + " cannot be stored: " + saved.fault().text());
-                else if (isAmong(widget, widgets_) && !unsaved_.contains(widget.id))
-                    stored_.insert(widget.id);
+                    seams_.log("the timeline of " + look.kind + " cannot be stored: " + saved.fault().text());
+                else if (looksOf(widgets_).contains(look) && !unsaved_.contains(look))
+                    stored_.insert(look);
             });
     }
 }

@@ -112,7 +112,8 @@ TEST_F(Deaths, OfTheHostTwoHundredTimesLoseNothingThatWasKept) {
         moved.row = fans.row;
         ASSERT_EQ(layout->widgets, eleven());
         for (const auto& each : eleven())
-            ASSERT_TRUE(host::EntryStore(desktop.folder() / "cache/zelto/widgets").load(each)) << each.kind;
+            ASSERT_TRUE(host::EntryStore(desktop.folder() / "cache/zelto/widgets").load(each.look()))
+                << each.kind;
     }
     desktop.start({"--extension", "/bin/false"});
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();

@@ -166,7 +166,7 @@ std::vector<host::PlacedWidget> RunningDesktop::widgets() {
 }
 
 std::optional<ArchivedEntry> RunningDesktop::entry(const host::PlacedWidget& widget) const {
-    auto stored = host::EntryStore(folder() / "cache/zelto/widgets").load(widget);
+    auto stored = host::EntryStore(folder() / "cache/zelto/widgets").load(widget.look());
     if (!stored) return std::nullopt;
     host::Schedule schedule;
     schedule.add(widget.id, std::move(stored));

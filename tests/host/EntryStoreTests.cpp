@@ -17,10 +17,8 @@ namespace {
 
 using test::TemporaryFolder;
 
-const PlacedWidget battery{
-    .id = "b", .kind = "ZeltoBattery", .family = WidgetFamily::systemSmall, .column = 2, .row = 1};
-const PlacedWidget clock_{
-    .id = "c", .kind = "ZeltoWorldClock", .family = WidgetFamily::systemMedium, .monitor = "DP-1"};
+const Look battery{"ZeltoBattery", WidgetFamily::systemSmall};
+const Look clock_{"ZeltoWorldClock", WidgetFamily::systemMedium};
 
 struct Entries : testing::Test {
     TemporaryFolder folder;
@@ -54,18 +52,18 @@ TEST_F(Entries, AreOfAKindAndAFamily) {
     EXPECT_EQ(store.load(other), std::nullopt);
 }
 
-TEST_F(Entries, NamesOfWidgetsStayInTheFolder) {
+TEST_F(Entries, NamesOfKindsStayInTheFolder) {
     auto odd = battery;
-    odd.id = "../../Ü";
+    odd.kind = "../../Ü";
     EXPECT_TRUE(store.save(odd, line));
-    EXPECT_TRUE(std::filesystem::exists(
-        folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.ZeltoBattery.systemSmall.1.json"));
+    EXPECT_TRUE(
+        std::filesystem::exists(folder.path() / "cache/zelto/_2e_2e_2f_2e_2e_2f_c3_9c.systemSmall.1.json"));
     EXPECT_EQ(store.load(odd), timeline);
 }
 
 TEST_F(Entries, AreReadAsAStrangers) {
     EXPECT_TRUE(store.save(battery, line));
-    const auto file = folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.1.json";
+    const auto file = folder.path() / "cache/zelto/ZeltoBattery.systemSmall.1.json";
     const auto good = readFile(file).value();
     for (const std::string& bad :
          {std::string(), good.substr(0, good.size() / 2), std::string("{}"), std::string("\xFF")}) {
@@ -85,7 +83,7 @@ TEST_F(Entries, AreReadAsAStrangers) {
 TEST_F(Entries, OfMoreThanTwoMegabytesAreNone) {
     EXPECT_TRUE(store.save(battery, line));
     std::filesystem::resize_file(
-        folder.path() / "cache/zelto/b.ZeltoBattery.systemSmall.1.json", std::uintmax_t{20} << 30);
+        folder.path() / "cache/zelto/ZeltoBattery.systemSmall.1.json", std::uintmax_t{20} << 30);
     EXPECT_EQ(store.load(battery), std::nullopt);
     // Nor are they written.
     EXPECT_FALSE(store.save(battery, std::string((std::size_t{2} << 20) + 1, ' ')));
@@ -93,7 +91,7 @@ TEST_F(Entries, OfMoreThanTwoMegabytesAreNone) {
 
 TEST_F(Entries, AreWrittenBesideTheOnesBefore) {
     const auto file = [this](int number) {
-        return folder.path() / ("cache/zelto/b.ZeltoBattery.systemSmall." + std::to_string(number) + ".json");
+        return folder.path() / ("cache/zelto/ZeltoBattery.systemSmall." + std::to_string(number) + ".json");
     };
     const ArchivedTimeline later{{{Date{6}, ui::Text("depois")}}, Date{400}};
     for (int round = 0; round < 2; ++round) {
@@ -149,7 +147,7 @@ TEST_F(Entries, AreDroppedWhenDrawingThemWasTheEnd) {
 
     EntryStore next(folder.path() / "cache/zelto");
     EXPECT_EQ(next.load(battery), timeline);
-    EXPECT_EQ(next.dropUnfinished(), "b.ZeltoBattery.systemSmall");
+    EXPECT_EQ(next.dropUnfinished(), "ZeltoBattery.systemSmall");
     EXPECT_EQ(next.load(battery), std::nullopt);
     EXPECT_EQ(next.load(clock_), timeline);
     EXPECT_EQ(EntryStore(folder.path() / "cache/zelto").dropUnfinished(), std::nullopt);

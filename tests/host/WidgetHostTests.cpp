@@ -205,7 +205,9 @@ TEST_F(Hosted, WhatAPersonWroteInTheFileIsTakenOver) {
     EXPECT_TRUE(DesktopLayoutStore(folder.path() / "config").save({edited}));
     takeSeen();
     add("Battery", WidgetFamily::systemSmall);
-    EXPECT_EQ(takeSeen(), (Seen{"placed Battery 3,0", "placed Clock 0,1", "placed Battery 0,0"}));
+    EXPECT_EQ(
+        takeSeen(),
+        (Seen{"placed Battery 3,0", "placed Clock 0,1", "placed Battery 0,0", "Battery shows 80 %"}));
 }
 
 TEST_F(Hosted, ABrokenEditIsKeptAsideAndTheWidgetsStay) {
@@ -257,7 +259,7 @@ TEST_F(Hosted, ABrokenFileAtTheStartCostsNoStoredTimelines) {
     make();
     host->start();
     EXPECT_TRUE(host->widgets().empty());
-    EXPECT_TRUE(EntryStore(folder.path() / "cache").load(placed[0]));
+    EXPECT_TRUE(EntryStore(folder.path() / "cache").load(placed[0].look()));
 }
 
 TEST_F(Hosted, AKindThatIsNotUTF8IsRefused) {
@@ -396,7 +398,7 @@ TEST_F(Hosted, WhatComesForAHiddenWidgetIsStoredOnceItIsDrawn) {
     start();
     const auto battery = add("Battery", WidgetFamily::systemSmall);
     const auto isStored = [&] {
-        return EntryStore(folder.path() / "cache").load(host->widgets()[0]).has_value();
+        return EntryStore(folder.path() / "cache").load(host->widgets()[0].look()).has_value();
     };
     host->setSeen(battery, false);
     takeSeen();

@@ -1,11 +1,19 @@
 #pragma once
 
+#include <compare>
 #include <optional>
 #include <string>
 
 #include "host/TileGrid.hpp"
 
 namespace zelto::host {
+
+/// What a widget shows depends on: a kind, in a family. All that have the same look show the same.
+struct Look {
+    std::string kind;
+    widgetkit::WidgetFamily family;
+    auto operator<=>(const Look&) const = default;
+};
 
 /// A widget on the desktop. `column` and `row` are tiles from the monitor's top left corner.
 struct PlacedWidget {
@@ -18,6 +26,7 @@ struct PlacedWidget {
     std::int64_t column = 0, row = 0;
 
     Cell cell() const { return {column, row}; }
+    Look look() const { return {kind, family}; }
     bool operator==(const PlacedWidget&) const = default;
 };
 

@@ -27,7 +27,7 @@ class Timelines {
     /// what is stored of it and wants a fresh timeline. What is stored of one that is gone is deleted.
     void follow(const std::vector<PlacedWidget>& widgets);
     /// Deletes what is stored of all others, also from before the start.
-    void forgetOthers() const;
+    void forgetOthers();
 
     /// Asks for what is due; the ids of widgets that show something else from now on.
     std::vector<std::string> tick(Date now, bool mayAsk);
@@ -35,7 +35,7 @@ class Timelines {
     std::optional<std::string> dropUnfinished() { return store_.dropUnfinished(); }
     /// Shows a widget, so that a death of it is known at the next start.
     void whileDrawing(const PlacedWidget& widget, const std::function<void()>& draw) const {
-        store_.whileDrawing(widget, draw);
+        store_.whileDrawing(widget.look(), draw);
     }
     /// Stores what has come of widgets that are not about to be drawn, so that nothing is kept for the next
     /// start that cannot be.
@@ -70,9 +70,8 @@ class Timelines {
     OnDisk onDisk_;
     Schedule schedule_;
     std::vector<PlacedWidget> widgets_;
-    std::map<std::string, std::pair<PlacedWidget, std::string>>
-        unsaved_;                                  // replies that are not drawn yet, by id
-    std::set<std::string> stored_;                 // ids of those whose latest timeline is on the disk
+    std::map<Look, std::string> unsaved_;          // replies that are not drawn yet
+    std::set<Look> stored_;                        // whose latest timeline is on the disk
     std::map<std::string, std::string> failures_;  // of widgets whose last request failed, by id
 };
 
