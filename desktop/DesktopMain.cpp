@@ -14,6 +14,7 @@
 #include <glib-unix.h>
 
 #include "Desktop.hpp"
+#include "DisplayChoice.hpp"
 #include "host/BusPresence.hpp"
 #include "host/HostLock.hpp"
 #include "host/LogLimiter.hpp"
@@ -119,6 +120,7 @@ bool startToolkit() {
     // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
     setenv("GDK_GL", "disable", 0);
     gtk_disable_setlocale();
+    if (const auto trouble = desktop::chooseDisplay()) log(*trouble);
     if (!gtk_init_check(nullptr, nullptr)) return false;
     Gtk::Main::init_gtkmm_internals();
     // The toolkit's wrapper has numbers written with the locale's commas and dots, in files too.

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/desktop/GnomeShell.hpp"
 #include "tests/desktop/PlacedWidgets.hpp"
 #include "tests/desktop/RunningDesktop.hpp"
 #include "tests/support/Child.hpp"
@@ -153,39 +152,6 @@ TEST_F(WaylandCovers, NoMonitorRestsIt) {
     display->plugIn();
     EXPECT_TRUE(becomes(true));
     end();
-}
-
-TEST(GnomeCovers, RestAWidgetUntilItIsSeenAgain) {
-    GnomeShell shell;
-    RunningDesktop desktop(shell);
-    const auto becomes = [&](bool isSeen) { return eventually([&] { return desktop.tellsSeen(isSeen); }); };
-    desktop.place({widget("ZeltoBattery", widgetkit::WidgetFamily::systemSmall, 0, 0)});
-    desktop.start();
-    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
-    EXPECT_TRUE(becomes(true));
-    {
-        Child window(
-            {programFolder() / "covering-window", "maximized"},
-            desktop.environment(),
-            desktop.folder() / "window.log");
-        ASSERT_EQ(window.line(), "shown");
-        EXPECT_TRUE(becomes(false)) << desktop.log();
-        const auto toWorkspace = [&](const std::string& index) {
-            shell.evaluate("global.workspace_manager.get_workspace_by_index(" + index + ").activate(0); 1");
-        };
-        toWorkspace("1");
-        EXPECT_TRUE(becomes(true));
-        toWorkspace("0");
-        EXPECT_TRUE(becomes(false));
-        // The overview shows other windows small, and the widgets not at all.
-        shell.showOverview(true);
-        shell.showOverview(false);
-        EXPECT_TRUE(desktop.tellsSeen(false));
-    }
-    EXPECT_TRUE(becomes(true));
-    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
-    EXPECT_TRUE(desktop.stop());
-    EXPECT_EQ(desktop.log(), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(X11, TranslucentCovers, testing::Values(true));

@@ -72,6 +72,9 @@ GnomeShell::GnomeShell()
             return evaluate("Main.layoutManager._startingUp || Main.overview.animationInProgress") == "false";
         }))
         throw std::runtime_error(readFile(folder_.path() / "shell.log").value_or("no shell"));
+    // What it misses in this session it says, and goes on saying until somebody moves.
+    evaluate(
+        "Main.messageTray.bannerBlocked = true; Main.messageTray.getSources().forEach(s => s.destroy()); 1");
     showOverview(false);
     const std::string log = readFile(folder_.path() / "shell.log").value();
     std::smatch found;
@@ -89,7 +92,14 @@ std::vector<std::string> GnomeShell::environment() const {
     std::string authority;
     for (const auto& entry : std::filesystem::directory_iterator(folder_.path()))
         if (entry.path().filename().string().starts_with(".mutter-Xwaylandauth")) authority = entry.path();
-    return {"PATH=/usr/bin:/bin", "DISPLAY=" + display_, "XAUTHORITY=" + authority, "GDK_BACKEND=x11"};
+    return {
+        "PATH=/usr/bin:/bin",
+        "XDG_RUNTIME_DIR=" + folder_.path().string(),
+        "WAYLAND_DISPLAY=wayland-0",
+        "DISPLAY=" + display_,
+        "XAUTHORITY=" + authority,
+        "XDG_SESSION_TYPE=wayland",
+        "XDG_CURRENT_DESKTOP=GNOME"};
 }
 
 Finished GnomeShell::call(std::vector<std::string> words) const {

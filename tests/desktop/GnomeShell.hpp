@@ -10,7 +10,7 @@
 
 namespace zelto::test {
 
-/// GNOME Shell itself, without a screen. Programs are X11 clients of its own Xwayland.
+/// GNOME Shell itself, without a screen. Programs get the variables that its session gives, and no other.
 class GnomeShell : public Display {
   public:
     GnomeShell();

@@ -91,7 +91,11 @@ void RunningDesktop::place(const std::vector<host::PlacedWidget>& widgets) const
 void RunningDesktop::launch(std::vector<std::string> arguments, const std::vector<std::string>& variables) {
     arguments.insert(arguments.begin(), {programFolder() / "zelto-desktop", "--home", folder()});
     auto all = environment();
-    all.insert(all.end(), variables.begin(), variables.end());
+    for (const std::string& variable : variables) {
+        const std::string name = variable.substr(0, variable.find('=') + 1);
+        std::erase_if(all, [&](const std::string& each) { return each.starts_with(name); });
+        all.push_back(variable);
+    }
     process_.emplace(std::move(arguments), std::move(all), folder() / "log");
 }
 
