@@ -134,7 +134,10 @@ void Desktop::watchSight() {
     const auto tell = [this] {
         for (const auto& [id, window] : windows_) window->tellSeen();
     };
-    covers_ = std::make_unique<CoverWatch>(gdk_display_get_default(), tell);
+    covers_ = std::make_unique<CoverWatch>(gdk_display_get_default(), [this, tell] {
+        for (const auto& [id, window] : windows_) backend_.keepBelow(*window);
+        tell();
+    });
     frames_ = std::make_unique<FrameWatch>(gdk_display_get_default(), tell);
     session_ = std::make_unique<host::SessionWatch>(
         options_.bus,

@@ -10,8 +10,18 @@ namespace {
 
 constexpr double border = 16;  // points between the monitor's edge and the tiles
 
+/// Where no window manager tells what it knows, one may still come.
+bool managerKnowsDesktops(GdkScreen* screen) {
+    const auto supports = [screen](const char* name) {
+        return gdk_x11_screen_supports_net_wm_hint(screen, gdk_atom_intern_static_string(name)) != FALSE;
+    };
+    return !supports("_NET_WM_WINDOW_TYPE") || supports("_NET_WM_WINDOW_TYPE_DESKTOP");
+}
+
 WindowKind windowKindOf(GdkDisplay* display) {
-    if (GDK_IS_X11_DISPLAY(display)) return WindowKind::hints;
+    if (GDK_IS_X11_DISPLAY(display))
+        return managerKnowsDesktops(gdk_display_get_default_screen(display)) ? WindowKind::hints
+                                                                             : WindowKind::unmanaged;
     return gtk_layer_is_supported() ? WindowKind::layerShell : WindowKind::plain;
 }
 
@@ -135,6 +145,10 @@ void DisplayBackend::prepare(Gtk::Window& window, const std::string& name, bool 
                                                       : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
         return;
     }
+    if (windowKind_ == WindowKind::unmanaged) {
+        window.signal_realize().connect([&window] { window.get_window()->set_override_redirect(true); });
+        return;
+    }
     if (windowKind_ != WindowKind::hints) return;
     window.set_type_hint(Gdk::WINDOW_TYPE_HINT_DESKTOP);
     window.set_keep_below(true);
@@ -156,6 +170,25 @@ void DisplayBackend::place(Gtk::Window& window, host::Slot slot) const {
     } else {
         window.move(area.x + x, area.y + y);
     }
+}
+
+void DisplayBackend::keepBelow(Gtk::Window& window) const {
+    if (windowKind_ != WindowKind::unmanaged) return;
+    if (const auto own = window.get_window()) own->lower();
+}
+
+void DisplayBackend::giveKeys(Gtk::Window& window, std::uint32_t time) const {
+    const auto own = window.get_window();
+    if (windowKind_ != WindowKind::unmanaged || !own) return;
+    GdkDisplay* display = gdk_display_get_default();
+    // It may have gone.
+    gdk_x11_display_error_trap_push(display);
+    XSetInputFocus(
+        gdk_x11_display_get_xdisplay(display),
+        gdk_x11_window_get_xid(own->gobj()),
+        RevertToPointerRoot,
+        time);
+    gdk_x11_display_error_trap_pop_ignored(display);
 }
 
 }  // namespace zelto::desktop

@@ -11,9 +11,10 @@
 
 namespace zelto::desktop {
 
-/// How windows come to lie on this display: by the compositor's layers, by the window manager's hints, or as
-/// plain windows where neither is to be had.
-enum class WindowKind { layerShell, hints, plain };
+/// How windows come to lie on this display: by the compositor's layers, by the window manager's hints, by
+/// themselves where an X11 window manager knows no windows of a desktop, or as plain windows where none of it
+/// is to be had.
+enum class WindowKind { layerShell, hints, unmanaged, plain };
 
 /// A monitor's room for widgets, in the display's own units.
 struct MonitorArea {
@@ -29,6 +30,10 @@ class DisplayBackend {
     explicit DisplayBackend(std::optional<double> zoom);
 
     WindowKind windowKind() const { return windowKind_; }
+    /// Whether windows are put anywhere on all monitors together, as on X11.
+    bool hasOneSpace() const {
+        return windowKind_ == WindowKind::hints || windowKind_ == WindowKind::unmanaged;
+    }
     double zoom() const { return zoom_; }
     /// Whether windows can be seen through.
     bool isTranslucent() const;
@@ -52,6 +57,11 @@ class DisplayBackend {
     void prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const;
     /// Puts it there.
     void place(Gtk::Window& window, host::Slot slot) const;
+    /// What a window manager does for others: keeps it below all windows, which is to be asked for whenever
+    /// their order has changed; and gives it the keys, when somebody turns to it at that time of the X
+    /// server.
+    void keepBelow(Gtk::Window& window) const;
+    void giveKeys(Gtk::Window& window, std::uint32_t time) const;
 
   private:
     std::int64_t columns(const MonitorArea& area) const;

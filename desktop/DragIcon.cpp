@@ -9,7 +9,7 @@ namespace zelto::desktop {
 
 DragIcon::DragIcon(
     const DisplayBackend& backend, widgetkit::WidgetFamily family, const drawing::Picture& picture)
-    : Gtk::Window(backend.windowKind() == WindowKind::hints ? Gtk::WINDOW_POPUP : Gtk::WINDOW_TOPLEVEL),
+    : Gtk::Window(backend.hasOneSpace() ? Gtk::WINDOW_POPUP : Gtk::WINDOW_TOPLEVEL),
       backend_(backend),
       picture_(picture) {
     backend.prepare(*this, "zelto-ghost", false);

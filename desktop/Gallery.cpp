@@ -89,7 +89,7 @@ class Gallery::Preview : public Gtk::Button {
 
     /// The place under the pointer, where the display tells where that is.
     std::optional<host::Slot> target() const {
-        if (seams_.backend.windowKind() != WindowKind::hints) return std::nullopt;
+        if (!seams_.backend.hasOneSpace()) return std::nullopt;
         int x = 0, y = 0;
         GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
         gdk_device_get_position(pointer, nullptr, &x, &y);

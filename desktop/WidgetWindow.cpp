@@ -29,6 +29,8 @@ WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
     drag_ = Gtk::GestureDrag::create(*this);
     // Before the areas below it, so that a tap that becomes a drag opens nothing.
     drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
+    drag_->signal_drag_begin().connect(
+        [this](double, double) { seams_.backend.giveKeys(*this, gtk_get_current_event_time()); });
     drag_->signal_drag_update().connect([this](double dx, double dy) { update(dx, dy); });
     drag_->signal_drag_end().connect([this](double dx, double dy) { end(dx, dy); });
 
@@ -47,6 +49,7 @@ void WidgetWindow::arrange(const host::ArrangedWidget& arranged) {
     if (isThere) return;
     seams_.backend.place(*this, slot);
     show();
+    seams_.backend.keepBelow(*this);
     tellSeen();
 }
 
@@ -80,6 +83,7 @@ void WidgetWindow::makeMenu() {
 bool WidgetWindow::on_button_press_event(GdkEventButton* event) {
     if (event->type != GDK_BUTTON_PRESS || event->button != GDK_BUTTON_SECONDARY)
         return Gtk::Window::on_button_press_event(event);
+    seams_.backend.giveKeys(*this, event->time);
     makeMenu();
     menu_.popup_at_pointer(reinterpret_cast<GdkEvent*>(event));
     return true;
@@ -180,7 +184,7 @@ host::Slot WidgetWindow::target(double dx, double dy) const {
     layout::Point point = backend.position(slot_.cell);
     point.x += dx;
     point.y += dy;
-    if (backend.windowKind() == WindowKind::hints) {
+    if (backend.hasOneSpace()) {
         // The widget's middle says which monitor is meant.
         const ui::Size size = widgetkit::sizeOf(widget_.family);
         const double x = area_->x + point.x, y = area_->y + point.y;

@@ -96,6 +96,38 @@ TEST_P(TranslucentCovers, HideNothing) {
     EXPECT_TRUE(desktop.stop());
 }
 
+TEST(TilingCovers, LieOverTheWidgetsHoweverTheyAreStacked) {
+    const auto display = startX11(Manager::i3);
+    RunningDesktop desktop(*display);
+    desktop.place({widget("ZeltoBattery", widgetkit::WidgetFamily::systemSmall, 0, 0)});
+    desktop.start();
+    ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+    const auto becomes = [&](bool isSeen) { return eventually([&] { return desktop.tellsSeen(isSeen); }); };
+    const std::vector<std::string> program{programFolder() / "covering-window", "plain"};
+    {
+        Child window(program, desktop.environment(), desktop.folder() / "window.log");
+        ASSERT_EQ(window.line(), "shown");
+        EXPECT_TRUE(becomes(false)) << desktop.log();
+        EXPECT_FALSE(desktop.allSeen());
+        Child second(program, desktop.environment(), desktop.folder() / "window.log");
+        ASSERT_EQ(second.line(), "shown");
+        for (const char* command :
+             {"layout stacking", "focus left", "layout tabbed", "floating toggle", "layout splith"})
+            EXPECT_EQ(run({"/usr/bin/i3-msg", command}, "", desktop.environment()).status, 0) << command;
+        EXPECT_TRUE(becomes(false));
+        EXPECT_FALSE(desktop.allSeen());
+        EXPECT_EQ(run({"/usr/bin/i3-msg", "workspace 2"}, "", desktop.environment()).status, 0);
+        EXPECT_TRUE(becomes(true));
+        EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+        EXPECT_EQ(run({"/usr/bin/i3-msg", "workspace 1"}, "", desktop.environment()).status, 0);
+        EXPECT_TRUE(becomes(false));
+    }
+    EXPECT_TRUE(becomes(true));
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    EXPECT_TRUE(desktop.stop());
+    EXPECT_EQ(desktop.log(), "");
+}
+
 /// What the compositor wants no frames of is not seen. It is asked before each request.
 struct WaylandCovers : testing::Test {
     void show(Display& display) {

@@ -22,11 +22,14 @@ namespace {
 using Button = Display::Button;
 using host::PlacedWidget;
 
+std::unique_ptr<Display> displayNamed(const std::string& name) {
+    if (name == "Wayland") return startWayland();
+    return startX11(name == "i3" ? Manager::i3 : Manager::openbox);
+}
+
 class DesktopOn : public testing::TestWithParam<const char*> {
   public:
-    DesktopOn()
-        : display_(GetParam() == std::string("X11") ? startX11() : std::unique_ptr<Display>(startWayland())),
-          desktop(*display_) {
+    DesktopOn() : display_(displayNamed(GetParam())), desktop(*display_) {
         // Out of the widgets' way.
         display_->move(Display::width - 2, Display::height - 2);
     }
@@ -60,7 +63,7 @@ class DesktopOn : public testing::TestWithParam<const char*> {
         EXPECT_TRUE(desktop.openedLink());
     }
 };
-INSTANTIATE_TEST_SUITE_P(, DesktopOn, testing::Values("X11", "Wayland"), [](const auto& each) {
+INSTANTIATE_TEST_SUITE_P(, DesktopOn, testing::Values("X11", "i3", "Wayland"), [](const auto& each) {
     return std::string(each.param);
 });
 

@@ -59,7 +59,7 @@ drawing::Picture pictureOfPPM(const std::string& bytes) {
 
 class X11 : public Display {
   public:
-    X11()
+    explicit X11(Manager manager)
         : server_(
               {"Xvfb",
                "-displayfd",
@@ -75,7 +75,10 @@ class X11 : public Display {
               {path}, folder_.path() / "server.log"),
           name_(":" + server_.line().value_or("")),
           manager_(
-              {"openbox", "--sm-disable", "--startup", "echo ready"},
+              manager == Manager::openbox
+                  ? std::vector<std::string>{"openbox", "--sm-disable", "--startup", "echo ready"}
+                  : std::vector<
+                        std::string>{"i3", "-c", folder_.write("i3", "exec --no-startup-id echo ready\n")},
               {path, "DISPLAY=" + name_, "HOME=" + folder_.path().string()}, folder_.path() / "manager.log") {
         if (name_ == ":") throw std::runtime_error("no X server");
         std::optional<std::string> line;
@@ -276,8 +279,8 @@ class NestedWayland : public Monitors {
 
 }  // namespace
 
-std::unique_ptr<Display> startX11() {
-    return std::make_unique<X11>();
+std::unique_ptr<Display> startX11(Manager manager) {
+    return std::make_unique<X11>(manager);
 }
 
 std::unique_ptr<Monitors> startMonitors() {

@@ -54,8 +54,9 @@ class Monitors : public Display {
     virtual std::string second() const = 0;
 };
 
-/// X11: a frame buffer in memory and a small window manager.
-std::unique_ptr<Display> startX11();
+enum class Manager { openbox, i3 };
+/// X11: a frame buffer in memory and a window manager, small or tiling.
+std::unique_ptr<Display> startX11(Manager manager = Manager::openbox);
 /// Wayland: a compositor without a screen; `scale` is its output's.
 std::unique_ptr<Compositor> startWayland(const std::string& scale = "1");
 

@@ -1,5 +1,5 @@
-// A window that fills the screen, until its input ends: covering-window [translucent|maximized]. Says "shown"
-// once it is.
+// A window, as large as the screen if it can be, until its input ends:
+// covering-window [translucent|maximized|plain]. Says "shown" once it is.
 
 #include <cstdio>
 #include <gtk/gtk.h>
@@ -16,7 +16,7 @@ int main(int argc, char** argv) {
     gtk_window_set_title(GTK_WINDOW(window), "covering");
     if (how == "maximized")
         gtk_window_maximize(GTK_WINDOW(window));
-    else
+    else if (how != "plain")
         gtk_window_fullscreen(GTK_WINDOW(window));
     g_signal_connect(
         window,
