@@ -1,5 +1,6 @@
 #include "Desktop.hpp"
 
+#include <algorithm>
 #include <set>
 
 #include "Strings.hpp"
@@ -36,6 +37,7 @@ Desktop::Desktop(DesktopOptions options)
     host_->start();
     for (const auto& [kind, family] : options_.additions) add(kind, family, std::nullopt);
     if (options_.showsGallery) showGallery();
+    if (options_.takesKeys) focusNext();
 }
 
 Desktop::~Desktop() {
@@ -167,6 +169,7 @@ void Desktop::monitorsChanged() {
 }
 
 void Desktop::arranged(const std::vector<host::ArrangedWidget>& widgets) {
+    arranged_ = widgets;
     std::set<std::string> gone;
     for (const auto& [id, window] : windows_) gone.insert(id);
     for (const host::ArrangedWidget& each : widgets) {
@@ -202,6 +205,7 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
                     session_->somebodyIsThere();
                     host_->freshen(id);
                 },
+            .walk = [this, id = widget.id](Step step) { return walk(id, step); },
             .showGallery = [this] { showGallery(); },
             .closed = [this] { monitorsChanged(); }},
         widget);
@@ -211,6 +215,20 @@ WidgetWindow& Desktop::windowOf(const host::PlacedWidget& widget) {
     if (const auto* description = host_->offers().find(widget.kind)) window->describe(*description);
     if (const auto* entry = host_->shown(widget.id)) window->view().present(*entry);
     return *window;
+}
+
+bool Desktop::walk(const std::string& from, Step step) {
+    const auto to = stepFrom(from, step, arranged_);
+    const auto found = to ? windows_.find(*to) : windows_.end();
+    if (found == windows_.end()) return false;
+    found->second->takeKeys(step != Step::previous);
+    return true;
+}
+
+void Desktop::focusNext() {
+    const auto from =
+        std::ranges::find_if(windows_, [](const auto& each) { return each.second->has_toplevel_focus(); });
+    walk(from == windows_.end() ? "" : from->first, Step::next);
 }
 
 void Desktop::close(const std::string& id) {

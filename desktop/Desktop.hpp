@@ -35,7 +35,7 @@ struct DesktopOptions {
     std::filesystem::path machine = "/";
     /// Widgets to be added, by kind and family.
     std::vector<std::pair<std::string, widgetkit::WidgetFamily>> additions;
-    bool showsGallery = false;
+    bool showsGallery = false, takesKeys = false;
     std::function<void(const std::string&)> log;
     /// The bus of screen savers.
     bus::Address bus = bus::Address::session();
@@ -52,6 +52,8 @@ class Desktop : public host::HostObserver {
 
     host::WidgetHost& host() { return *host_; }
     void showGallery();
+    /// Gives the keys to the widget after the one that has them, or to the first.
+    void focusNext();
 
   private:
     void arranged(const std::vector<host::ArrangedWidget>& widgets) override;
@@ -71,6 +73,7 @@ class Desktop : public host::HostObserver {
     /// The window of a widget, made if there is none.
     WidgetWindow& windowOf(const host::PlacedWidget& widget);
     void close(const std::string& id);
+    bool walk(const std::string& from, Step step);
     void openLink(const std::string& id, const std::string& url);
     void add(const std::string& kind, widgetkit::WidgetFamily family, std::optional<host::Cell> cell);
 
@@ -85,6 +88,7 @@ class Desktop : public host::HostObserver {
     host::DiskThread disk_;
     std::unique_ptr<FrameWatch> frames_;
     std::map<std::string, std::unique_ptr<WidgetWindow>> windows_;
+    std::vector<host::ArrangedWidget> arranged_;
     std::unique_ptr<Gallery> gallery_;
     bool isFirstStart_ = false, isScreenSeen_ = true;
     // Ends first: its completions speak to all of the above.

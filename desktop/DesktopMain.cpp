@@ -41,7 +41,7 @@ struct Options {
     std::string extension, home, machine, now;
     std::vector<std::string> additions;
     std::string bus;
-    bool gallery = false;
+    bool gallery = false, focus = false;
     double scale = 0;
 };
 
@@ -49,6 +49,7 @@ void describe(CLI::App& app, Options& options) {
     app.add_option("--add", options.additions, "Add a widget, such as ZeltoBattery:small; may be repeated")
         ->type_name("KIND:FAMILY");
     app.add_flag("--gallery", options.gallery, "Open the gallery");
+    app.add_flag("--focus", options.focus, "Give the keyboard to the widgets, each time to the next one");
     app.add_option("--scale", options.scale, "Scale factor, overriding the desktop's")
         ->check(CLI::Range(0.25, 8.0))
         ->type_name("N");
@@ -99,7 +100,7 @@ std::optional<Additions> additionsOf(const Options& options) {
 }
 
 /// Hands the additions to the host that runs already.
-int handOver(const bus::Address& address, bool wantsGallery, const Additions& additions) {
+int handOver(const bus::Address& address, const Options& options, const Additions& additions) {
     bus::Connection running(address, std::string(host::desktopService));
     constexpr std::chrono::seconds deadline{10};
     bool isDone = true;
@@ -110,7 +111,9 @@ int handOver(const bus::Address& address, bool wantsGallery, const Additions& ad
     };
     for (const auto& [kind, family] : additions)
         note(running.call<std::string>("add", deadline, kind, std::string(records::nameOf(family))));
-    if (wantsGallery || additions.empty()) note(running.call<void>("gallery", deadline));
+    if (options.focus) note(running.call<void>("focus", deadline));
+    if (options.gallery || (additions.empty() && !options.focus))
+        note(running.call<void>("gallery", deadline));
     return isDone ? 0 : 1;
 }
 
@@ -142,6 +145,7 @@ desktop::DesktopOptions settingsOf(const Options& options, Additions additions) 
     out.folders = host::Folders::current();
     out.additions = std::move(additions);
     out.showsGallery = options.gallery;
+    out.takesKeys = options.focus;
     if (options.scale > 0) out.zoom = options.scale;
     if (!options.machine.empty()) out.machine = options.machine;
     auto& program = out.extension.program;
@@ -181,11 +185,12 @@ int run(int argc, char** argv) {
         address,
         {.host = [&desktop]() -> host::WidgetHost& { return desktop->host(); },
          .showGallery = [&desktop] { desktop->showGallery(); },
+         .focusNext = [&desktop] { desktop->focusNext(); },
          .quit = [] { gtk_main_quit(); }},
         log);
     const auto joined = presence.join();
     if (!joined && joined.fault().kind == bus::ErrorKind::nameTaken)
-        return handOver(address, options.gallery, *additions);
+        return handOver(address, options, *additions);
     auto settings = settingsOf(options, *additions);
     settings.bus = address;
     settings.seenChanged = [&presence](bool isSeen) { presence.setSeen(isSeen); };

@@ -18,6 +18,11 @@ bool managerKnowsDesktops(GdkScreen* screen) {
     return !supports("_NET_WM_WINDOW_TYPE") || supports("_NET_WM_WINDOW_TYPE_DESKTOP");
 }
 
+GtkLayerShellKeyboardMode onDemand() {
+    return gtk_layer_get_protocol_version() >= 4 ? GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND
+                                                 : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE;
+}
+
 WindowKind windowKindOf(GdkDisplay* display) {
     if (GDK_IS_X11_DISPLAY(display))
         return managerKnowsDesktops(gdk_display_get_default_screen(display)) ? WindowKind::hints
@@ -138,11 +143,7 @@ void DisplayBackend::prepare(Gtk::Window& window, const std::string& name, bool 
         gtk_layer_set_layer(window.gobj(), GTK_LAYER_SHELL_LAYER_BOTTOM);
         gtk_layer_set_anchor(window.gobj(), GTK_LAYER_SHELL_EDGE_LEFT, TRUE);
         gtk_layer_set_anchor(window.gobj(), GTK_LAYER_SHELL_EDGE_TOP, TRUE);
-        if (takesKeys)
-            gtk_layer_set_keyboard_mode(
-                window.gobj(),
-                gtk_layer_get_protocol_version() >= 4 ? GTK_LAYER_SHELL_KEYBOARD_MODE_ON_DEMAND
-                                                      : GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+        if (takesKeys) gtk_layer_set_keyboard_mode(window.gobj(), onDemand());
         return;
     }
     if (windowKind_ == WindowKind::unmanaged) {
@@ -177,9 +178,24 @@ void DisplayBackend::keepBelow(Gtk::Window& window) const {
     if (const auto own = window.get_window()) own->lower();
 }
 
-void DisplayBackend::giveKeys(Gtk::Window& window, std::uint32_t time) const {
+void DisplayBackend::giveKeys(Gtk::Window& window) const {
     const auto own = window.get_window();
-    if (windowKind_ != WindowKind::unmanaged || !own) return;
+    if (!own) return;
+    if (windowKind_ == WindowKind::layerShell) {
+        // Compositors look for whom they give the keys by themselves among the upper layers only.
+        gtk_layer_set_layer(window.gobj(), GTK_LAYER_SHELL_LAYER_TOP);
+        gtk_layer_set_keyboard_mode(window.gobj(), GTK_LAYER_SHELL_KEYBOARD_MODE_EXCLUSIVE);
+        return;
+    }
+    if (!hasOneSpace()) {
+        window.present();
+        return;
+    }
+    const guint32 time = gdk_x11_get_server_time(own->gobj());
+    if (windowKind_ == WindowKind::hints) {
+        window.present(time);
+        return;
+    }
     GdkDisplay* display = gdk_display_get_default();
     // It may have gone.
     gdk_x11_display_error_trap_push(display);
@@ -189,6 +205,12 @@ void DisplayBackend::giveKeys(Gtk::Window& window, std::uint32_t time) const {
         RevertToPointerRoot,
         time);
     gdk_x11_display_error_trap_pop_ignored(display);
+}
+
+void DisplayBackend::keysCame(Gtk::Window& window) const {
+    if (windowKind_ != WindowKind::layerShell) return;
+    gtk_layer_set_layer(window.gobj(), GTK_LAYER_SHELL_LAYER_BOTTOM);
+    gtk_layer_set_keyboard_mode(window.gobj(), onDemand());
 }
 
 }  // namespace zelto::desktop

@@ -57,11 +57,12 @@ class DisplayBackend {
     void prepare(Gtk::Window& window, const std::string& name, bool takesKeys) const;
     /// Puts it there.
     void place(Gtk::Window& window, host::Slot slot) const;
-    /// What a window manager does for others: keeps it below all windows, which is to be asked for whenever
-    /// their order has changed; and gives it the keys, when somebody turns to it at that time of the X
-    /// server.
+    /// Keeps it below all windows where no window manager does, which is to be asked for whenever their order
+    /// has changed.
     void keepBelow(Gtk::Window& window) const;
-    void giveKeys(Gtk::Window& window, std::uint32_t time) const;
+    /// Has the keys go to a window, since somebody turns to it; `keysCame` once they have.
+    void giveKeys(Gtk::Window& window) const;
+    void keysCame(Gtk::Window& window) const;
 
   private:
     std::int64_t columns(const MonitorArea& area) const;

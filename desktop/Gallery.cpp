@@ -148,6 +148,14 @@ Gallery::Gallery(Seams seams, const std::vector<widgetkit::WidgetDescription>& o
 
 Gallery::~Gallery() = default;
 
+bool Gallery::on_key_press_event(GdkEventKey* event) {
+    const bool isControl = (event->state & GDK_CONTROL_MASK) != 0;
+    if (event->keyval != GDK_KEY_Escape && !(event->keyval == GDK_KEY_w && isControl))
+        return Gtk::Window::on_key_press_event(event);
+    close();
+    return true;
+}
+
 void Gallery::offer(const std::vector<widgetkit::WidgetDescription>& widgets) {
     previews_.clear();
     for (Gtk::Widget* child : list_.get_children()) list_.remove(*child);

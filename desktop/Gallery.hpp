@@ -37,6 +37,9 @@ class Gallery : public Gtk::Window {
 
     void offer(const std::vector<widgetkit::WidgetDescription>& widgets);
 
+  protected:
+    bool on_key_press_event(GdkEventKey* event) override;
+
   private:
     class Preview;
 

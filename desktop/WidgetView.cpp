@@ -182,6 +182,14 @@ void WidgetView::drawAll() {
     queue_draw();
 }
 
+void WidgetView::get_preferred_width_vfunc(int& minimum, int& natural) const {
+    minimum = natural = rounded(size_.width * zoom_);
+}
+
+void WidgetView::get_preferred_height_vfunc(int& minimum, int& natural) const {
+    minimum = natural = rounded(size_.height * zoom_);
+}
+
 void WidgetView::say(const std::string& text) {
     if (!message_) {
         message_ = std::make_unique<Gtk::Label>();

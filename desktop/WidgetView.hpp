@@ -55,6 +55,9 @@ class WidgetView : public Gtk::Fixed {
 
   protected:
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
+    /// The widget's own size, whatever a message would like.
+    void get_preferred_width_vfunc(int& minimum, int& natural) const override;
+    void get_preferred_height_vfunc(int& minimum, int& natural) const override;
 
   private:
     void layOutAgain();

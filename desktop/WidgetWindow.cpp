@@ -29,8 +29,7 @@ WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
     drag_ = Gtk::GestureDrag::create(*this);
     // Before the areas below it, so that a tap that becomes a drag opens nothing.
     drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
-    drag_->signal_drag_begin().connect(
-        [this](double, double) { seams_.backend.giveKeys(*this, gtk_get_current_event_time()); });
+    drag_->signal_drag_begin().connect([this](double, double) { clicked(); });
     drag_->signal_drag_update().connect([this](double dx, double dy) { update(dx, dy); });
     drag_->signal_drag_end().connect([this](double dx, double dy) { end(dx, dy); });
 
@@ -83,7 +82,7 @@ void WidgetWindow::makeMenu() {
 bool WidgetWindow::on_button_press_event(GdkEventButton* event) {
     if (event->type != GDK_BUTTON_PRESS || event->button != GDK_BUTTON_SECONDARY)
         return Gtk::Window::on_button_press_event(event);
-    seams_.backend.giveKeys(*this, event->time);
+    clicked();
     makeMenu();
     menu_.popup_at_pointer(reinterpret_cast<GdkEvent*>(event));
     return true;
@@ -94,49 +93,75 @@ void WidgetWindow::showMenu() {
     menu_.popup_at_widget(&view_, Gdk::GRAVITY_CENTER, Gdk::GRAVITY_NORTH_WEST, nullptr);
 }
 
+/// A window manager gives the keys to whom it manages.
+void WidgetWindow::clicked() {
+    if (seams_.backend.windowKind() == WindowKind::unmanaged) seams_.backend.giveKeys(*this);
+}
+
 bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
-    const bool isControl = (event->state & GDK_CONTROL_MASK) != 0;
-    const bool isShift = (event->state & GDK_SHIFT_MASK) != 0;
-    switch (event->keyval) {
-        case GDK_KEY_Menu: showMenu(); return true;
-        case GDK_KEY_F10:
-            if (isShift) {
-                showMenu();
-                return true;
-            }
-            break;
-        case GDK_KEY_Delete: removeWidget(); return true;
-        case GDK_KEY_F5: reloadWidget(); return true;
-        case GDK_KEY_Insert: seams_.showGallery(); return true;
-        case GDK_KEY_plus: stepFamily(+1); return true;
-        case GDK_KEY_minus: stepFamily(-1); return true;
-        case GDK_KEY_Left:
-            if (isControl) {
-                step(-1, 0);
-                return true;
-            }
-            break;
-        case GDK_KEY_Right:
-            if (isControl) {
-                step(+1, 0);
-                return true;
-            }
-            break;
-        case GDK_KEY_Up:
-            if (isControl) {
-                step(0, -1);
-                return true;
-            }
-            break;
-        case GDK_KEY_Down:
-            if (isControl) {
-                step(0, +1);
-                return true;
-            }
-            break;
-        default: break;
-    }
+    struct Key {
+        guint symbol;
+        GdkModifierType modifier;
+        std::function<bool()> action;
+    };
+    const auto done = [](auto action) {
+        return [action] {
+            action();
+            return true;
+        };
+    };
+    const auto moved = [&](std::int64_t columns, std::int64_t rows) {
+        return done([this, columns, rows] { step(columns, rows); });
+    };
+    const auto walked = [this](Gtk::DirectionType direction, Step beyond) {
+        return [this, direction, beyond] { return walk(direction, beyond); };
+    };
+    constexpr auto none = GdkModifierType(0);
+    const Key keys[] = {
+        {GDK_KEY_Menu, none, done([this] { showMenu(); })},
+        {GDK_KEY_F10, GDK_SHIFT_MASK, done([this] { showMenu(); })},
+        {GDK_KEY_Delete, none, done([this] { removeWidget(); })},
+        {GDK_KEY_F5, none, done([this] { reloadWidget(); })},
+        {GDK_KEY_Insert, none, done([this] { seams_.showGallery(); })},
+        {GDK_KEY_plus, none, done([this] { stepFamily(+1); })},
+        {GDK_KEY_equal, none, done([this] { stepFamily(+1); })},
+        {GDK_KEY_KP_Add, none, done([this] { stepFamily(+1); })},
+        {GDK_KEY_minus, none, done([this] { stepFamily(-1); })},
+        {GDK_KEY_KP_Subtract, none, done([this] { stepFamily(-1); })},
+        {GDK_KEY_Left, GDK_CONTROL_MASK, moved(-1, 0)},
+        {GDK_KEY_Right, GDK_CONTROL_MASK, moved(+1, 0)},
+        {GDK_KEY_Up, GDK_CONTROL_MASK, moved(0, -1)},
+        {GDK_KEY_Down, GDK_CONTROL_MASK, moved(0, +1)},
+        {GDK_KEY_Left, none, walked(Gtk::DIR_LEFT, Step::left)},
+        {GDK_KEY_Right, none, walked(Gtk::DIR_RIGHT, Step::right)},
+        {GDK_KEY_Up, none, walked(Gtk::DIR_UP, Step::up)},
+        {GDK_KEY_Down, none, walked(Gtk::DIR_DOWN, Step::down)},
+        {GDK_KEY_Tab, none, walked(Gtk::DIR_TAB_FORWARD, Step::next)},
+        {GDK_KEY_ISO_Left_Tab, none, walked(Gtk::DIR_TAB_BACKWARD, Step::previous)},
+        {GDK_KEY_Escape, none, done([this] { cancelDrag(); })}};
+    // Shift is how some keyboards come to a plus.
+    constexpr auto telling = GdkModifierType(GDK_CONTROL_MASK | GDK_MOD1_MASK);
+    for (const Key& key : keys)
+        if (key.symbol == event->keyval &&
+            (event->state & static_cast<guint>(telling | key.modifier)) == static_cast<guint>(key.modifier))
+            return key.action() || Gtk::Window::on_key_press_event(event);
     return Gtk::Window::on_key_press_event(event);
+}
+
+bool WidgetWindow::walk(Gtk::DirectionType direction, Step beyond) {
+    return view_.child_focus(direction) || seams_.walk(beyond);
+}
+
+void WidgetWindow::takeKeys(bool isFirst) {
+    seams_.backend.giveKeys(*this);
+    set_focus_visible(true);
+    unset_focus();
+    view_.child_focus(isFirst ? Gtk::DIR_TAB_FORWARD : Gtk::DIR_TAB_BACKWARD);
+}
+
+bool WidgetWindow::on_focus_in_event(GdkEventFocus* event) {
+    seams_.backend.keysCame(*this);
+    return Gtk::Window::on_focus_in_event(event);
 }
 
 /// A compositor closes what was on a monitor that went away; the widget comes back on another one.
@@ -207,6 +232,12 @@ void WidgetWindow::update(double dx, double dy) {
         dragIcon_ = std::make_unique<DragIcon>(seams_.backend, widget_.family, view_.picture());
     }
     dragIcon_->place(target(dx, dy));
+}
+
+void WidgetWindow::cancelDrag() {
+    if (!dragIcon_) return;
+    dragIcon_.reset();
+    drag_->set_state(Gtk::EVENT_SEQUENCE_DENIED);
 }
 
 void WidgetWindow::end(double dx, double dy) {

@@ -10,6 +10,7 @@
 
 #include "DisplayBackend.hpp"
 #include "DragIcon.hpp"
+#include "Walking.hpp"
 #include "WidgetView.hpp"
 #include "host/WidgetHost.hpp"
 
@@ -28,6 +29,8 @@ class WidgetWindow : public Gtk::Window {
         std::function<bool()> isScreenSeen;
         /// The pointer came over it.
         std::function<void()> entered;
+        /// Gives the keys to another widget; false where there is none that way.
+        std::function<bool(Step)> walk;
         std::function<void()> showGallery;
         /// The compositor closed the window, which is hidden now.
         std::function<void()> closed;
@@ -38,6 +41,8 @@ class WidgetWindow : public Gtk::Window {
     void arrange(const host::ArrangedWidget& arranged);
     /// What the extension calls it, and which families it offers.
     void describe(const widgetkit::WidgetDescription& description);
+    /// Takes the keys, on its first place to tap or on its last.
+    void takeKeys(bool isFirst);
     /// Looks again whether it is seen, and tells the host when that has changed.
     void tellSeen();
     WidgetView& view() { return view_; }
@@ -47,6 +52,7 @@ class WidgetWindow : public Gtk::Window {
     bool on_key_press_event(GdkEventKey* event) override;
     bool on_button_press_event(GdkEventButton* event) override;
     bool on_delete_event(GdkEventAny* event) override;
+    bool on_focus_in_event(GdkEventFocus* event) override;
     bool on_enter_notify_event(GdkEventCrossing* event) override;
     bool on_visibility_notify_event(GdkEventVisibility* event) override;
     void on_size_allocate(Gtk::Allocation& allocation) override;
@@ -58,6 +64,10 @@ class WidgetWindow : public Gtk::Window {
     void end(double dx, double dy);
     /// Where it would land if it were let go.
     host::Slot target(double dx, double dy) const;
+    /// Within the widget, and at its end to another one.
+    bool walk(Gtk::DirectionType direction, Step beyond);
+    void clicked();
+    void cancelDrag();
     void step(std::int64_t columns, std::int64_t rows);
     void moveTo(host::Slot slot);
     void stepFamily(int direction);

@@ -116,6 +116,10 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
         show();
         return {};
     };
+    const auto focus = [give = actions.focusNext]() -> Done {
+        give();
+        return {};
+    };
     const auto quit = [end = actions.quit]() -> Done {
         end();
         return {};
@@ -124,6 +128,7 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
     out.methods.push_back(method("reload", {"kind"}, {}, reload));
     out.methods.push_back(method("list", {}, {"widgets"}, list));
     out.methods.push_back(method("gallery", {}, {}, gallery));
+    out.methods.push_back(method("focus", {}, {}, focus));
     out.methods.push_back(method("quit", {}, {}, quit));
     out.properties.push_back({"seen", actions.isSeen});
     return out;

@@ -181,6 +181,89 @@ TEST_P(DesktopOn, WithoutAProgramForLinksTheWidgetSaysSo) {
     EXPECT_TRUE(eventually([&] { return !desktop.isSeen(only()); }));
 }
 
+TEST_P(DesktopOn, EscapeCancelsADrag) {
+    startWith({widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0)});
+    focus(only());
+    const auto before = display().screenshot();
+    const auto [x, y] = RunningDesktop::onDisplay(only(), {20, 82});
+    display().move(x, y);
+    display().press(Button::primary);
+    for (int i = 1; i <= 4; ++i) display().move(x + 45 * i, y);
+    ASSERT_TRUE(eventually([&] { return display().screenshot() != before; }));
+    display().key("Escape");
+    display().move(x + 200, y);
+    display().release(Button::primary);
+    display().move(Display::width - 2, Display::height - 2);
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    EXPECT_EQ(only().cell(), (host::Cell{0, 0}));
+}
+
+TEST_P(DesktopOn, EscapeClosesTheGallery) {
+    startWith({widget("ZeltoFans", WidgetFamily::systemSmall, 6, 3)});
+    const auto before = display().screenshot();
+    EXPECT_EQ(desktop.zelto({"desktop", "--gallery"}).status, 0);
+    ASSERT_TRUE(eventually([&] { return display().screenshot() != before; }));
+    EXPECT_TRUE(eventually([&] {
+        display().key("Escape");
+        return desktop.isSeen(only()) && display().screenshot() == before;
+    }));
+}
+
+TEST(Messages, LeaveTheWindowAsItIs) {
+    for (const Manager manager : {Manager::openbox, Manager::i3}) {
+        const auto display = startX11(manager);
+        RunningDesktop desktop(*display);
+        desktop.forgetHandler();
+        const auto fans = widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0);
+        desktop.place({fans});
+        desktop.start();
+        ASSERT_TRUE(eventually([&] { return desktop.allSeen(); })) << desktop.log();
+        const auto [x, y] = RunningDesktop::onDisplay(fans, {8, 82});
+        display->click(x, y);
+        EXPECT_TRUE(eventually([&] { return !desktop.isSeen(fans); }));
+        const auto geometry =
+            run({"/usr/bin/xdotool", "search", "--onlyvisible", "--name", "Ventoinhas", "getwindowgeometry"},
+                "",
+                display->environment());
+        EXPECT_NE(geometry.output.find("Geometry: 164x164"), std::string::npos) << geometry.output;
+    }
+}
+
+TEST_P(DesktopOn, KeysWalkFromWidgetToWidget) {
+    startWith(
+        {widget("ZeltoFans", WidgetFamily::systemSmall, 0, 0),
+         widget("ZeltoStorage", WidgetFamily::systemSmall, 1, 0),
+         widget("ZeltoBattery", WidgetFamily::systemSmall, 0, 1)});
+    const auto placed = desktop.widgets();
+    // Whoever has the keys has a ring around what they would open.
+    const auto isAt = [&](std::size_t index, const std::string& tab) {
+        EXPECT_TRUE(eventually([&] { return !desktop.isSeen(placed[index]); })) << tab;
+        for (std::size_t i = 0; i < placed.size(); ++i)
+            if (i != index) {
+                EXPECT_TRUE(eventually([&] { return desktop.isSeen(placed[i]); })) << tab;
+            }
+        display().key("Return");
+        EXPECT_EQ(desktop.openedLink(), "zelto://open?tab=" + tab);
+    };
+    // From anywhere, and again and again to the next.
+    const auto next = [this] { EXPECT_EQ(desktop.zelto({"desktop", "--focus"}).status, 0) << desktop.log(); };
+    next();
+    isAt(0, "fans");
+    next();
+    isAt(1, "system");
+    // Tab past the last link, round and round.
+    display().key("Tab");
+    isAt(2, "battery");
+    display().key("Tab");
+    isAt(0, "fans");
+    display().key("Right");
+    isAt(1, "system");
+    display().key("Left");
+    isAt(0, "fans");
+    display().key("Down");
+    isAt(2, "battery");
+}
+
 TEST_P(DesktopOn, ALinkCommandGetsTheLink) {
     desktop.forgetHandler();
     startWith(

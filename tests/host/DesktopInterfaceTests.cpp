@@ -11,13 +11,14 @@ using namespace records;
 namespace {
 
 struct OnTheBus : Hosted {
-    int galleries = 0, ends = 0;
+    int galleries = 0, focused = 0, ends = 0;
 
     /// The result of a call, or why there is none.
     std::string call(const std::string& name, bus::Values arguments = {}) {
         const auto interface = desktopInterface(
             {.host = [this]() -> WidgetHost& { return *host; },
              .showGallery = [this] { ++galleries; },
+             .focusNext = [this] { ++focused; },
              .quit = [this] { ++ends; }});
         std::string out;
         const auto row = std::ranges::find(interface.methods, name, &bus::Method::name);
@@ -59,11 +60,14 @@ TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
     EXPECT_EQ(call("gallery"), "");
     EXPECT_EQ(call("quit"), "");
     EXPECT_EQ(galleries, 1);
+    EXPECT_EQ(call("focus"), "");
+    EXPECT_EQ(focused, 1);
     EXPECT_EQ(ends, 1);
 }
 
 TEST_F(OnTheBus, ArgumentsAndResultsHaveNames) {
-    const auto described = desktopInterface({.host = {}, .showGallery = {}, .quit = {}}).introspection();
+    const auto described =
+        desktopInterface({.host = {}, .showGallery = {}, .focusNext = {}, .quit = {}}).introspection();
     EXPECT_NE(
         described.find(R"(<method name="move"><arg name="id" type="s" direction="in"/>)"
                        R"(<arg name="monitor" type="s" direction="in"/>)"

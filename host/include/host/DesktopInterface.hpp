@@ -20,14 +20,16 @@ inline constexpr std::string_view desktopService = "com.kavra.zelto.desktop";
 struct DesktopActions {
     std::function<WidgetHost&()> host;
     std::function<void()> showGallery;
+    /// Gives the keys to the next widget.
+    std::function<void()> focusNext;
     std::function<void()> quit;
     /// On any thread.
     std::function<bool()> isSeen = {};
 };
 
 /// reload(kind), list, add(kind, family), remove(id), move(id, monitor, column, row), resize(id, family),
-/// gallery and quit, and the property `seen`: whether anybody sees a widget. What cannot be done comes back
-/// as an error.
+/// gallery, focus and quit, and the property `seen`: whether anybody sees a widget. What cannot be done comes
+/// back as an error.
 bus::Interface desktopInterface(const DesktopActions& actions);
 
 /// Offers the host on a bus, to this user only; `dispatch` carries calls over to the host's thread.
