@@ -41,10 +41,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if (layout->arranged({{"A", 5, 4}, {"B", 1, 1}}).size() != layout->widgets.size()) std::abort();
         if (!store.save(*layout) || store.load().value() != *layout) std::abort();
     }
-    static const host::PlacedWidget widget{.id = "a", .kind = "K"};
+    static const host::Look look{"K", widgetkit::WidgetFamily::systemSmall};
     static const host::EntryStore entries(scratch() / "cache");
-    put(scratch() / "cache/a.K.systemSmall.json", text);
-    if (const auto timeline = entries.load(widget); timeline && timeline->entries.empty()) std::abort();
+    put(scratch() / "cache/K.systemSmall.1.json", text);
+    if (const auto timeline = entries.load(look); timeline && timeline->entries.empty()) std::abort();
     for (const auto& file : fs::directory_iterator(folder)) fs::remove(file);
     return 0;
 }

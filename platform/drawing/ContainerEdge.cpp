@@ -14,7 +14,7 @@ namespace {
 constexpr double cornerReach = 1.6;
 constexpr std::size_t mostScales = 8;
 
-constexpr auto rim = static_cast<std::uint32_t>(rimOpacity * 255 + 0.5);
+constexpr auto rimLight = static_cast<std::uint32_t>(rimOpacity * 255 + 0.5);
 
 /// A product of two fractions of 255.
 constexpr std::uint32_t times(std::uint32_t a, std::uint32_t b) {
@@ -95,7 +95,7 @@ void ContainerEdge::paint(Picture& picture, double scale, Corners corners, const
     const Corner& corner = found->second;
     const auto finish = [isRounded = corners == Corners::rounded](std::uint32_t& pixel, Coverage coverage) {
         if (isRounded && coverage.inside != 255) pixel = scaled(pixel, coverage.inside);
-        if (coverage.rim != 0) pixel = lit(pixel, times(rim, coverage.rim));
+        if (coverage.rim != 0) pixel = lit(pixel, times(rimLight, coverage.rim));
     };
     const auto pixel = [&](int x, int y) -> std::uint32_t& {
         return picture.pixels
