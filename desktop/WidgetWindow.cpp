@@ -13,7 +13,8 @@
 namespace zelto::desktop {
 namespace {
 
-constexpr double dragThreshold = 8;  // in the display's units
+constexpr double dragThreshold = 8;   // in the display's units
+constexpr double keysPatience = 0.5;  // seconds
 
 }  // namespace
 
@@ -153,13 +154,18 @@ bool WidgetWindow::walk(Gtk::DirectionType direction, Step beyond) {
 }
 
 void WidgetWindow::takeKeys(bool isFirst) {
-    seams_.backend.giveKeys(*this);
+    if (!has_toplevel_focus()) {
+        seams_.backend.giveKeys(*this);
+        // Nothing is to keep it above others, whatever the compositor does.
+        keysLate_ = host::MainSource::after(keysPatience, [this] { seams_.backend.keysCame(*this); });
+    }
     set_focus_visible(true);
     unset_focus();
     view_.child_focus(isFirst ? Gtk::DIR_TAB_FORWARD : Gtk::DIR_TAB_BACKWARD);
 }
 
 bool WidgetWindow::on_focus_in_event(GdkEventFocus* event) {
+    keysLate_.reset();
     seams_.backend.keysCame(*this);
     return Gtk::Window::on_focus_in_event(event);
 }

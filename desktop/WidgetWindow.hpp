@@ -12,6 +12,7 @@
 #include "DragIcon.hpp"
 #include "Walking.hpp"
 #include "WidgetView.hpp"
+#include "host/MainLoop.hpp"
 #include "host/WidgetHost.hpp"
 
 namespace zelto::desktop {
@@ -82,6 +83,7 @@ class WidgetWindow : public Gtk::Window {
     /// Where its monitor was when it was placed.
     std::optional<MonitorArea> area_;
     std::optional<widgetkit::WidgetDescription> description_;
+    host::MainSource keysLate_;
     WidgetView view_;
     bool isCovered_ = false, isSeen_ = true;
     std::pair<int, int> shaped_;  // the size to which it is cut

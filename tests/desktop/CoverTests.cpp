@@ -166,6 +166,29 @@ TEST_F(WaylandCovers, AFullscreenWindowRestsIt) {
     end();
 }
 
+TEST_F(WaylandCovers, AWidgetThatTookTheKeysLiesBelowOthersAgain) {
+    const auto display = startWayland();
+    show(*display);
+    // The second time it has them already.
+    for (int i = 0; i < 2; ++i) EXPECT_EQ(desktop->zelto({"desktop", "--focus"}).status, 0);
+    {
+        Child window(
+            {programFolder() / "covering-window", "plain"},
+            desktop->environment(),
+            desktop->folder() / "window.log");
+        ASSERT_EQ(window.line(), "shown");
+        EXPECT_TRUE(eventually([&] {
+            const auto shot = display->screenshot();
+            return shot.at(40, 20) == shot.at(700, 450);
+        }));
+    }
+    // Without the ring around what has the keys.
+    desktop->stop();
+    desktop->start({"--refresh", "1"});
+    EXPECT_TRUE(becomes(true));
+    end();
+}
+
 TEST_F(WaylandCovers, MonitorsThatAreOffRestIt) {
     const auto display = startMonitors();
     show(*display);
