@@ -81,8 +81,8 @@ int run(int argc, char** argv) {
     }
     // Whoever started it may have left something open.
     zelto::confinement::closeDescriptors(STDERR_FILENO + 1);
-    // What is looked up outside is looked up before the door closes.
-    const auto home = zelto::HomeLookup::fixed(options->home.home());
+    // What is looked up outside is looked up before the door closes; hosts take whole paths only.
+    const auto home = zelto::HomeLookup::fixed(std::filesystem::absolute(options->home.home()));
     const auto environment = zelto::texts::Environment::current();
     const std::filesystem::path folder = zelto::shared::WidgetSnapshot::folder(home);
     const auto pictures =

@@ -54,6 +54,24 @@ TEST_F(ZeltoProcess, MemoryThatRunsOutCostsARequestAndNotTheProcess) {
     EXPECT_GT(with, 0);
 }
 
+TEST_F(ZeltoProcess, AHomeMayBeGivenFromWhereOneIs) {
+    WidgetSnapshot::sample().save(HomeLookup::fixed(folder.path() / "home"));
+    const auto result = run(
+        {"/bin/sh",
+         "-c",
+         "cd \"$0\" && exec \"$@\"",
+         folder.path(),
+         programFolder() / "zelto",
+         "timeline",
+         "clipboard",
+         "--family",
+         "medium",
+         "--home",
+         "home"});
+    EXPECT_EQ(result.status, 0) << result.errors;
+    EXPECT_NE(result.output.find("Reunião às 15h com o time"), std::string::npos) << result.output;
+}
+
 TEST_F(ZeltoProcess, AnImpossibleFanSpeedStopsTheExtensionAndTheHostSaysSo) {
     std::string document =
         leastDocument(R"("fans":[{"actual":1e19,"minimum":0,"maximum":1,"manual":false}],)");
