@@ -40,9 +40,8 @@ std::optional<std::string> chooseDisplay() {
         gdk_set_allowed_backends("x11");
         return std::nullopt;
     }
-    return "this Wayland compositor offers no layer below other windows, and no X server: widgets are "
-           "ordinary "
-           "windows, which it places itself";
+    return "this Wayland compositor offers no layer below other windows, and no X server: "
+           "widgets are ordinary windows, which it places itself";
 }
 
 }  // namespace zelto::desktop

@@ -89,9 +89,8 @@ bool FrameWatch::isHidden(GdkWindow* window) const {
 }
 
 void FrameWatch::forget(GdkWindow* window) {
-    if (!state_) return;
-    state_->windows.erase(window);
-    state_->goOn();
+    // Who waits for it is called in time: this may be while all of it ends.
+    if (state_) state_->windows.erase(window);
 }
 
 }  // namespace zelto::desktop
