@@ -79,6 +79,14 @@ void paintRim(cairo_t* context, layout::Size size, double scale) {
     cairo_fill(context);
 }
 
+void paintBorder(cairo_t* context, const layout::DisplayList& displayList, double scale) {
+    addContainerOutline(context, displayList.size);
+    addContainerOutline(context, displayList.size, displayList.border / scale);
+    cairo_set_fill_rule(context, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_set_source_rgb(context, 1, 1, 1);
+    cairo_fill(context);
+}
+
 /// A soft shadow: the widget's outline, widened step by step, each fainter than the one inside.
 void paintShadow(cairo_t* context, layout::Size size) {
     constexpr int steps = 14;
@@ -141,6 +149,7 @@ void Renderer::redraw(
         const SavedState saved(context.get());
         paint(context.get(), displayList, state_->tools(true));
     }
+    if (displayList.border > 0) paintBorder(context.get(), displayList, scale);
     cairo_surface_flush(surface.get());
     state_->edge.paint(picture, scale, corners, area);
 }

@@ -70,13 +70,15 @@ struct ApplyModifier {
 
 ui::Color resolve(const ui::Style& style, const Inherited& inherited) {
     if (const auto* color = std::get_if<ui::Color>(&style)) return *color;
+    if (inherited.contrast == Contrast::high) return inherited.primary;
     return inherited.primary.withOpacity(inherited.primary.opacity * secondaryOpacity);
 }
 
-BoxTree::BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, DisplayList& displayList)
+BoxTree::BoxTree(
+    const ui::View& view, Date now, Contrast contrast, TextMeasuring& measuring, DisplayList& displayList)
     : root_(0), now_(now), measuring_(measuring), displayList_(displayList) {
     boxes_.reserve(128);
-    root_ = build(view, view.modifiers.size(), {});
+    root_ = build(view, view.modifiers.size(), {.contrast = contrast});
 }
 
 std::size_t BoxTree::build(const ui::View& view, std::size_t modifiers, Inherited inherited) {

@@ -9,6 +9,7 @@
 #include "Stack.hpp"
 #include "TextFit.hpp"
 #include "layout/DisplayList.hpp"
+#include "layout/Layout.hpp"
 #include "layout/TextMeasuring.hpp"
 #include "ui/View.hpp"
 
@@ -24,6 +25,7 @@ struct Inherited {
     std::int64_t lineLimit = 0;
     double minimumScale = 1;
     Axis stackAxis = Axis::none;  // of the stack that it stands in directly
+    Contrast contrast = Contrast::normal;
 };
 
 /// The foreground that a style means.
@@ -46,7 +48,9 @@ struct Box {
 /// Grid.hpp, TextFit.hpp, BoxModifier.hpp), and what they answer becomes frames.
 class BoxTree {
   public:
-    BoxTree(const ui::View& view, Date now, TextMeasuring& measuring, DisplayList& displayList);
+    BoxTree(
+        const ui::View& view, Date now, Contrast contrast, TextMeasuring& measuring,
+        DisplayList& displayList);
 
     std::size_t root() const { return root_; }
     Size measure(std::size_t box, const ProposedSize& proposal);

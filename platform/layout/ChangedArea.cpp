@@ -102,7 +102,8 @@ bool isTurning(const DisplayItem& item) {
 
 Rect changedArea(const DisplayList& before, const DisplayList& after) {
     const Rect whole{0, 0, after.size.width, after.size.height};
-    if (before.size != after.size || before.background != after.background) return whole;
+    if (before.size != after.size || before.background != after.background || before.border != after.border)
+        return whole;
     Cover cover;
     if (!coverChanges(before.items, after.items, cover)) return whole;
     const Rect area = cover.within(after.size);

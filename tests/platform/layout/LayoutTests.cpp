@@ -298,12 +298,32 @@ TEST(Texts, AreWholeAlsoBehindANull) {
 TEST(ScaledToFill, OfWhatHasNoSizeTakesWhatItIsOffered) {
     FixedMeasuring measuring;
     const auto displayList =
-        layOut(Text("x").font(0).scaledToFill(), {.size = {164, 164}, .now = {0}}, measuring);
+        layout::layOut(Text("x").font(0).scaledToFill(), {.size = {164, 164}, .now = {0}}, measuring);
     for (const auto& item : displayList.items) {
         const auto& frame = std::get<layout::PlacedText>(item).frame;
         for (const double number : {frame.x, frame.y, frame.width, frame.height})
             EXPECT_TRUE(std::isfinite(number));
     }
+}
+
+TEST(Contrast, MakesTheSecondaryStyleAsStrongAndTheContainerBlack) {
+    test::FixedMeasuring measuring;
+    const ui::View view = ui::VStack(
+                              {},
+                              ui::Text("plain"),
+                              ui::Text("dim").foreground(ui::secondary),
+                              ui::Text("blue").foreground(ui::Color{0, 0, 1}))
+                              .containerBackground(ui::LinearGradient{{0.1, 0.2, 0.3}, {0, 0, 0}});
+    const auto colors = [&](layout::Contrast contrast) {
+        const auto displayList =
+            layout::layOut(view, {.size = {164, 164}, .now = {0}, .contrast = contrast}, measuring);
+        std::string out = displayList.background ? ui::hexText(displayList.background->top) : "none";
+        for (const auto& item : displayList.items)
+            out += " " + ui::hexText(std::get<layout::PlacedText>(item).color);
+        return out + " " + std::to_string(displayList.border);
+    };
+    EXPECT_EQ(colors(layout::Contrast::normal), "#19334C #FFFFFF #FFFFFF8C #0000FF 0");
+    EXPECT_EQ(colors(layout::Contrast::high), "#000000 #FFFFFF #FFFFFF #0000FF 2");
 }
 
 }  // namespace

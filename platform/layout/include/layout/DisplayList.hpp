@@ -86,6 +86,8 @@ struct DisplayList {
     /// What a tap opens: the last area that it meets, otherwise the widget's own link.
     std::vector<LinkArea> links;
     std::optional<std::string> widgetURL;
+    /// Pixels of white along the outline.
+    int border = 0;
 
     bool operator==(const DisplayList&) const = default;
 };
