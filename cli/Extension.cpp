@@ -1,12 +1,12 @@
 #include "Extension.hpp"
 
 #include <algorithm>
-#include <cctype>
 #include <utility>
 
 #include "Failure.hpp"
 #include "Input.hpp"
 #include "texts/Environment.hpp"
+#include "widgetkit/KindNames.hpp"
 
 namespace zelto::cli {
 namespace {
@@ -21,20 +21,11 @@ host::ExtensionProgram programFor(const ExtensionOptions& options) {
     return program;
 }
 
-/// "ZeltoWorldClock" is also called "worldClock"; case does not matter to a person.
-std::string memberName(const std::string& kind) {
-    constexpr std::string_view prefix = "Zelto";
-    std::string name = kind.starts_with(prefix) ? kind.substr(prefix.size()) : kind;
-    std::ranges::transform(
-        name, name.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return name == "widget" ? "overview" : name;
-}
-
 }  // namespace
 
 // What goes wrong is told by the outcomes; nobody reads a log.
 Extension::Extension(const ExtensionOptions& options)
-    : supervisor_({.program = programFor(options)}, [](const std::string&) {}) {}
+    : supervisor_({.program = programFor(options)}, [](host::LogLevel, const std::string&) {}) {}
 
 host::Outcomes Extension::ask(std::vector<widgetkit::Request> requests) {
     const texts::Environment environment = texts::Environment::current();
@@ -63,11 +54,10 @@ std::vector<widgetkit::WidgetDescription> Extension::widgets() {
 
 const widgetkit::WidgetDescription& findWidget(
     const std::vector<widgetkit::WidgetDescription>& widgets, const std::string& name) {
+    if (const auto* found = widgetkit::findWidget(widgets, name)) return *found;
     std::string names;
-    for (const widgetkit::WidgetDescription& widget : widgets) {
-        if (widget.kind == name || memberName(widget.kind) == memberName(name)) return widget;
+    for (const widgetkit::WidgetDescription& widget : widgets)
         names += (names.empty() ? "" : ", ") + widget.kind;
-    }
     throw Failure("no widget '" + name + "'; there are " + names);
 }
 

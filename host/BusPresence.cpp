@@ -4,8 +4,7 @@
 
 namespace zelto::host {
 
-BusPresence::BusPresence(
-    bus::Address address, DesktopActions actions, std::function<void(const std::string&)> log)
+BusPresence::BusPresence(bus::Address address, DesktopActions actions, Log log)
     : address_(std::move(address)), actions_(std::move(actions)), log_(std::move(log)) {
     actions_.isSeen = [isSeen = isSeen_] { return isSeen->load(); };
 }
@@ -37,7 +36,7 @@ void BusPresence::rejoin() {
 void BusPresence::tryAgain() {
     const auto joined = join();
     if (joined) {
-        log_("the message bus is back; other programs can reach the widgets");
+        log_.info("the message bus is back; other programs can reach the widgets");
         backoff_ = Backoff(firstPause, longestPause);
         why_.clear();
         return;

@@ -24,7 +24,8 @@ bus::Result<T> onBus(Result<T> result) {
 
 Result<widgetkit::WidgetFamily> familyNamed(const std::string& name) {
     if (const auto family = records::named<widgetkit::WidgetFamily>(name)) return *family;
-    return Fault{.reason = "'" + name + "' is not systemSmall, systemMedium or systemLarge"};
+    if (const auto family = widgetkit::familyCalled(name)) return *family;
+    return Fault{.reason = "'" + name + "' is not small, medium or large"};
 }
 
 using Done = bus::Result<void>;
@@ -43,7 +44,13 @@ void answerAfter(ReplyBlock<Done> reply, Change change) {
     if (const Result<void> done = change(whenSaved(shared)); !done) (*shared)(refusal(done.fault()));
 }
 
-void add(const Host& host, ReplyBlock<Text> reply, const std::string& kind, const std::string& family) {
+std::optional<std::string> unlessEmpty(const std::string& text) {
+    return text.empty() ? std::nullopt : std::optional(text);
+}
+
+void add(
+    const Host& host, ReplyBlock<Text> reply, const std::string& kind, const std::string& family,
+    const std::string& monitor) {
     const auto wanted = familyNamed(family);
     if (!wanted) {
         reply(refusal(wanted.fault()));
@@ -57,10 +64,11 @@ void add(const Host& host, ReplyBlock<Text> reply, const std::string& kind, cons
         if (id->empty() || !*saved) return;
         (*shared)(**saved ? Text(*id) : Text(refusal((*saved)->fault())));
     };
-    const auto added = host().add(kind, *wanted, {}, [saved, answer](const Result<void>& written) {
-        *saved = written;
-        answer();
-    });
+    const auto added =
+        host().add(kind, *wanted, {.monitor = unlessEmpty(monitor)}, [saved, answer](const auto& written) {
+            *saved = written;
+            answer();
+        });
     if (!added) {
         (*shared)(refusal(added.fault()));
         return;
@@ -71,8 +79,12 @@ void add(const Host& host, ReplyBlock<Text> reply, const std::string& kind, cons
 
 /// What changes which widgets there are, and where.
 std::vector<bus::Method> layoutMethods(const Host& host) {
-    const auto addOne = [host](ReplyBlock<Text> reply, const std::string& kind, const std::string& family) {
-        add(host, std::move(reply), kind, family);
+    const auto addOne = [host](
+                            ReplyBlock<Text> reply,
+                            const std::string& kind,
+                            const std::string& family,
+                            const std::string& monitor) {
+        add(host, std::move(reply), kind, family, monitor);
     };
     const auto remove = [host](ReplyBlock<Done> reply, const std::string& id) {
         answerAfter(std::move(reply), [&](const auto& saved) { return host().remove(id, saved); });
@@ -83,10 +95,8 @@ std::vector<bus::Method> layoutMethods(const Host& host) {
                           const std::string& monitor,
                           std::int64_t column,
                           std::int64_t row) {
-        std::optional<std::string> name;
-        if (!monitor.empty()) name = monitor;
         answerAfter(std::move(reply), [&](const auto& saved) {
-            return host().move(id, name, {column, row}, saved);
+            return host().move(id, unlessEmpty(monitor), {column, row}, saved);
         });
     };
     const auto resize = [host](ReplyBlock<Done> reply, const std::string& id, const std::string& family) {
@@ -96,7 +106,7 @@ std::vector<bus::Method> layoutMethods(const Host& host) {
         });
     };
     return {
-        method("add", {"kind", "family"}, {"id"}, addOne),
+        method("add", {"kind", "family", "monitor"}, {"id"}, addOne),
         method("remove", {"id"}, {}, remove),
         method("move", {"id", "monitor", "column", "row"}, {}, move),
         method("resize", {"id", "family"}, {}, resize)};
@@ -120,6 +130,11 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
         give();
         return {};
     };
+    const auto undo = [host]() -> Text { return onBus(host().undoRemoval()); };
+    const auto set = [setOption = actions.setOption](
+                         const std::string& name, const std::string& value) -> Done {
+        return onBus(setOption(name, value));
+    };
     const auto quit = [end = actions.quit]() -> Done {
         end();
         return {};
@@ -129,6 +144,8 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
     out.methods.push_back(method("list", {}, {"widgets"}, list));
     out.methods.push_back(method("gallery", {}, {}, gallery));
     out.methods.push_back(method("focus", {}, {}, focus));
+    out.methods.push_back(method("undo", {}, {"id"}, undo));
+    out.methods.push_back(method("set", {"option", "value"}, {}, set));
     out.methods.push_back(method("quit", {}, {}, quit));
     out.properties.push_back({"seen", actions.isSeen});
     return out;
@@ -149,8 +166,7 @@ std::optional<std::pair<std::string, widgetkit::WidgetFamily>> parseAddition(con
     const auto colon = text.rfind(':');
     if (colon == std::string::npos || colon == 0) return std::nullopt;
     const std::string name = text.substr(colon + 1);
-    const auto family = widgetkit::familyCalled(name) ? widgetkit::familyCalled(name)
-                                                      : records::named<widgetkit::WidgetFamily>(name);
+    const auto family = familyNamed(name);
     if (!family) return std::nullopt;
     return std::pair(text.substr(0, colon), *family);
 }

@@ -25,7 +25,31 @@ std::optional<std::string> documentOf(const DesktopLayout& layout) {
         out += separator + *line;
         separator = ",\n  ";
     }
-    return out + "\n]}\n";
+    out += "\n]";
+    if (const auto settings = layout.settings.value_or(DesktopSettings{}); settings != DesktopSettings{}) {
+        const auto line = records::encodeJSON(settings);
+        if (!line) return std::nullopt;
+        out += ",\n\"settings\": " + *line;
+    }
+    return out + "}\n";
+}
+
+Result<void> checked(const DesktopSettings& settings) {
+    struct Range {
+        const char* name;
+        const std::optional<double>& value;
+        double least, most;
+        const char* text;
+    };
+    for (const auto& [name, value, least, most, text] :
+         {Range{"scale", settings.scale, smallestScale, largestScale, "0.25 and 8"},
+          Range{"refresh", settings.refresh, 0, longestRefresh, "0 and 3600"},
+          Range{"margin", settings.margin, 0, largestMargin, "0 and 1000"}})
+        // Written so that NaN is refused too.
+        if (value && !(*value >= least && *value <= most))
+            return Fault{
+                .path = std::string("settings.") + name, .reason = std::string("must lie between ") + text};
+    return {};
 }
 
 /// Refuses what decodes but cannot be.
@@ -42,6 +66,8 @@ Result<DesktopLayout> checked(DesktopLayout layout) {
             if (tile < 0 || tile > farthestTile)
                 return Fault{.path = place + name, .reason = "must lie between 0 and 1000"};
     }
+    if (const auto settings = checked(layout.settings.value_or(DesktopSettings{})); !settings)
+        return settings.fault();
     return layout;
 }
 
@@ -53,6 +79,13 @@ bool isNoDocument(const std::filesystem::path& file) {
     if (!std::filesystem::is_regular_file(status)) return true;
     const auto size = std::filesystem::file_size(file, error);
     return !error && size > largestFile;
+}
+
+/// The layout itself is safe on the disk, or will be read again: a copy that cannot be kept is missed only
+/// when a person breaks the file.
+void keepCopy(const std::filesystem::path& copy, const std::string& bytes) {
+    if (readFile(copy, largestFile) != bytes)
+        static_cast<void>(writeFileAtomically(copy, bytes, {.durability = Durability::processDeath}));
 }
 
 Result<DesktopLayout> decoded(const std::string& document) {
@@ -68,11 +101,14 @@ Result<DesktopLayout> DesktopLayoutStore::load() {
     removeLeftovers(file());
     bytes_->clear();
     isUnread_ = false;
+    wasThere_ = true;
     const auto bytes = readFile(file(), largestFile);
     if (!bytes) {
         std::error_code error;
-        if (std::filesystem::symlink_status(file(), error).type() == std::filesystem::file_type::not_found)
+        if (std::filesystem::symlink_status(file(), error).type() == std::filesystem::file_type::not_found) {
+            wasThere_ = false;
             return DesktopLayout{};
+        }
         if (isNoDocument(file())) return keptAside("it is no file of at most 1 MiB");
         isUnread_ = true;
         return Fault{.path = file().string(), .reason = "it cannot be read now; it stays as it is"};
@@ -80,7 +116,14 @@ Result<DesktopLayout> DesktopLayoutStore::load() {
     auto layout = decoded(*bytes);
     if (!layout) return keptAside(layout.fault().text());
     *bytes_ = *bytes;
+    keepCopy(copy(), *bytes);
     return layout;
+}
+
+std::optional<DesktopLayout> DesktopLayoutStore::lastGood() const {
+    const auto bytes = readFile(copy(), largestFile);
+    auto layout = bytes ? decoded(*bytes) : Fault{};
+    return layout ? std::optional(*std::move(layout)) : std::nullopt;
 }
 
 Fault DesktopLayoutStore::keptAside(const std::string& why) const {
@@ -104,14 +147,16 @@ std::function<Result<void>()> DesktopLayoutStore::saving(const DesktopLayout& la
                 .path = file.string(),
                 .reason = isUnread ? "it could not be read, and is not written over" : "cannot be written"};
         };
-    return [folder = folder_, file = file(), bytes = *bytes, known = bytes_]() -> Result<void> {
-        std::error_code error;
-        std::filesystem::create_directories(folder, error);
-        if (!writeFileAtomically(file, bytes))
-            return Fault{.path = file.string(), .reason = "cannot be written"};
-        *known = bytes;
-        return {};
-    };
+    return
+        [folder = folder_, file = file(), copy = copy(), bytes = *bytes, known = bytes_]() -> Result<void> {
+            std::error_code error;
+            std::filesystem::create_directories(folder, error);
+            if (const auto written = writeFileAtomically(file, bytes); !written)
+                return Fault{.path = file.string(), .reason = "cannot be written: " + written.fault().reason};
+            *known = bytes;
+            keepCopy(copy, bytes);
+            return {};
+        };
 }
 
 bool DesktopLayoutStore::wasEdited() const {

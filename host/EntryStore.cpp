@@ -107,9 +107,10 @@ Result<void> EntryStore::save(const Look& look, std::string_view line) const {
     const auto& target = replaces ? other : newest;
     // In a vacant place, and whole: the newest one stays until this one stands.
     std::filesystem::remove(target, error);
-    if (!writeFileAtomically(
-            target, line, {.durability = Durability::processDeath, .readers = Readers::owner}))
-        return Fault{.path = target.string(), .reason = "cannot be written"};
+    if (const auto written = writeFileAtomically(
+            target, line, {.durability = Durability::processDeath, .readers = Readers::owner});
+        !written)
+        return Fault{.path = target.string(), .reason = "cannot be written: " + written.fault().reason};
     if (replaces) std::filesystem::remove(newest, error);
     return {};
 }

@@ -58,8 +58,7 @@ struct ExtensionSupervisor::Apart {
     Outcomes last = {};
 };
 
-ExtensionSupervisor::ExtensionSupervisor(
-    ExtensionOptions options, std::function<void(const std::string& line)> log)
+ExtensionSupervisor::ExtensionSupervisor(ExtensionOptions options, Log log)
     : options_(std::move(options)),
       log_(std::move(log)),
       backoff_(options_.firstPause, options_.longestPause) {}

@@ -2,33 +2,37 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include <gio/gio.h>
 
+#include "bus/Connection.hpp"
 #include "foundation/Handle.hpp"
 
 namespace zelto::host {
 namespace {
 
 constexpr const char* scheme = "zelto";
+constexpr const char* app = "com.kavra.zelto";
+constexpr std::chrono::seconds appPatience{5};
 
 /// Success, or the library's reason, which it frees.
-Result<void> outcomeOf(bool isOpened, const std::string& url, GError* error) {
+Result<void, LinkFault> outcomeOf(bool isOpened, const std::string& url, GError* error) {
     if (isOpened) return {};
     const std::string reason = error ? error->message : "no reason was given";
     g_clear_error(&error);
-    return Fault{.reason = "the link " + url + " cannot be opened: " + reason};
+    return LinkFault{LinkFault::Kind::failed, "the link " + url + " cannot be opened: " + reason};
 }
 
 }  // namespace
 
-Result<void> LinkOpener::open(const std::string& url) const {
+Result<void, LinkFault> LinkOpener::open(const std::string& url) const {
     if (!url.starts_with(std::string(scheme) + "://"))
-        return Fault{.reason = "a link that is not the app's is not opened: " + url};
+        return LinkFault{LinkFault::Kind::refused, "a link that is not the app's is not opened: " + url};
     return command_.empty() ? openWithHandler(url) : openWithCommand(url);
 }
 
-Result<void> LinkOpener::openWithCommand(const std::string& url) const {
+Result<void, LinkFault> LinkOpener::openWithCommand(const std::string& url) const {
     // The shell splits the command only; the link is an argument that it does not look at.
     std::array<std::string, 5> words{"/bin/sh", "-c", command_ + " \"$1\"", "sh", url};
     std::array<gchar*, 6> argv{};
@@ -39,14 +43,24 @@ Result<void> LinkOpener::openWithCommand(const std::string& url) const {
     return outcomeOf(isStarted, url, error);
 }
 
-Result<void> LinkOpener::openWithHandler(const std::string& url) {
+Result<void, LinkFault> LinkOpener::openWithHandler(const std::string& url) {
     const Handle<GAppInfo, g_object_unref> handler(g_app_info_get_default_for_uri_scheme(scheme));
-    if (!handler) return Fault{.reason = "no program opens " + url};
+    if (!handler) return LinkFault{LinkFault::Kind::noProgram, "no program opens " + url};
     std::string mutableURL = url;
     GList link{mutableURL.data(), nullptr, nullptr};
     GError* error = nullptr;
     const bool isLaunched = g_app_info_launch_uris(handler.get(), &link, nullptr, &error);
     return outcomeOf(isLaunched, url, error);
+}
+
+Result<void, LinkFault> LinkOpener::handToApp(const bus::Address& bus, const std::string& url) {
+    bus::Connection connection(bus, app);
+    const auto opened = connection.call<void>("open", appPatience, url);
+    if (opened) return {};
+    if (opened.fault().kind == bus::ErrorKind::peerAbsent)
+        return LinkFault{LinkFault::Kind::noProgram, "no program opens " + url};
+    return LinkFault{
+        LinkFault::Kind::failed, "the link " + url + " cannot be opened: " + opened.fault().text};
 }
 
 }  // namespace zelto::host

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "widgetkit/KindNames.hpp"
+
 namespace zelto::host {
 
 void Offers::tick(Date now) {
@@ -14,7 +16,7 @@ void Offers::tick(Date now) {
             widgets_ = *std::move(outcome->reply.widgets);
             if (outcome->reply.confinement) confinement_ = *std::move(outcome->reply.confinement);
             for (const std::string& name : confinement_.lacks)
-                seams_.log("the widget extension is not fully confined: this system has no " + name);
+                seams_.log.info("the widget extension is not fully confined: this system has no " + name);
         } else {
             seams_.log(
                 "could not list the widgets: " +
@@ -34,6 +36,11 @@ std::optional<Date> Offers::nextInstant() const {
 const widgetkit::WidgetDescription* Offers::find(const std::string& kind) const {
     const auto found = std::ranges::find(widgets_, kind, &widgetkit::WidgetDescription::kind);
     return found == widgets_.end() ? nullptr : &*found;
+}
+
+std::string Offers::kindCalled(const std::string& name) const {
+    const auto* widget = widgetkit::findWidget(widgets_, name);
+    return widget ? widget->kind : name;
 }
 
 Result<void> Offers::check(const std::string& kind, widgetkit::WidgetFamily family) const {

@@ -22,6 +22,7 @@ const widgetkit::ArchivedEntry& entryAt(const widgetkit::ArchivedTimeline& timel
 
 void Schedule::add(const std::string& id, std::optional<widgetkit::ArchivedTimeline> stored) {
     Widget& widget = widgets_[id] = Widget{};
+    if (stored) widget.madeAt = stored->entries.front().date;
     widget.timeline = std::move(stored);
 }
 
@@ -116,7 +117,8 @@ void Schedule::received(const std::string& id, widgetkit::ArchivedTimeline timel
     if (found == widgets_.end()) return;
     Widget& widget = found->second;
     widget.isAsked = false;
-    widget.receivedAt = now;
+    widget.receivedAt = widget.madeAt = now;
+    widget.isFailing = false;
     widget.backoff.succeeded();
     // A reload that came while the answer was under way still wants a new one.
     if (widget.askAt) widget.askAt = std::max(timeline.reloadAfter, now + shortestLife);
@@ -128,6 +130,7 @@ void Schedule::failed(const std::string& id, Date now) {
     if (found == widgets_.end()) return;
     Widget& widget = found->second;
     widget.isAsked = false;
+    widget.isFailing = true;
     widget.receivedAt.reset();
     widget.backoff.failed();
     if (widget.askAt) widget.askAt = now + widget.backoff.pause();
@@ -141,6 +144,20 @@ const widgetkit::ArchivedTimeline* Schedule::timeline(const std::string& id) con
 const widgetkit::ArchivedEntry* Schedule::shown(const std::string& id) const {
     const auto found = widgets_.find(id);
     return found != widgets_.end() && found->second.shown ? &*found->second.shown : nullptr;
+}
+
+bool Schedule::isFailing(const std::string& id) const {
+    const auto found = widgets_.find(id);
+    return found != widgets_.end() && found->second.isFailing;
+}
+
+std::optional<Date> Schedule::oldSince(const std::string& id, Date now) const {
+    const auto found = widgets_.find(id);
+    if (found == widgets_.end()) return std::nullopt;
+    const Widget& widget = found->second;
+    if (!widget.isFailing || !widget.timeline || !widget.madeAt) return std::nullopt;
+    const double interval = std::max(widget.timeline->reloadAfter - *widget.madeAt, shortestLife);
+    return now - *widget.madeAt > 2 * interval ? widget.madeAt : std::nullopt;
 }
 
 std::optional<Date> Schedule::nextInstant() const {

@@ -27,6 +27,22 @@ Cell TileGrid::firstFree(widgetkit::WidgetFamily family) const {
             if (isFree({column, row}, family)) return {column, row};
 }
 
+std::optional<Cell> TileGrid::nearestFree(
+    Cell cell, widgetkit::WidgetFamily family, std::int64_t rows) const {
+    const Span span = spanOf(family);
+    std::optional<Cell> nearest;
+    std::int64_t least = 0;
+    for (std::int64_t row = 0; row + span.rows <= rows; ++row)
+        for (std::int64_t column = 0; column + span.columns <= columns_; ++column) {
+            const std::int64_t across = column - cell.column, down = row - cell.row;
+            const std::int64_t distance = across * across + down * down;
+            if ((nearest && distance >= least) || !isFree({column, row}, family)) continue;
+            nearest = Cell{column, row};
+            least = distance;
+        }
+    return nearest;
+}
+
 std::int64_t TileGrid::usedColumns() const {
     std::int64_t used = 0;
     for (const Cell& cell : taken_) used = std::max(used, cell.column + 1);

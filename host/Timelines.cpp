@@ -143,10 +143,12 @@ void Timelines::storeDrawn(const std::deque<std::string>& undrawn) {
         onDisk_(
             [store = store_, look, line = std::move(unsaved.mapped())] { return store.save(look, line); },
             [this, look](const Result<void>& saved) {
-                if (!saved)
+                // The next one is refused for the same reason.
+                if (!saved && std::exchange(refusal_, saved.fault().reason) != saved.fault().reason)
                     seams_.log("the timeline of " + look.kind + " cannot be stored: " + saved.fault().text());
-                else if (looksOf(widgets_).contains(look) && !unsaved_.contains(look))
-                    stored_.insert(look);
+                if (!saved) return;
+                refusal_.clear();
+                if (looksOf(widgets_).contains(look) && !unsaved_.contains(look)) stored_.insert(look);
             });
     }
 }

@@ -43,12 +43,25 @@ void WidgetHost::start() {
             "the last run died while it drew " + *dropped +
             ", which is not shown any more until there is a new one");
     if (auto loaded = layouts_.load()) {
+        isFirstStart_ = !layouts_.wasThere();
         adopt(*std::move(loaded));
         timelines_.forgetOthers();
     } else {
         seams_.log(loaded.fault().text());
+        if (!layouts_.isUnread()) startFromCopy();
     }
     tick();
+}
+
+/// What made no sense is kept aside: it is not missed at the next start either.
+void WidgetHost::startFromCopy() {
+    auto copy = layouts_.lastGood();
+    isFirstStart_ = !copy;
+    if (copy) {
+        adopt(*std::move(copy));
+        save();
+    }
+    observer_.troubled({.kind = LayoutTrouble::Kind::broken});
 }
 
 void WidgetHost::environmentChanged() {
@@ -78,8 +91,34 @@ void WidgetHost::tick() {
     const bool isFirst = !mayAsk_ && undrawn_.empty();
     if ((!undrawn_.empty() || isFirst) && !std::exchange(isDrawing_, true))
         seams_.soon([this] { drawNext(); });
+    tellTroubles(now);
     if (mayAsk_)
         seams_.wakeAt(first(first(timelines_.nextInstant(), offers_.nextInstant()), news_.nextInstant()));
+}
+
+void WidgetHost::tellTroubles(Date now) {
+    std::erase_if(troubles_, [this](const auto& each) { return !layout_.find(each.first); });
+    for (const PlacedWidget& widget : layout_.widgets) {
+        std::optional<PictureTrouble> trouble;
+        if (timelines_.isFailing(widget.id)) {
+            const auto since = timelines_.oldSince(widget.id, now);
+            if (since)
+                trouble = {.kind = PictureTrouble::Kind::old, .since = since};
+            else if (!timelines_.shown(widget.id))
+                trouble = {
+                    .kind = offers_.check(widget.kind, widget.family) ? PictureTrouble::Kind::noAnswer
+                                                                      : PictureTrouble::Kind::notOffered};
+        }
+        const auto before = troubles_.find(widget.id);
+        // An age grows while the trouble stays.
+        if (trouble && (trouble->since || before == troubles_.end() || before->second != *trouble)) {
+            troubles_.insert_or_assign(widget.id, *trouble);
+            observer_.troubled(widget, trouble);
+        } else if (!trouble && before != troubles_.end()) {
+            troubles_.erase(before);
+            observer_.troubled(widget, std::nullopt);
+        }
+    }
 }
 
 void WidgetHost::drawNext() {
@@ -142,11 +181,20 @@ void WidgetHost::filesChanged(const std::set<std::string>& files) {
 
 void WidgetHost::tellArrangement() {
     // Without monitors nothing can be said of where widgets are.
-    if (!monitors_.empty()) observer_.arranged(layout_.arranged(monitors_));
+    if (monitors_.empty()) return;
+    const auto arranged = layout_.arranged(monitors_);
+    const std::size_t homeless = layout_.widgets.size() - arranged.size();
+    observer_.arranged(arranged);
+    if (std::exchange(homeless_, homeless) < homeless) {
+        seams_.log(std::to_string(homeless) + " widgets have no room on the monitors, and are not shown");
+        observer_.troubled({.kind = LayoutTrouble::Kind::noRoom});
+    }
 }
 
 void WidgetHost::adopt(DesktopLayout layout) {
+    const DesktopSettings before = settings();
     layout_ = std::move(layout);
+    if (settings() != before) observer_.settingsChanged(settings());
     timelines_.follow(layout_.widgets);
     tellLive();
     tellSeen();
@@ -168,9 +216,18 @@ void WidgetHost::save(Saved saved) {
     ++saves_;
     seams_.onDisk(layouts_.saving(layout_), [this, saved = std::move(saved)](const Result<void>& written) {
         --saves_;
-        if (!written) seams_.log(written.fault().text());
+        this->written(written);
         if (saved) saved(written);
+        // What a person wrote meanwhile.
+        if (written) takeOverEdits();
     });
+}
+
+void WidgetHost::written(const Result<void>& written) {
+    const std::string reason = written ? "" : written.fault().reason;
+    if (std::exchange(refusal_, reason) == reason || written) return;
+    seams_.log(written.fault().text());
+    observer_.troubled({.kind = LayoutTrouble::Kind::notSaved, .reason = reason});
 }
 
 void WidgetHost::takeOverEdits() {
@@ -181,6 +238,7 @@ void WidgetHost::takeOverEdits() {
     } else {
         if (!layouts_.isUnread()) {
             seams_.log(edited.fault().text());
+            observer_.troubled({.kind = LayoutTrouble::Kind::broken});
             save();
         }
     }
@@ -188,18 +246,58 @@ void WidgetHost::takeOverEdits() {
 }
 
 Result<std::string> WidgetHost::add(
-    const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell, Saved saved) {
+    const std::string& name, widgetkit::WidgetFamily family, const Wish& wish, Saved saved) {
     takeOverEdits();
+    const std::string kind = offers_.kindCalled(name);
     if (const auto offered = offers_.check(kind, family); !offered) return offered.fault();
     const std::string id = newID();
-    if (auto changed = change(layout_.added(id, kind, family, cell, monitors_), std::move(saved)); !changed)
+    if (auto changed = change(layout_.added(id, kind, family, wish, monitors_), std::move(saved)); !changed)
         return std::move(changed).fault();
     return id;
 }
 
 Result<void> WidgetHost::remove(const std::string& id, Saved saved) {
     takeOverEdits();
-    return change(layout_.removed(id), std::move(saved));
+    const PlacedWidget* widget = layout_.find(id);
+    if (!widget) return layout_.removed(id).fault();
+    const Removal removal{*widget, static_cast<std::size_t>(widget - layout_.widgets.data()), seams_.now()};
+    auto done = change(layout_.removed(id), std::move(saved));
+    if (!done) return done;
+    forgetRemovals();
+    removals_.push_back(removal);
+    observer_.removed(removal.widget);
+    return done;
+}
+
+void WidgetHost::forgetRemovals() {
+    const Date now = seams_.now();
+    std::erase_if(
+        removals_, [now](const Removal& each) { return now - each.at > undoSeconds || now < each.at; });
+}
+
+Result<std::string> WidgetHost::undoRemoval(const std::optional<std::string>& id) {
+    takeOverEdits();
+    forgetRemovals();
+    const auto found = std::ranges::find_if(removals_.rbegin(), removals_.rend(), [&](const Removal& each) {
+        return !id || each.widget.id == *id;
+    });
+    if (found == removals_.rend()) return Fault{.reason = "nothing was removed in the last ten seconds"};
+    const Removal removal = *found;
+    if (const auto done = change(layout_.restored(removal.widget, removal.index, monitors_)); !done)
+        return done.fault();
+    std::erase_if(removals_, [&](const Removal& each) { return each.widget.id == removal.widget.id; });
+    return removal.widget.id;
+}
+
+void WidgetHost::set(const DesktopSettings& settings) {
+    takeOverEdits();
+    DesktopLayout changed = layout_;
+    changed.settings = settings;
+    if (const auto done = change(changed); !done) {
+        seams_.log(done.fault().text());
+        // Whoever shows them shows those that hold.
+        observer_.settingsChanged(this->settings());
+    }
 }
 
 Result<void> WidgetHost::move(
@@ -211,6 +309,24 @@ Result<void> WidgetHost::move(
 Result<void> WidgetHost::move(const std::string& id, Slot slot, Saved saved) {
     takeOverEdits();
     return change(layout_.moved(id, slot, monitors_), std::move(saved));
+}
+
+std::optional<std::size_t> WidgetHost::inTheWay(const std::string& id, Slot slot) const {
+    const auto moved = layout_.moved(id, slot, monitors_);
+    if (!moved) return std::nullopt;
+    std::size_t others = 0;
+    for (const PlacedWidget& widget : layout_.widgets)
+        if (widget.id != id && *moved->find(widget.id) != widget) ++others;
+    return others;
+}
+
+bool WidgetHost::isFree(Slot slot, widgetkit::WidgetFamily family) const {
+    return layout_.isFree(slot, family, monitors_);
+}
+
+Result<void> WidgetHost::send(const std::string& id, std::size_t monitor, Cell cell, Saved saved) {
+    takeOverEdits();
+    return change(layout_.sent(id, monitor, cell, monitors_), std::move(saved));
 }
 
 Result<void> WidgetHost::setFamily(const std::string& id, widgetkit::WidgetFamily family, Saved saved) {
@@ -233,7 +349,8 @@ Result<void> WidgetHost::reload(const std::string& id) {
     return {};
 }
 
-Result<void> WidgetHost::reloadKind(const std::string& kind) {
+Result<void> WidgetHost::reloadKind(const std::string& name) {
+    const std::string kind = offers_.kindCalled(name);
     bool isPlaced = false;
     for (const PlacedWidget& widget : layout_.widgets) {
         if (widget.kind != kind) continue;

@@ -38,7 +38,7 @@ void WidgetSnapshot::save(const HomeLookup& lookup) const {
     makePrivateFolder(folder(lookup));
     removeLeftovers(url(lookup));
     if (const auto document = records::encodeJSON(*this))
-        writeFileAtomically(url(lookup), *document, {.readers = Readers::owner});
+        static_cast<void>(writeFileAtomically(url(lookup), *document, {.readers = Readers::owner}));
 }
 
 }  // namespace zelto::shared

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <vector>
 
@@ -73,7 +74,9 @@ std::optional<std::string> readFile(const std::filesystem::path& path, std::size
     return bytes;
 }
 
-bool writeFileAtomically(const std::filesystem::path& path, std::string_view bytes, WriteOptions options) {
+Result<void> writeFileAtomically(
+    const std::filesystem::path& path, std::string_view bytes, WriteOptions options) {
+    const auto refused = [] { return Fault{.reason = std::strerror(errno)}; };
     const bool syncs = options.durability == Durability::powerLoss;
     const auto folder = path.parent_path();
     const auto temporary = folder / (temporaryPrefix(path) + UUID::random().text());
@@ -81,16 +84,17 @@ bool writeFileAtomically(const std::filesystem::path& path, std::string_view byt
     // O_EXCL refuses whatever stands there already, a planted symbolic link included.
     const FileDescriptor fd(
         open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
-    if (!fd) return false;
+    if (!fd) return refused();
     // Tells whoever clears up that this is no leftover; the kernel lets go of it with the process.
     flock(fd.get(), LOCK_EX | LOCK_NB);
     struct stat old {};
     const bool replaces = lstat(path.c_str(), &old) == 0 && S_ISREG(old.st_mode);
     if ((!replaces || fchmod(fd.get(), old.st_mode & 07777) == 0) && writeAll(fd.get(), bytes) &&
         (!syncs || fsync(fd.get()) == 0) && rename(temporary.c_str(), path.c_str()) == 0)
-        return !syncs || syncFolder(folder);
+        return !syncs || syncFolder(folder) ? Result<void>() : refused();
+    const Fault why = refused();
     unlink(temporary.c_str());
-    return false;
+    return why;
 }
 
 void removeLeftovers(const std::filesystem::path& path) {

@@ -12,6 +12,7 @@ namespace {
 
 struct OnTheBus : Hosted {
     int galleries = 0, focused = 0, ends = 0;
+    std::string scale;
 
     /// The result of a call, or why there is none.
     std::string call(const std::string& name, bus::Values arguments = {}) {
@@ -19,7 +20,12 @@ struct OnTheBus : Hosted {
             {.host = [this]() -> WidgetHost& { return *host; },
              .showGallery = [this] { ++galleries; },
              .focusNext = [this] { ++focused; },
-             .quit = [this] { ++ends; }});
+             .quit = [this] { ++ends; },
+             .setOption = [this](const std::string& option, const std::string& value) -> Result<void> {
+                 if (option != "scale") return Fault{.reason = "no option '" + option + "'"};
+                 scale = value;
+                 return {};
+             }});
         std::string out;
         const auto row = std::ranges::find(interface.methods, name, &bus::Method::name);
         row->handler(
@@ -41,7 +47,7 @@ struct OnTheBus : Hosted {
 TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
     start();
     EXPECT_EQ(call("list"), "[]");
-    const std::string id = call("add", {"Battery", "systemSmall"});
+    const std::string id = call("add", {"battery", "small", ""});
     EXPECT_EQ(
         call("list"),
         R"([{"id":")" + id + R"(","kind":"Battery","family":"systemSmall","column":0,"row":0}])");
@@ -57,6 +63,10 @@ TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
     EXPECT_EQ(call("reload", {""}), "");
     EXPECT_EQ(call("remove", {id}), "");
     EXPECT_EQ(call("list"), "[]");
+    EXPECT_EQ(call("undo"), id);
+    EXPECT_EQ(call("remove", {id}), "");
+    EXPECT_EQ(call("set", {"scale", "2"}), "");
+    EXPECT_EQ(scale, "2");
     EXPECT_EQ(call("gallery"), "");
     EXPECT_EQ(call("quit"), "");
     EXPECT_EQ(galleries, 1);
@@ -67,7 +77,8 @@ TEST_F(OnTheBus, EveryMethodDoesWhatItSays) {
 
 TEST_F(OnTheBus, ArgumentsAndResultsHaveNames) {
     const auto described =
-        desktopInterface({.host = {}, .showGallery = {}, .focusNext = {}, .quit = {}}).introspection();
+        desktopInterface({.host = {}, .showGallery = {}, .focusNext = {}, .quit = {}, .setOption = {}})
+            .introspection();
     EXPECT_NE(
         described.find(R"(<method name="move"><arg name="id" type="s" direction="in"/>)"
                        R"(<arg name="monitor" type="s" direction="in"/>)"
@@ -81,8 +92,11 @@ TEST_F(OnTheBus, ArgumentsAndResultsHaveNames) {
 
 TEST_F(OnTheBus, WhatMakesNoSenseIsAnsweredWithWhy) {
     start();
-    EXPECT_EQ(call("add", {"Battery", "small"}), "'small' is not systemSmall, systemMedium or systemLarge");
-    EXPECT_EQ(call("add", {"Nothing", "systemSmall"}), "no widget 'Nothing'");
+    EXPECT_EQ(call("add", {"Battery", "huge", ""}), "'huge' is not small, medium or large");
+    EXPECT_EQ(call("add", {"Nothing", "systemSmall", ""}), "no widget 'Nothing'");
+    EXPECT_EQ(call("add", {"Battery", "systemSmall", "HDMI-9"}), "no monitor 'HDMI-9'");
+    EXPECT_EQ(call("undo"), "nothing was removed in the last ten seconds");
+    EXPECT_EQ(call("set", {"frob", "2"}), "no option 'frob'");
     EXPECT_EQ(call("resize", {"x", "systemSmall"}), "no placed widget 'x'");
     EXPECT_EQ(call("move", {"x", "", 0, 0}), "no placed widget 'x'");
     EXPECT_EQ(call("remove", {"x"}), "no placed widget 'x'");

@@ -66,6 +66,39 @@ TEST_F(Layouts, AFileThatMakesNoSenseIsReportedAndKeptAside) {
     EXPECT_FALSE(std::filesystem::exists(folder.path() / "desktop.json"));
 }
 
+TEST_F(Layouts, HaveSettingsBesideTheWidgets) {
+    auto store = this->store();
+    const DesktopLayout layout{{battery}, DesktopSettings{.locked = true, .scale = 1.5, .margin = 40}};
+    EXPECT_TRUE(store.save(layout));
+    EXPECT_NE(
+        readFile(store.file())->find("\n],\n\"settings\": {\"locked\":true,\"scale\":1.5,\"margin\":40}}\n"),
+        std::string::npos);
+    EXPECT_EQ(*store.load(), layout);
+    for (const auto& [settings, reason] :
+         {std::pair{R"({"scale":0})", "settings.scale: must lie between 0.25 and 8; it is kept as"},
+          {R"({"refresh":-1})", "settings.refresh: must lie between 0 and 3600; it is kept as"},
+          {R"({"margin":1001})", "settings.margin: must lie between 0 and 1000; it is kept as"}})
+        EXPECT_TRUE(loaded(std::string(R"({"widgets":[],"settings":)") + settings + "}").starts_with(reason));
+}
+
+TEST_F(Layouts, KeepTheLastGoodOne) {
+    EXPECT_EQ(store().lastGood(), std::nullopt);
+    EXPECT_TRUE(store().load());
+    EXPECT_EQ(store().lastGood(), std::nullopt);
+    EXPECT_TRUE(store().save({{battery}}));
+    EXPECT_EQ(store().lastGood(), DesktopLayout{{battery}});
+    // A person's, too, once it was read.
+    folder.write("desktop.json", R"({"widgets":[]})");
+    auto store = this->store();
+    EXPECT_TRUE(store.load());
+    EXPECT_TRUE(store.wasThere());
+    folder.write("desktop.json", "{");
+    EXPECT_FALSE(store.load());
+    EXPECT_EQ(store.lastGood(), DesktopLayout{});
+    EXPECT_TRUE(store.load());
+    EXPECT_FALSE(store.wasThere());
+}
+
 TEST_F(Layouts, OfMoreThanAMegabyteCannotBeRead) {
     auto store = this->store();
     EXPECT_TRUE(store.save({{battery}}));
@@ -140,7 +173,7 @@ TEST_F(Layouts, AFileThatCannotBeWrittenIsReported) {
     const auto blocker = folder.write("file", "");
     DesktopLayoutStore store(blocker / "below");
     const auto saved = store.save({{battery}});
-    EXPECT_EQ(saved.fault(), (Fault{.path = store.file(), .reason = "cannot be written"}));
+    EXPECT_EQ(saved.fault(), (Fault{.path = store.file(), .reason = "cannot be written: Not a directory"}));
 }
 
 }  // namespace

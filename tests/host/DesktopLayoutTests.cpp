@@ -78,16 +78,16 @@ TEST(DesktopLayout, OnASmallerMonitorWhatIsTooFarOutFindsRoom) {
         "a 0:4,0 | b 0:0,0 | c 0:2,0");
 }
 
-TEST(DesktopLayout, WithoutRoomAWidgetStaysOnTheDesk) {
+TEST(DesktopLayout, WhatHasNoRoomIsNotLaidOnOthers) {
     EXPECT_EQ(
         arranged(
             {widget("a", systemLarge, {0, 0}),
              widget("b", systemSmall, {9, 9}),
              widget("c", systemLarge, {5, 5})},
             {{"A", 2, 2}}),
-        "a 0:0,0 | b 0:1,1 | c 0:0,0");
+        "a 0:0,0");
     // A desk narrower than the widget.
-    EXPECT_EQ(arranged({widget("a", systemMedium, {0, 0})}, {{"A", 1, 1}}), "a 0:0,0");
+    EXPECT_EQ(arranged({widget("a", systemMedium, {0, 0})}, {{"A", 1, 1}}), "");
 }
 
 TEST(DesktopLayout, TwoWidgetsOnOnePlaceAreSetApart) {
@@ -103,11 +103,25 @@ TEST(DesktopLayout, IsEmptyWithoutMonitors) {
 TEST(DesktopLayout, AddsWhereThereIsRoomOnTheFirstMonitor) {
     const DesktopLayout layout{{widget("a", systemSmall, {0, 0}), widget("b", systemSmall, {1, 0}, "B")}};
     EXPECT_EQ(belonging(layout.added("c", "K", systemSmall, {}, two)), "a 0,0 | b B:1,0 | c 1,0");
-    EXPECT_EQ(belonging(layout.added("c", "K", systemMedium, Cell{2, 1}, two)), "a 0,0 | b B:1,0 | c 2,1");
+    EXPECT_EQ(
+        belonging(layout.added("c", "K", systemMedium, {.cell = Cell{2, 1}}, two)),
+        "a 0,0 | b B:1,0 | c 2,1");
     // Taken, and over the edge.
-    EXPECT_EQ(belonging(layout.added("c", "K", systemSmall, Cell{0, 0}, two)), "a 0,0 | b B:1,0 | c 1,0");
-    EXPECT_EQ(belonging(layout.added("c", "K", systemMedium, Cell{3, 0}, two)), "a 0,0 | b B:1,0 | c 1,0");
+    EXPECT_EQ(
+        belonging(layout.added("c", "K", systemSmall, {.cell = Cell{0, 0}}, two)), "a 0,0 | b B:1,0 | c 1,0");
+    EXPECT_EQ(
+        belonging(layout.added("c", "K", systemMedium, {.cell = Cell{3, 0}}, two)),
+        "a 0,0 | b B:1,0 | c 1,0");
     EXPECT_EQ(belonging(layout.added("c", "\xFF", systemSmall, {}, two)), "a kind that is not UTF-8");
+    EXPECT_EQ(
+        belonging(layout.added("c", "K", systemSmall, {.monitor = "B"}, two)), "a 0,0 | b B:1,0 | c B:0,0");
+    EXPECT_EQ(belonging(layout.added("c", "K", systemSmall, {.monitor = "gone"}, two)), "no monitor 'gone'");
+    // A full monitor's successor, if none is named.
+    const Monitors full{{"A", 1, 1}, {"B", 3, 1}};
+    EXPECT_EQ(belonging(layout.added("c", "K", systemSmall, {}, full)), "a 0,0 | b B:1,0 | c B:0,0");
+    EXPECT_EQ(belonging(layout.added("c", "K", systemMedium, {}, full)), "there is no room for it");
+    EXPECT_EQ(
+        belonging(layout.added("c", "K", systemSmall, {.monitor = "A"}, full)), "there is no room for it");
     // Without monitors one column is counted on.
     EXPECT_EQ(belonging(layout.added("c", "K", systemSmall, {}, {})), "a 0,0 | b B:1,0 | c 0,1");
 }
@@ -131,6 +145,45 @@ TEST(DesktopLayout, ASlotOnTheFirstMonitorIsNamedOnlyForAWidgetThatWasSentThereB
     EXPECT_EQ(belonging(layout.moved("a", {.monitor = 1, .cell = {2, 0}}, two)), "a B:2,0 | b A:1,0");
     EXPECT_EQ(belonging(layout.moved("a", {.monitor = 2, .cell = {}}, two)), "there is no such monitor");
     EXPECT_EQ(belonging(layout.moved("x", Slot{}, two)), "no placed widget 'x'");
+}
+
+TEST(DesktopLayout, WhatStandsInTheWayChangesPlaces) {
+    const DesktopLayout layout{
+        {widget("a", systemSmall, {0, 0}),
+         widget("b", systemSmall, {1, 0}),
+         widget("c", systemMedium, {0, 1}),
+         widget("d", systemSmall, {3, 2}, "B")}};
+    const auto moved = [&](const std::string& id, Slot slot) {
+        return belonging(layout.moved(id, slot, two));
+    };
+    EXPECT_EQ(moved("a", {0, {1, 0}}), "a 1,0 | b 0,0 | c 0,1 | d B:3,2");
+    EXPECT_EQ(moved("a", {1, {3, 2}}), "a B:3,2 | b 1,0 | c 0,1 | d 0,0");
+    // One that would cover two, or whose own place is too small for the other, or over the edge.
+    EXPECT_EQ(moved("c", {0, {0, 0}}), "another widget stands there");
+    EXPECT_EQ(moved("a", {0, {0, 1}}), "another widget stands there");
+    EXPECT_EQ(moved("c", {1, {3, 2}}), "a 0,0 | b 1,0 | c B:3,2 | d 0,1");
+    EXPECT_EQ(belonging(layout.moved("a", std::nullopt, {1, 0}, two)), "another widget stands there");
+}
+
+TEST(DesktopLayout, AnotherMonitorsNearestGapIsTaken) {
+    const DesktopLayout layout{
+        {widget("a", systemSmall, {3, 1}),
+         widget("b", systemSmall, {0, 1}, "B"),
+         widget("c", systemLarge, {0, 0})}};
+    const auto sent = [&](const std::string& id, std::size_t monitor, Cell near) {
+        return belonging(layout.sent(id, monitor, near, two));
+    };
+    EXPECT_EQ(sent("a", 1, {5, 2}), "a B:5,2 | b B:0,1 | c 0,0");
+    EXPECT_EQ(sent("a", 1, {0, 1}), "a B:0,0 | b B:0,1 | c 0,0");
+    EXPECT_EQ(sent("b", 0, {9, 9}), "a 3,1 | b 3,2 | c 0,0");
+    EXPECT_EQ(sent("a", 2, {}), "there is no such monitor");
+    EXPECT_EQ(belonging(layout.sent("c", 1, {}, {{"A", 4, 3}, {"B", 1, 3}})), "there is no room for it");
+}
+
+TEST(DesktopLayout, WhatWasRemovedComesBackWhereItWas) {
+    const DesktopLayout layout{{widget("a", systemSmall, {0, 0}), widget("c", systemSmall, {2, 0})}};
+    EXPECT_EQ(belonging(layout.restored(widget("b", systemSmall, {1, 0}), 1, two)), "a 0,0 | b 1,0 | c 2,0");
+    EXPECT_EQ(belonging(layout.restored(widget("b", systemSmall, {2, 0}), 9, two)), "a 0,0 | c 2,0 | b 1,0");
 }
 
 TEST(DesktopLayout, AWidgetThatGrowsMovesWhereItCannotStay) {

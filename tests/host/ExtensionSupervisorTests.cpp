@@ -35,7 +35,7 @@ struct Supervisor : testing::Test {
 
     void make() {
         supervisor = std::make_unique<ExtensionSupervisor>(
-            options, [this](const std::string& line) { log.push_back(line); });
+            options, [this](LogLevel, const std::string& line) { log.push_back(line); });
     }
     /// A program in the extension's place.
     void standIn(const std::string& script) {

@@ -28,7 +28,8 @@ struct Hosted : testing::Test, HostObserver {
     texts::Environment environment{"pt_BR", "America/Sao_Paulo"};
     std::deque<Asked> asked;
     std::optional<Date> wakeAt;
-    std::vector<std::string> log, seen;
+    std::vector<std::string> log, seen, pictureTroubles, layoutTroubles, removals;
+    std::vector<DesktopSettings> settings;
     std::map<std::string, ArrangedWidget> standing;
     decltype(HostSeams::onDisk) onDisk = [](const auto& work, const auto& then) { then(work()); };
     std::vector<widgetkit::WidgetDescription> offers_ = offered();
@@ -39,7 +40,7 @@ struct Hosted : testing::Test, HostObserver {
     void SetUp() override { make(); }
     void make() {
         standing.clear();
-        const auto note = [this](const std::string& line) { log.push_back(line); };
+        const auto note = [this](LogLevel, const std::string& line) { log.push_back(line); };
         host = std::make_unique<WidgetHost>(
             HostSeams{
                 .now = [this] { return now; },
@@ -79,6 +80,17 @@ struct Hosted : testing::Test, HostObserver {
         see("offers " + std::to_string(widgets.size()));
     }
     void seenChanged(bool isSeen) override { isSeen_ = isSeen; }
+    void troubled(const PlacedWidget& widget, const std::optional<PictureTrouble>& trouble) override {
+        const char* names[] = {"is not offered", "has no answer", "is old"};
+        pictureTroubles.push_back(
+            widget.kind + " " + (trouble ? names[static_cast<int>(trouble->kind)] : "is well"));
+    }
+    void troubled(const LayoutTrouble& trouble) override {
+        const char* names[] = {"broken", "not saved: ", "no room"};
+        layoutTroubles.push_back(names[static_cast<int>(trouble.kind)] + trouble.reason);
+    }
+    void removed(const PlacedWidget& widget) override { removals.push_back(widget.id); }
+    void settingsChanged(const DesktopSettings& changed) override { settings.push_back(changed); }
     void see(const std::string& what) { seen.push_back(what); }
     std::vector<std::string> takeSeen() { return std::exchange(seen, {}); }
 
@@ -127,7 +139,7 @@ struct Hosted : testing::Test, HostObserver {
         seen.clear();
     }
     std::string add(const std::string& kind, widgetkit::WidgetFamily family, std::optional<Cell> cell = {}) {
-        return host->add(kind, family, cell).value();
+        return host->add(kind, family, {.cell = cell}).value();
     }
 };
 

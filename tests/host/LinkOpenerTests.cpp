@@ -21,7 +21,7 @@ TEST(LinkOpener, RunsACommandWithTheLinkAsItIs) {
 TEST(LinkOpener, OpensTheAppsLinksOnly) {
     for (const char* link : {"file:///etc/passwd", "https://example.org", "zelto:x", ""})
         EXPECT_EQ(
-            LinkOpener("false").open(link).fault().text(),
+            LinkOpener("false").open(link).fault().text,
             std::string("a link that is not the app's is not opened: ") + link);
 }
 

@@ -1,6 +1,7 @@
 #include <algorithm>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include "host/WidgetHost.hpp"
 #include "tests/host/Hosted.hpp"
@@ -250,16 +251,146 @@ TEST_F(Hosted, ABrokenEditAndARefusedWishLoseNothing) {
     EXPECT_EQ(DesktopLayoutStore(folder.path() / "config").load()->widgets.size(), 1U);
 }
 
-TEST_F(Hosted, ABrokenFileAtTheStartCostsNoStoredTimelines) {
+TEST_F(Hosted, ABrokenFileAtTheStartLeavesTheLastGoodOne) {
     start();
     add("Battery", WidgetFamily::systemSmall);
     answer("80 %");
     const auto placed = host->widgets();
+    EXPECT_FALSE(host->widgets().empty());
+    for (const char* broken : {"{", ""}) {
+        folder.write("config/desktop.json", broken);
+        make();
+        host->start();
+        EXPECT_EQ(host->widgets(), placed);
+        EXPECT_FALSE(host->isFirstStart());
+        EXPECT_EQ(std::exchange(layoutTroubles, {}), Seen{"broken"});
+        EXPECT_TRUE(EntryStore(folder.path() / "cache").load(placed[0].look()));
+        EXPECT_EQ(DesktopLayoutStore(folder.path() / "config").load()->widgets, placed);
+    }
+    // Where nothing is known of one, it is as if it had never run.
     folder.write("config/desktop.json", "{");
+    std::filesystem::remove(folder.path() / "config/desktop.last.json");
     make();
     host->start();
     EXPECT_TRUE(host->widgets().empty());
-    EXPECT_TRUE(EntryStore(folder.path() / "cache").load(placed[0].look()));
+    EXPECT_TRUE(host->isFirstStart());
+    EXPECT_EQ(layoutTroubles, Seen{"broken"});
+}
+
+TEST_F(Hosted, ARemovalIsUndoneForTenSeconds) {
+    start();
+    const auto first = add("Battery", WidgetFamily::systemSmall);
+    const auto second = add("Clock", WidgetFamily::systemSmall);
+    const auto before = host->widgets();
+    EXPECT_TRUE(host->remove(first));
+    EXPECT_TRUE(host->remove(second));
+    EXPECT_EQ(removals, (Seen{first, second}));
+    EXPECT_EQ(host->undoRemoval().value(), second);
+    EXPECT_EQ(host->undoRemoval(second).fault().text(), "nothing was removed in the last ten seconds");
+    EXPECT_EQ(host->undoRemoval(first).value(), first);
+    EXPECT_EQ(host->widgets(), before);
+    EXPECT_TRUE(host->remove(first));
+    // In its place stands another one by now.
+    const auto third = add("Battery", WidgetFamily::systemSmall);
+    now = now + 10;
+    EXPECT_EQ(host->undoRemoval().value(), first);
+    EXPECT_EQ(host->widgets().front().cell(), (Cell{2, 0}));
+    EXPECT_TRUE(host->remove(third));
+    now = now + 10.1;
+    EXPECT_FALSE(host->undoRemoval());
+}
+
+TEST_F(Hosted, WhatIsWrongWithAPictureIsTold) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    fail("it died");
+    EXPECT_EQ(std::exchange(pictureTroubles, {}), Seen{"Battery has no answer"});
+    now = now + 2;
+    host->wake();
+    answer("80 %");
+    EXPECT_EQ(std::exchange(pictureTroubles, {}), Seen{"Battery is well"});
+    // It is to be replaced after five minutes, and old after ten.
+    now = now + 300;
+    host->wake();
+    fail("it died");
+    EXPECT_TRUE(pictureTroubles.empty());
+    now = now + 299;
+    host->wake();
+    fail("it died");
+    EXPECT_TRUE(pictureTroubles.empty());
+    now = now + 5;
+    host->wake();
+    EXPECT_EQ(std::exchange(pictureTroubles, {}), Seen{"Battery is old"});
+    // It is told again as it grows older.
+    now = now + 300;
+    host->wake();
+    EXPECT_EQ(std::exchange(pictureTroubles, {}), Seen{"Battery is old"});
+    answer("81 %");
+    EXPECT_EQ(std::exchange(pictureTroubles, {}), Seen{"Battery is well"});
+}
+
+TEST_F(Hosted, WhatIsNotOfferedHasNoPicture) {
+    folder.write(
+        "config/desktop.json",
+        R"({"widgets":[{"id":"a","kind":"Frob","family":"systemSmall","column":0,"row":0}]})");
+    make();
+    host->start();
+    answer("");
+    fail("no widget 'Frob'");
+    EXPECT_EQ(pictureTroubles.back(), "Frob is not offered");
+}
+
+TEST_F(Hosted, WhatHasNoRoomIsToldOnce) {
+    start();
+    add("Battery", WidgetFamily::systemSmall);
+    add("Clock", WidgetFamily::systemLarge);
+    EXPECT_TRUE(layoutTroubles.empty());
+    host->setMonitors({{"DP-1", 1, 1}});
+    host->setMonitors({{"DP-1", 1, 2}});
+    EXPECT_EQ(layoutTroubles, Seen{"no room"});
+    EXPECT_EQ(standing.size(), 1U);
+    EXPECT_EQ(refusal(host->add("Clock", WidgetFamily::systemMedium)), "there is no room for it");
+    EXPECT_EQ(host->widgets().size(), 2U);
+}
+
+TEST_F(Hosted, SettingsAreKeptAndTold) {
+    start();
+    const DesktopSettings wanted{.locked = true, .scale = 2};
+    host->set(wanted);
+    EXPECT_EQ(settings, std::vector{wanted});
+    EXPECT_EQ(host->settings(), wanted);
+    EXPECT_EQ(DesktopLayoutStore(folder.path() / "config").load()->settings, wanted);
+    // By a person's hand.
+    folder.write("config/desktop.json", R"({"widgets":[],"settings":{"margin":20}})");
+    host->takeOverEdits();
+    EXPECT_EQ(settings.back(), DesktopSettings{.margin = 20});
+}
+
+TEST_F(Hosted, ASettingThatCannotBeIsUndone) {
+    add("Battery", WidgetFamily::systemSmall);
+    rlimit files{};
+    ASSERT_EQ(getrlimit(RLIMIT_NOFILE, &files), 0);
+    const rlimit none{0, files.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &none), 0);
+    host->start();
+    host->set({.locked = true});
+    ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &files), 0);
+    EXPECT_EQ(settings.back(), DesktopSettings{});
+    EXPECT_EQ(host->settings(), DesktopSettings{});
+    EXPECT_TRUE(log.back().ends_with("it could not be read, and is not written over")) << log.back();
+}
+
+TEST_F(Hosted, ADiskThatRefusesIsNamedOnce) {
+    start();
+    folder.write("config", "no folder");
+    const auto id = add("Battery", WidgetFamily::systemSmall);
+    EXPECT_TRUE(host->move(id, std::nullopt, {2, 2}));
+    EXPECT_TRUE(host->move(id, std::nullopt, {3, 3}));
+    EXPECT_EQ(layoutTroubles, Seen{"not saved: cannot be written: Not a directory"});
+    EXPECT_EQ(
+        std::ranges::count_if(
+            log, [](const auto& line) { return line.find("desktop.json") != std::string::npos; }),
+        1);
 }
 
 TEST_F(Hosted, AKindThatIsNotUTF8IsRefused) {
@@ -336,7 +467,7 @@ TEST_F(Hosted, AChangeIsAnsweredWithWhatTheDiskSaid) {
     folder.write("config", "no folder");
     EXPECT_TRUE(host->remove(id, note));
     disk();
-    EXPECT_EQ(said, (Seen{"saved", "cannot be written"}));
+    EXPECT_EQ(said, (Seen{"saved", "cannot be written: Not a directory"}));
     // What could not be written is still so on the screen, and is written with what comes next.
     std::filesystem::remove(folder.path() / "config");
     const auto clock = host->add("Clock", WidgetFamily::systemSmall, {}, note).value();

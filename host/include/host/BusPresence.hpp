@@ -8,6 +8,7 @@
 
 #include "host/Backoff.hpp"
 #include "host/DesktopInterface.hpp"
+#include "host/Log.hpp"
 #include "host/MainLoop.hpp"
 
 namespace zelto::host {
@@ -16,7 +17,7 @@ namespace zelto::host {
 /// thread of the main loop.
 class BusPresence {
   public:
-    BusPresence(bus::Address address, DesktopActions actions, std::function<void(const std::string&)> log);
+    BusPresence(bus::Address address, DesktopActions actions, Log log);
 
     /// Offers the service; the reason when that fails. Nothing is tried again then.
     bus::Result<void> join();
@@ -36,7 +37,7 @@ class BusPresence {
     /// Read on the bus's thread.
     std::shared_ptr<std::atomic<bool>> isSeen_ = std::make_shared<std::atomic<bool>>(true);
     DesktopActions actions_;
-    std::function<void(const std::string&)> log_;
+    Log log_;
     std::optional<bus::Listener> listener_;
     Backoff backoff_{firstPause, longestPause};
     MainSource retry_;

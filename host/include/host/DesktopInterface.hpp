@@ -23,13 +23,15 @@ struct DesktopActions {
     /// Gives the keys to the next widget.
     std::function<void()> focusNext;
     std::function<void()> quit;
+    /// Changes an option of the running host, by the name and the text that the command line takes.
+    std::function<Result<void>(const std::string& name, const std::string& value)> setOption;
     /// On any thread.
     std::function<bool()> isSeen = {};
 };
 
-/// reload(kind), list, add(kind, family), remove(id), move(id, monitor, column, row), resize(id, family),
-/// gallery, focus and quit, and the property `seen`: whether anybody sees a widget. What cannot be done comes
-/// back as an error.
+/// reload(kind), list, add(kind, family, monitor), remove(id), undo, move(id, monitor, column, row),
+/// resize(id, family), set(option, value), gallery, focus and quit, and the property `seen`: whether anybody
+/// sees a widget. What cannot be done comes back as an error.
 bus::Interface desktopInterface(const DesktopActions& actions);
 
 /// Offers the host on a bus, to this user only; `dispatch` carries calls over to the host's thread.

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/ExtensionProcess.hpp"
+#include "host/Log.hpp"
 #include "texts/Environment.hpp"
 
 namespace zelto::host {
@@ -33,7 +34,7 @@ struct ExtensionClient {
 struct AskerSeams {
     const ExtensionClient& client;
     std::function<Date()> now;
-    std::function<void(const std::string& line)> log;
+    Log log;
     /// An answer came, or failed to: something may be new, or due.
     std::function<void()> changed;
 };

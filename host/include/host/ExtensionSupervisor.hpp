@@ -14,6 +14,7 @@
 
 #include "host/Backoff.hpp"
 #include "host/ExtensionProcess.hpp"
+#include "host/Log.hpp"
 #include "host/MainLoop.hpp"
 
 namespace zelto::host {
@@ -37,7 +38,7 @@ class ExtensionSupervisor {
     /// Gets what became of each request, once; in several calls when some take much longer than others.
     using Completion = std::function<void(Outcomes)>;
 
-    ExtensionSupervisor(ExtensionOptions options, std::function<void(const std::string& line)> log);
+    ExtensionSupervisor(ExtensionOptions options, Log log);
     ~ExtensionSupervisor();
     ExtensionSupervisor(const ExtensionSupervisor&) = delete;
     ExtensionSupervisor& operator=(const ExtensionSupervisor&) = delete;
@@ -76,7 +77,7 @@ class ExtensionSupervisor {
     void conclude(Aparts::iterator apart);
 
     const ExtensionOptions options_;
-    const std::function<void(const std::string& line)> log_;
+    const Log log_;
     std::deque<Work> waiting_;
     bool isBusy_ = false, isStale_ = false;
     std::set<Subject> deadly_;  // to be asked apart

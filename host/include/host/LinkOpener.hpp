@@ -3,9 +3,18 @@
 #include <string>
 #include <utility>
 
+#include "bus/Address.hpp"
 #include "foundation/Result.hpp"
 
 namespace zelto::host {
+
+/// Why a link was not opened.
+struct LinkFault {
+    /// It is not the app's; nothing is registered for it; what is, could not be started.
+    enum class Kind { refused, noProgram, failed };
+    Kind kind;
+    std::string text;
+};
 
 /// Opens the app's links. Links of other schemes are refused: nothing but the extension's word says that they
 /// are harmless.
@@ -14,12 +23,14 @@ class LinkOpener {
     /// `command` is run with the link as its last argument; empty for the desktop's handler of the scheme.
     explicit LinkOpener(std::string command) : command_(std::move(command)) {}
 
-    /// The fault says why nothing opens it.
-    Result<void> open(const std::string& url) const;
+    Result<void, LinkFault> open(const std::string& url) const;
+    /// Hands a link to the app that is on the bus, or that the bus can start: its method `open`. Waits for
+    /// the answer, at most five seconds.
+    static Result<void, LinkFault> handToApp(const bus::Address& bus, const std::string& url);
 
   private:
-    Result<void> openWithCommand(const std::string& url) const;
-    static Result<void> openWithHandler(const std::string& url);
+    Result<void, LinkFault> openWithCommand(const std::string& url) const;
+    static Result<void, LinkFault> openWithHandler(const std::string& url);
 
     std::string command_;
 };

@@ -27,6 +27,8 @@ class Offers {
     /// How the extension is confined, as it told with the widgets.
     const widgetkit::Confinement& confinement() const { return confinement_; }
     const widgetkit::WidgetDescription* find(const std::string& kind) const;
+    /// The kind that a person means (KindNames.hpp); what they say when there is none.
+    std::string kindCalled(const std::string& name) const;
     /// Refuses a kind that is not offered, or not in that family, once it is known what is.
     Result<void> check(const std::string& kind, widgetkit::WidgetFamily family) const;
 

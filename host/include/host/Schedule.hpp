@@ -54,6 +54,11 @@ class Schedule {
     const widgetkit::ArchivedTimeline* timeline(const std::string& id) const;
     /// The entry on show; null before the first timeline.
     const widgetkit::ArchivedEntry* shown(const std::string& id) const;
+    /// Whether its last request failed.
+    bool isFailing(const std::string& id) const;
+    /// When what it shows was made, if that is longer ago than twice the time after which it was to be
+    /// replaced, and asking for it fails.
+    std::optional<Date> oldSince(const std::string& id, Date now) const;
     /// When `at` has something to do next; absent while nothing is to come by itself.
     std::optional<Date> nextInstant() const;
 
@@ -71,7 +76,9 @@ class Schedule {
     struct Widget {
         std::optional<widgetkit::ArchivedTimeline> timeline = {};
         std::optional<widgetkit::ArchivedEntry> shown = {};
-        bool isAsked = false, isSeen = true, isLive = false;
+        bool isAsked = false, isSeen = true, isLive = false, isFailing = false;
+        /// The timeline's; absent before the first one.
+        std::optional<Date> madeAt = {};
         /// Of the last answer; absent before the first one, and after a failure.
         std::optional<Date> receivedAt = {};
         /// When to ask for the next timeline; absent for at once.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <set>
 
 #include "layout/Geometry.hpp"
@@ -39,6 +40,8 @@ class TileGrid {
     void take(Cell cell, widgetkit::WidgetFamily family);
     /// The first gap that the widget fits, row by row. On a grid narrower than the widget, the first column.
     Cell firstFree(widgetkit::WidgetFamily family) const;
+    /// The gap nearest to a tile, of so many rows; absent where there is none.
+    std::optional<Cell> nearestFree(Cell cell, widgetkit::WidgetFamily family, std::int64_t rows) const;
 
     std::int64_t usedColumns() const;
     std::int64_t usedRows() const;

@@ -57,6 +57,11 @@ class Timelines {
     /// New timelines are wanted of all widgets of some kinds.
     void reloadKinds(const std::set<std::string>& kinds);
 
+    /// As the schedule says (Schedule.hpp).
+    bool isFailing(const std::string& id) const { return schedule_.isFailing(id); }
+    std::optional<Date> oldSince(const std::string& id, Date now) const {
+        return schedule_.oldSince(id, now);
+    }
     /// Null before the first timeline.
     const widgetkit::ArchivedEntry* shown(const std::string& id) const { return schedule_.shown(id); }
 
@@ -72,6 +77,7 @@ class Timelines {
     std::vector<PlacedWidget> widgets_;
     std::map<Look, std::string> unsaved_;          // replies that are not drawn yet
     std::set<Look> stored_;                        // whose latest timeline is on the disk
+    std::string refusal_;                          // why the disk took nothing the last time
     std::map<std::string, std::string> failures_;  // of widgets whose last request failed, by id
 };
 

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "foundation/Result.hpp"
+
 namespace zelto {
 
 /// The bytes of a regular file; absent when it is anything else, is larger than `mostBytes`, or cannot be
@@ -27,9 +29,9 @@ struct WriteOptions {
 };
 
 /// Replaces `path` so that readers see the old bytes or the new ones: a new temporary file in the same folder
-/// is filled and renamed. A file that is replaced hands its mode on. False when that fails; the old file then
-/// stays and no temporary file is left.
-bool writeFileAtomically(
+/// is filled and renamed. A file that is replaced hands its mode on. The fault has the system's reason; the
+/// old file then stays and no temporary file is left.
+Result<void> writeFileAtomically(
     const std::filesystem::path& path, std::string_view bytes, WriteOptions options = {});
 
 /// Deletes the temporary files that a death in the middle of such a write has left beside `path`; not those
