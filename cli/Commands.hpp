@@ -60,8 +60,9 @@ void snapshotSample();
 /// A file, "-" or empty for the user's own.
 void snapshotCheck(const std::string& file);
 
-/// Becomes the program that puts the widgets on the desktop.
-void desktop(const std::vector<std::string>& arguments);
+/// Becomes the program that puts the widgets on the desktop, or talks to the widgets that are there; then the
+/// status.
+int desktop(const std::vector<std::string>& arguments);
 
 struct ReloadOptions {
     std::string kind;  // all when empty

@@ -1,17 +1,27 @@
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <iostream>
 
 #include <unistd.h>
 
 #include "Commands.hpp"
 #include "Failure.hpp"
+#include "RunningDesktop.hpp"
 #include "foundation/Files.hpp"
-#include "host/DesktopInterface.hpp"
 
 namespace zelto::cli {
 
-void desktop(const std::vector<std::string>& arguments) {
+int desktop(const std::vector<std::string>& arguments) {
+    if (!arguments.empty() && isDesktopVerb(arguments.front())) return runDesktopVerb(arguments);
+    // A word that is none of them is no option either.
+    if (!arguments.empty() && !arguments.front().starts_with('-'))
+        throw Failure(
+            "'" + arguments.front() + "' is none of the words that follow zelto desktop (try --help)", 2);
+    if (std::ranges::find(arguments, "--help") != arguments.end() ||
+        std::ranges::find(arguments, "-h") != arguments.end())
+        std::cout << desktopVerbTexts() << std::endl;
     const auto program = programBeside("zelto-desktop");
     std::vector<std::string> words{program.string()};
     words.insert(words.end(), arguments.begin(), arguments.end());
@@ -20,17 +30,6 @@ void desktop(const std::vector<std::string>& arguments) {
     argv.push_back(nullptr);
     execv(program.c_str(), argv.data());
     throw Failure(program.string() + ": " + std::strerror(errno));
-}
-
-void reload(const ReloadOptions& options) {
-    bus::Connection running(
-        options.bus.empty() ? bus::Address::session() : bus::Address::at(options.bus),
-        std::string(host::desktopService));
-    const auto reloaded = running.call<void>("reload", std::chrono::seconds(10), options.kind);
-    if (reloaded) return;
-    if (reloaded.fault().kind == bus::ErrorKind::peerAbsent)
-        throw Failure("zelto-desktop is not running (start it with: zelto desktop)");
-    throw Failure(reloaded.fault().text);
 }
 
 }  // namespace zelto::cli

@@ -117,12 +117,14 @@ void addSnapshot(CLI::App& app, std::string& file) {
     check->callback([&] { snapshotCheck(file); });
 }
 
-void addDesktop(CLI::App& app) {
-    CLI::App* command =
-        app.add_subcommand("desktop", "Put the widgets on the desktop (its options: zelto desktop --help)");
+void addDesktop(CLI::App& app, int& status) {
+    CLI::App* command = app.add_subcommand(
+        "desktop",
+        "Put the widgets on the desktop, or list, add, remove, move and resize them there (zelto desktop "
+        "--help)");
     command->prefix_command();
     command->set_help_flag();
-    command->callback([command] { desktop(command->remaining()); });
+    command->callback([command, &status] { status = desktop(command->remaining()); });
 }
 
 void addReload(CLI::App& app, ReloadOptions& options) {
@@ -174,14 +176,21 @@ int run(int argc, char** argv) {
     addTimeline(app, timelineOptions);
     addRender(app, renderOptions);
     addSnapshot(app, snapshotFile);
-    addDesktop(app);
+    int status = 0;
+    addDesktop(app, status);
     addReload(app, reloadOptions);
     addHelper(app, helperOptions);
     try {
         app.parse(argc, argv);
-        return 0;
+        return status;
     } catch (const CLI::Success& answered) {
         return app.exit(answered);
+    } catch (const CLI::RequiredError& error) {
+        // The parser says that a word is missing where one that it does not know was given.
+        const std::string last = argc > 1 ? argv[argc - 1] : "-";
+        const std::string what = last.starts_with('-') ? error.what() : "no command '" + last + "'";
+        std::fprintf(stderr, "zelto: %s (try --help)\n", what.c_str());
+        return 2;
     } catch (const CLI::ParseError& error) {
         std::fprintf(stderr, "zelto: %s (try --help)\n", error.what());
         return 2;

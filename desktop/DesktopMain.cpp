@@ -1,9 +1,11 @@
 // zelto-desktop: the widgets on a desktop.
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <gtkmm/main.h>
 #include <locale>
@@ -15,6 +17,7 @@
 
 #include "Desktop.hpp"
 #include "DisplayChoice.hpp"
+#include "foundation/ISO8601.hpp"
 #include "host/BusPresence.hpp"
 #include "host/HostLock.hpp"
 #include "host/LogLimiter.hpp"
@@ -24,11 +27,29 @@ namespace {
 
 using namespace zelto;
 
-void log(const std::string& line) {
+/// What is wrong with the command itself.
+void complain(const std::string& text) {
+    std::fprintf(stderr, "zelto-desktop: %s\n", text.c_str());
+}
+
+void writeLog(host::LogLevel level, const std::string& line) {
     static std::mutex mutex;
     static host::LogLimiter limiter;
     const std::lock_guard lock(mutex);
-    if (const auto passed = limiter.pass(line)) std::fprintf(stderr, "zelto-desktop: %s\n", passed->c_str());
+    const auto passed = limiter.pass(line);
+    if (!passed) return;
+    constexpr std::array names{"info", "warning", "error"};
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    std::array<char, 32> time{};
+    std::strftime(time.data(), time.size(), "%F %T", &local);
+    std::fprintf(
+        stderr, "%s %s: %s\n", time.data(), names.at(static_cast<std::size_t>(level)), passed->c_str());
+}
+
+void logError(const std::string& line) {
+    writeLog(host::LogLevel::error, line);
 }
 
 /// For one that has left the bus and is writing its last.
@@ -42,7 +63,6 @@ struct Options {
     std::vector<std::string> additions;
     std::string bus;
     bool gallery = false, focus = false;
-    double scale = 0;
 };
 
 void describe(CLI::App& app, Options& options) {
@@ -50,8 +70,8 @@ void describe(CLI::App& app, Options& options) {
         ->type_name("KIND:FAMILY");
     app.add_flag("--gallery", options.gallery, "Open the gallery");
     app.add_flag("--focus", options.focus, "Give the keyboard to the widgets, each time to the next one");
-    app.add_option("--scale", options.scale, "Scale factor, overriding the desktop's")
-        ->check(CLI::Range(0.25, 8.0))
+    app.add_option("--scale", options.desktop.zoom, "Scale factor, overriding the desktop's and the setting")
+        ->check(CLI::Range(host::smallestScale, host::largestScale))
         ->type_name("N");
     app.add_option(
            "--link-command",
@@ -61,20 +81,33 @@ void describe(CLI::App& app, Options& options) {
     app.add_option("--bus", options.bus, "The bus's address, instead of the session bus")
         ->type_name("ADDRESS");
     app.add_option("--extension", options.extension, "The extension program, instead of the installed one")
+        ->check(CLI::ExistingFile)
         ->type_name("FILE");
     app.add_option("--home", options.home, "Where the extension looks for the snapshot, instead of your home")
         ->type_name("DIR");
     app.add_option("--machine", options.machine, "Where it finds proc and sys, instead of /")
         ->type_name("DIR");
     app.add_option("--now", options.now, "The current instant for the extension, ISO 8601 with an offset")
+        ->check(CLI::Validator(
+            [](const std::string& text) {
+                return parseISO8601(text) ? std::string()
+                                          : "'" + text + "' is no date like 2026-03-11T14:05:00-03:00";
+            },
+            ""))
         ->type_name("D");
+    app.add_option("--locale", options.desktop.locale, "Of dates and numbers, such as pt_BR")
+        ->check(CLI::Validator(
+            [](const std::string& name) {
+                return texts::isKnownLocale(name) ? std::string() : "'" + name + "' is not known";
+            },
+            ""))
+        ->type_name("L");
     app.add_option(
            "--refresh",
            options.desktop.refresh,
            "Seconds between readings of the moment while somebody sees them, on mains power; 0 for every few "
-           "minutes")
-        ->capture_default_str()
-        ->check(CLI::Range(0.0, 3600.0))
+           "minutes (30, or as set)")
+        ->check(CLI::Range(0.0, host::longestRefresh))
         ->type_name("N");
     app.add_option(
            "--restart-pause",
@@ -91,7 +124,7 @@ std::optional<Additions> additionsOf(const Options& options) {
     for (const std::string& text : options.additions) {
         const auto addition = host::parseAddition(text);
         if (!addition) {
-            log("--add: '" + text + "' is not KIND:FAMILY, such as ZeltoBattery:small");
+            complain("--add: '" + text + "' is not KIND:FAMILY, such as ZeltoBattery:small");
             return std::nullopt;
         }
         out.push_back(*addition);
@@ -99,21 +132,36 @@ std::optional<Additions> additionsOf(const Options& options) {
     return out;
 }
 
-/// Hands the additions to the host that runs already.
-int handOver(const bus::Address& address, const Options& options, const Additions& additions) {
+/// Hands to the host that runs already what it can take; the status.
+int handOver(const CLI::App& app, const bus::Address& address, const Additions& additions) {
     bus::Connection running(address, std::string(host::desktopService));
     constexpr std::chrono::seconds deadline{10};
-    bool isDone = true;
-    const auto note = [&isDone](const auto& called) {
+    bool isDone = true, isAny = false;
+    const auto note = [&](const auto& called) {
+        isAny = true;
         if (called) return;
-        log(called.fault().text);
+        complain(called.fault().text);
         isDone = false;
     };
-    for (const auto& [kind, family] : additions)
-        note(running.call<std::string>("add", deadline, kind, std::string(records::nameOf(family))));
-    if (options.focus) note(running.call<void>("focus", deadline));
-    if (options.gallery || (additions.empty() && !options.focus))
-        note(running.call<void>("gallery", deadline));
+    for (const CLI::Option* option : app.get_options()) {
+        const std::string name = option->get_single_name();
+        // Which bus it is on has been heard.
+        if (option->count() == 0 || name == "bus") continue;
+        if (name == "add") {
+            for (const auto& [kind, family] : additions)
+                note(running.call<std::string>(
+                    "add", deadline, kind, std::string(records::nameOf(family)), std::string()));
+        } else if (name == "focus" || name == "gallery") {
+            note(running.call<void>(name, deadline));
+        } else if (name == "scale" || name == "refresh" || name == "link-command") {
+            note(running.call<void>("set", deadline, name, option->results().front()));
+        } else {
+            note(bus::Result<void>(bus::Error{
+                bus::ErrorKind::badPayload,
+                "--" + name + " cannot be changed while the widgets are running"}));
+        }
+    }
+    if (!isAny) note(running.call<void>("gallery", deadline));
     return isDone ? 0 : 1;
 }
 
@@ -123,7 +171,7 @@ bool startToolkit() {
     // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
     setenv("GDK_GL", "disable", 0);
     gtk_disable_setlocale();
-    if (const auto trouble = desktop::chooseDisplay()) log(*trouble);
+    if (const auto trouble = desktop::chooseDisplay()) writeLog(host::LogLevel::warning, *trouble);
     if (!gtk_init_check(nullptr, nullptr)) return false;
     Gtk::Main::init_gtkmm_internals();
     // The toolkit's wrapper has numbers written with the locale's commas and dots, in files too.
@@ -141,12 +189,11 @@ bool startToolkit() {
 
 desktop::DesktopOptions settingsOf(const Options& options, Additions additions) {
     desktop::DesktopOptions out = options.desktop;
-    out.log = log;
+    out.log = writeLog;
     out.folders = host::Folders::current();
     out.additions = std::move(additions);
     out.showsGallery = options.gallery;
     out.takesKeys = options.focus;
-    if (options.scale > 0) out.zoom = options.scale;
     if (!options.machine.empty()) out.machine = options.machine;
     auto& program = out.extension.program;
     program.path =
@@ -156,6 +203,18 @@ desktop::DesktopOptions settingsOf(const Options& options, Additions additions) 
          {std::pair{"--home", &options.home}, {"--machine", &options.machine}, {"--now", &options.now}})
         if (!value->empty()) program.arguments.insert(program.arguments.end(), {option, *value});
     return out;
+}
+
+/// What others may ask of a desktop that is there by the time that they are answered.
+host::DesktopActions actionsOn(const std::unique_ptr<desktop::Desktop>& desktop) {
+    return {
+        .host = [&desktop]() -> host::WidgetHost& { return desktop->host(); },
+        .showGallery = [&desktop] { desktop->showGallery(); },
+        .focusNext = [&desktop] { desktop->focusNext(); },
+        .quit = [] { gtk_main_quit(); },
+        .setOption = [&desktop](
+                         const std::string& name,
+                         const std::string& value) { return desktop->setOption(name, value); }};
 }
 
 int run(int argc, char** argv) {
@@ -168,7 +227,7 @@ int run(int argc, char** argv) {
     } catch (const CLI::Success& answered) {
         return app.exit(answered);
     } catch (const CLI::ParseError& error) {
-        log(std::string(error.what()) + " (try --help)");
+        complain(std::string(error.what()) + " (try --help)");
         return 2;
     }
     const auto additions = additionsOf(options);
@@ -181,39 +240,41 @@ int run(int argc, char** argv) {
     // Whoever has the name is the one host. Calls wait for the main loop, which runs once the desktop is
     // there.
     std::unique_ptr<desktop::Desktop> desktop;
-    host::BusPresence presence(
-        address,
-        {.host = [&desktop]() -> host::WidgetHost& { return desktop->host(); },
-         .showGallery = [&desktop] { desktop->showGallery(); },
-         .focusNext = [&desktop] { desktop->focusNext(); },
-         .quit = [] { gtk_main_quit(); }},
-        log);
+    host::BusPresence presence(address, actionsOn(desktop), writeLog);
     const auto joined = presence.join();
     if (!joined && joined.fault().kind == bus::ErrorKind::nameTaken)
-        return handOver(address, options, *additions);
+        return handOver(app, address, *additions);
     auto settings = settingsOf(options, *additions);
     settings.bus = address;
     settings.seenChanged = [&presence](bool isSeen) { presence.setSeen(isSeen); };
     const host::HostLock lock(settings.folders.configuration, lockPatience);
     if (!lock.isHeld()) {
-        log("another zelto-desktop is already running on the files in " +
+        complain(
+            "another zelto-desktop is already running on the files in " +
             settings.folders.configuration.string());
         return 1;
     }
     if (!joined) {
-        log("without a message bus, other programs cannot reach the widgets: " + joined.fault().text);
+        writeLog(
+            host::LogLevel::warning,
+            "without a message bus, other programs cannot reach the widgets: " + joined.fault().text);
         presence.rejoin();
     }
     if (!startToolkit()) {
-        log("there is no display; `zelto render` draws pictures without one");
+        complain("there is no display; `zelto render` draws pictures without one");
         return 1;
     }
+    int status = 0;
+    settings.refused = [&status] {
+        status = 1;
+        gtk_main_quit();
+    };
     desktop = std::make_unique<desktop::Desktop>(settings);
     gtk_main();
     // Whoever starts the widgets again from here on finds the name free.
     presence.leave();
     desktop.reset();
-    return 0;
+    return status;
 }
 
 }  // namespace
@@ -222,7 +283,7 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        log(error.what());
+        logError(error.what());
         return 1;
     }
 }

@@ -2,19 +2,25 @@
 
 #include <algorithm>
 #include <cmath>
+#include <gdk/gdkwayland.h>
 #include <gdk/gdkx.h>
 #include <gtk-layer-shell.h>
+#include <utility>
+#include <wayland-client.h>
 
 namespace zelto::desktop {
 namespace {
 
 constexpr double border = 16;  // points between the monitor's edge and the tiles
 
+/// Whether the window manager says that it knows a hint.
+bool supports(const char* name) {
+    return gdk_x11_screen_supports_net_wm_hint(
+               gdk_screen_get_default(), gdk_atom_intern_static_string(name)) != FALSE;
+}
+
 /// Where no window manager tells what it knows, one may still come.
-bool managerKnowsDesktops(GdkScreen* screen) {
-    const auto supports = [screen](const char* name) {
-        return gdk_x11_screen_supports_net_wm_hint(screen, gdk_atom_intern_static_string(name)) != FALSE;
-    };
+bool managerKnowsDesktops() {
     return !supports("_NET_WM_WINDOW_TYPE") || supports("_NET_WM_WINDOW_TYPE_DESKTOP");
 }
 
@@ -25,8 +31,7 @@ GtkLayerShellKeyboardMode onDemand() {
 
 WindowKind windowKindOf(GdkDisplay* display) {
     if (GDK_IS_X11_DISPLAY(display))
-        return managerKnowsDesktops(gdk_display_get_default_screen(display)) ? WindowKind::hints
-                                                                             : WindowKind::unmanaged;
+        return managerKnowsDesktops() ? WindowKind::hints : WindowKind::unmanaged;
     return gtk_layer_is_supported() ? WindowKind::layerShell : WindowKind::plain;
 }
 
@@ -58,17 +63,31 @@ MonitorArea areaOf(GdkMonitor* monitor) {
     return {monitor, nameOf(monitor), area.x, area.y, area.width, area.height};
 }
 
-std::int64_t tilesIn(int length, double zoom) {
-    const double room = length / zoom - 2 * border + host::tileGap;
+/// Of a length in the display's units, within which so many points stay free on both sides.
+std::int64_t tilesIn(int length, double zoom, double free) {
+    const double room = length / zoom - 2 * free + host::tileGap;
     return std::max<std::int64_t>(1, static_cast<std::int64_t>(room / host::tilePitch));
 }
 
 }  // namespace
 
-DisplayBackend::DisplayBackend(std::optional<double> zoom)
-    : windowKind_(windowKindOf(gdk_display_get_default())),
-      zoom_(zoom.value_or(zoomOf(gdk_screen_get_default()))) {
+DisplayBackend::DisplayBackend() : windowKind_(windowKindOf(gdk_display_get_default())) {
+    configure(std::nullopt, 0);
     refresh();
+}
+
+bool DisplayBackend::configure(std::optional<double> zoom, double margin) {
+    margin_ = margin;
+    const double wanted = zoom.value_or(zoomOf(gdk_screen_get_default()));
+    return std::exchange(zoom_, wanted) != wanted;
+}
+
+bool DisplayBackend::isHighContrast() {
+    gchar* theme = nullptr;
+    g_object_get(gtk_settings_get_default(), "gtk-theme-name", &theme, nullptr);
+    const bool isHigh = theme && g_ascii_strncasecmp(theme, "HighContrast", 12) == 0;
+    g_free(theme);
+    return isHigh;
 }
 
 bool DisplayBackend::isTranslucent() const {
@@ -103,18 +122,41 @@ std::optional<std::size_t> DisplayBackend::monitorAt(int x, int y) const {
     return static_cast<std::size_t>(found - areas_.begin());
 }
 
+std::optional<std::string> DisplayBackend::shortcoming() const {
+    if (windowKind_ != WindowKind::hints) return std::nullopt;
+    if (!supports("_NET_WM_STATE") || supports("_NET_WM_WINDOW_TYPE")) return std::nullopt;
+    return "this window manager knows no kinds of windows: it places widgets itself, like any others";
+}
+
+std::optional<std::size_t> DisplayBackend::beside(std::size_t from, int right, int down) const {
+    const MonitorArea& here = areas_[from];
+    std::optional<std::size_t> nearest;
+    double least = 0;
+    for (std::size_t i = 0; i < areas_.size(); ++i) {
+        const double across = areas_[i].x + areas_[i].width / 2.0 - (here.x + here.width / 2.0);
+        const double below = areas_[i].y + areas_[i].height / 2.0 - (here.y + here.height / 2.0);
+        const double along = right * across + down * below;
+        const double aside = std::abs(right != 0 ? below : across);
+        // More to that side than to another.
+        if (i == from || along <= 0 || aside > along || (nearest && along + aside >= least)) continue;
+        nearest = i;
+        least = along + aside;
+    }
+    return nearest;
+}
+
 std::int64_t DisplayBackend::columns(const MonitorArea& area) const {
-    return tilesIn(area.width, zoom_);
+    return tilesIn(area.width, zoom_, border + margin_);
 }
 
 std::int64_t DisplayBackend::rows(const MonitorArea& area) const {
-    return tilesIn(area.height, zoom_);
+    return tilesIn(area.height, zoom_, border + margin_);
 }
 
 layout::Point DisplayBackend::position(host::Cell cell) const {
     return {
-        zoom_ * (border + static_cast<double>(cell.column) * host::tilePitch),
-        zoom_ * (border + static_cast<double>(cell.row) * host::tilePitch)};
+        zoom_ * (border + margin_ + static_cast<double>(cell.column) * host::tilePitch),
+        zoom_ * (border + margin_ + static_cast<double>(cell.row) * host::tilePitch)};
 }
 
 host::Slot DisplayBackend::slotAt(
@@ -123,7 +165,7 @@ host::Slot DisplayBackend::slotAt(
     const host::Span span = host::spanOf(family);
     const auto nearest = [this](double position, std::int64_t tiles, std::int64_t covered) {
         const auto tile =
-            static_cast<std::int64_t>(std::lround((position / zoom_ - border) / host::tilePitch));
+            static_cast<std::int64_t>(std::lround((position / zoom_ - border - margin_) / host::tilePitch));
         return std::clamp<std::int64_t>(tile, 0, std::max<std::int64_t>(tiles - covered, 0));
     };
     return {index, {nearest(point.x, columns(area), span.columns), nearest(point.y, rows(area), span.rows)}};
@@ -205,6 +247,15 @@ void DisplayBackend::giveKeys(Gtk::Window& window) const {
         RevertToPointerRoot,
         time);
     gdk_x11_display_error_trap_pop_ignored(display);
+}
+
+void DisplayBackend::letKeysGo(Gtk::Window& window) const {
+    const auto own = window.get_window();
+    if (windowKind_ != WindowKind::layerShell || !own) return;
+    gtk_layer_set_keyboard_mode(window.gobj(), GTK_LAYER_SHELL_KEYBOARD_MODE_NONE);
+    // The compositor is to know it before the other window comes.
+    wl_surface_commit(gdk_wayland_window_get_wl_surface(own->gobj()));
+    gdk_display_sync(gdk_display_get_default());
 }
 
 void DisplayBackend::keysCame(Gtk::Window& window) const {

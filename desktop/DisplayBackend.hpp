@@ -27,13 +27,21 @@ struct MonitorArea {
 /// The display that the widgets are on. One point of a widget is `zoom` of the display's units.
 class DisplayBackend {
   public:
-    explicit DisplayBackend(std::optional<double> zoom);
+    DisplayBackend();
+
+    /// The widgets' scale, absent for the desktop's own, and the points to be left free along the edges.
+    /// Returns whether windows are to be made anew for it.
+    bool configure(std::optional<double> zoom, double margin);
+    /// Whether the desktop asks for high contrast.
+    static bool isHighContrast();
 
     WindowKind windowKind() const { return windowKind_; }
     /// Whether windows are put anywhere on all monitors together, as on X11.
     bool hasOneSpace() const {
         return windowKind_ == WindowKind::hints || windowKind_ == WindowKind::unmanaged;
     }
+    /// What this display cannot do for widgets, for the log.
+    std::optional<std::string> shortcoming() const;
     double zoom() const { return zoom_; }
     /// Whether windows can be seen through.
     bool isTranslucent() const;
@@ -47,6 +55,9 @@ class DisplayBackend {
     host::Monitors monitors() const;
     /// The monitor that a point lies on, if it is one of those.
     std::optional<std::size_t> monitorAt(int x, int y) const;
+
+    /// The monitor next to another one on a side, -1, 0 or 1 to the right and down.
+    std::optional<std::size_t> beside(std::size_t monitor, int right, int down) const;
 
     /// Where a tile begins on its monitor, in the display's units.
     layout::Point position(host::Cell cell) const;
@@ -63,13 +74,15 @@ class DisplayBackend {
     /// Has the keys go to a window, since somebody turns to it; `keysCame` once they have.
     void giveKeys(Gtk::Window& window) const;
     void keysCame(Gtk::Window& window) const;
+    /// Has a window give up the keys if it has them, for an ordinary one that opens; `keysCame` later.
+    void letKeysGo(Gtk::Window& window) const;
 
   private:
     std::int64_t columns(const MonitorArea& area) const;
     std::int64_t rows(const MonitorArea& area) const;
 
     WindowKind windowKind_;
-    double zoom_;
+    double zoom_ = 1, margin_ = 0;
     std::vector<MonitorArea> areas_;
 };
 

@@ -1,7 +1,6 @@
 #include "Gallery.hpp"
 
 #include <cmath>
-#include <gtkmm/cssprovider.h>
 
 #include "PaintPicture.hpp"
 #include "Strings.hpp"
@@ -11,23 +10,6 @@ namespace zelto::desktop {
 namespace {
 
 constexpr double dragThreshold = 8;
-
-/// The widgets' own look, whatever the desktop's theme.
-void addStyle(Gtk::Window& window) {
-    const auto style = Gtk::CssProvider::create();
-    style->load_from_data(
-        ".zelto-gallery, .zelto-gallery scrolledwindow, .zelto-gallery viewport { background: #15171c; }"
-        ".zelto-gallery label { color: #e8e8ea; font-family: Inter; font-size: 13px; }"
-        ".zelto-gallery .title { font-size: 17px; font-weight: 700; color: #ffffff; }"
-        ".zelto-gallery .dim { color: #9a9ca3; }"
-        ".zelto-gallery button { background: none; border: none; box-shadow: none; padding: 8px;"
-        " border-radius: 16px; text-shadow: none; }"
-        ".zelto-gallery button:hover { background: rgba(255, 255, 255, 0.08); }"
-        ".zelto-gallery button:focus { box-shadow: inset 0 0 0 3px #4f8df7; outline: none; }");
-    Gtk::StyleContext::add_provider_for_screen(
-        window.get_screen(), style, GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
-    window.get_style_context()->add_class("zelto-gallery");
-}
 
 Gtk::Label* label(const std::string& text, const char* style) {
     auto* out = Gtk::manage(new Gtk::Label(text));
@@ -64,7 +46,7 @@ class Gallery::Preview : public Gtk::Button {
         drag_->set_propagation_phase(Gtk::PHASE_CAPTURE);
         drag_->signal_drag_update().connect([this](double dx, double dy) { dragged(dx, dy); });
         drag_->signal_drag_end().connect([this](double, double) { dropped(); });
-        seams_.previews.ask(
+        seams_.host.previews().ask(
             kind_,
             family,
             [this, isThere = std::weak_ptr(life_)](const std::optional<widgetkit::ArchivedEntry>& entry) {
@@ -89,16 +71,17 @@ class Gallery::Preview : public Gtk::Button {
 
     /// The place under the pointer, where the display tells where that is.
     std::optional<host::Slot> target() const {
-        if (!seams_.backend.hasOneSpace()) return std::nullopt;
+        const DisplayBackend& backend = seams_.backend;
+        if (!backend.hasOneSpace() || backend.areas().empty()) return std::nullopt;
         int x = 0, y = 0;
         GdkDevice* pointer = gdk_seat_get_pointer(gdk_display_get_default_seat(gdk_display_get_default()));
         gdk_device_get_position(pointer, nullptr, &x, &y);
-        if (seams_.backend.areas().empty()) return std::nullopt;
-        const MonitorArea& area = seams_.backend.areas().front();
+        const std::size_t monitor = backend.monitorAt(x, y).value_or(0);
+        const MonitorArea& area = backend.areas()[monitor];
         const ui::Size size = widgetkit::sizeOf(family_);
-        const double zoom = seams_.backend.zoom();
-        const layout::Point corner{x - area.x - size.width * zoom / 2, y - area.y - size.height * zoom / 2};
-        return seams_.backend.slotAt(0, corner, family_);
+        const layout::Point corner{
+            x - area.x - size.width * backend.zoom() / 2, y - area.y - size.height * backend.zoom() / 2};
+        return backend.slotAt(monitor, corner, family_);
     }
 
     void dragged(double dx, double dy) {
@@ -110,14 +93,14 @@ class Gallery::Preview : public Gtk::Button {
         const auto place = target();
         if (!place) return;
         if (!dragIcon_) dragIcon_ = std::make_unique<DragIcon>(seams_.backend, family_, picture_);
-        dragIcon_->place(*place);
+        dragIcon_->place(*place, seams_.host.isFree(*place, family_) ? Landing::free : Landing::refused);
     }
 
     void dropped() {
         if (!std::exchange(isDragging_, false)) return;
         dragIcon_.reset();
         const auto place = target();
-        seams_.add(kind_, family_, place ? std::optional(place->cell) : std::nullopt);
+        seams_.add(kind_, family_, place);
     }
 
     Seams& seams_;
@@ -131,33 +114,28 @@ class Gallery::Preview : public Gtk::Button {
     std::shared_ptr<int> life_ = std::make_shared<int>();
 };
 
-Gallery::Gallery(Seams seams, const std::vector<widgetkit::WidgetDescription>& offered)
-    : seams_(std::move(seams)) {
-    set_title(strings::galleryTitle);
-    addStyle(*this);
-    set_default_size(800, 760);
+Gallery::Gallery(Seams seams) : Gtk::Box(Gtk::ORIENTATION_VERTICAL, 0), seams_(std::move(seams)) {
+    search_.set_placeholder_text(strings::gallerySearch);
+    search_.get_accessible()->set_name(strings::gallerySearch);
+    search_.set_margin_start(24);
+    search_.set_margin_end(24);
+    search_.set_margin_top(16);
+    search_.signal_changed().connect([this] { find(); });
+    pack_start(search_, Gtk::PACK_SHRINK);
     list_.set_border_width(24);
     scroller_.set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
     scroller_.add(list_);
-    add(scroller_);
-    offer(offered);
-    show_all();
-    // Nothing is chosen until somebody chooses: the first key brings the focus.
-    unset_focus();
+    pack_start(scroller_);
+    nothingFound_.set_text(strings::galleryNothingFound);
+    nothingFound_.set_xalign(0);
+    offer(seams_.host.offers().widgets());
 }
 
 Gallery::~Gallery() = default;
 
-bool Gallery::on_key_press_event(GdkEventKey* event) {
-    const bool isControl = (event->state & GDK_CONTROL_MASK) != 0;
-    if (event->keyval != GDK_KEY_Escape && !(event->keyval == GDK_KEY_w && isControl))
-        return Gtk::Window::on_key_press_event(event);
-    close();
-    return true;
-}
-
 void Gallery::offer(const std::vector<widgetkit::WidgetDescription>& widgets) {
     previews_.clear();
+    rows_.clear();
     for (Gtk::Widget* child : list_.get_children()) list_.remove(*child);
     list_.pack_start(
         *label(widgets.empty() ? strings::galleryEmpty : strings::galleryHint, "dim"), Gtk::PACK_SHRINK);
@@ -171,8 +149,24 @@ void Gallery::offer(const std::vector<widgetkit::WidgetDescription>& widgets) {
                 *previews_.emplace_back(std::make_unique<Preview>(*this, widget, family)), Gtk::PACK_SHRINK);
         row->pack_start(*families, Gtk::PACK_SHRINK);
         list_.pack_start(*row, Gtk::PACK_SHRINK);
+        rows_.push_back({row, widget.displayName + " " + widget.description + " " + widget.kind});
     }
+    list_.pack_start(nothingFound_, Gtk::PACK_SHRINK);
     list_.show_all();
+    find();
+}
+
+void Gallery::find() {
+    const std::string wanted = search_.get_text();
+    bool isAny = rows_.empty();
+    for (const Row& row : rows_) {
+        // By the beginnings of words, whatever their case and accents.
+        const bool isFound =
+            wanted.empty() || g_str_match_string(wanted.c_str(), row.texts.c_str(), TRUE) != FALSE;
+        row.widget->set_visible(isFound);
+        isAny = isAny || isFound;
+    }
+    nothingFound_.set_visible(!isAny);
 }
 
 }  // namespace zelto::desktop

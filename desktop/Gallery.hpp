@@ -7,45 +7,54 @@
 #include <gtkmm/gesturedrag.h>
 #include <gtkmm/label.h>
 #include <gtkmm/scrolledwindow.h>
-#include <gtkmm/window.h>
+#include <gtkmm/searchentry.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "DragIcon.hpp"
 #include "drawing/Renderer.hpp"
-#include "host/Previews.hpp"
+#include "host/WidgetHost.hpp"
 
 namespace zelto::desktop {
 
-/// The window that offers the extension's widgets, with a look of each family. A click, a key or a drag adds
-/// one.
-class Gallery : public Gtk::Window {
+/// The page that offers the extension's widgets, with a look of each family, to be found by name. A click, a
+/// key or a drag adds one.
+class Gallery : public Gtk::Box {
   public:
     struct Seams {
-        const host::Previews& previews;
+        host::WidgetHost& host;
         const DisplayBackend& backend;
         drawing::Renderer& renderer;
         std::function<Date()> now;
-        /// Adds a widget, at a place of the first monitor or where there is room.
+        /// Adds a widget, in a slot or where there is room.
         std::function<void(
-            const std::string& kind, widgetkit::WidgetFamily family, std::optional<host::Cell>)>
+            const std::string& kind, widgetkit::WidgetFamily family, std::optional<host::Slot>)>
             add;
     };
-    Gallery(Seams seams, const std::vector<widgetkit::WidgetDescription>& offered);
+    explicit Gallery(Seams seams);
     ~Gallery() override;
 
     void offer(const std::vector<widgetkit::WidgetDescription>& widgets);
-
-  protected:
-    bool on_key_press_event(GdkEventKey* event) override;
+    /// Puts the keys where a name is typed.
+    void search() { search_.grab_focus(); }
 
   private:
     class Preview;
+    struct Row {
+        Gtk::Widget* widget;
+        std::string texts;
+    };
+
+    void find();
 
     Seams seams_;
+    Gtk::SearchEntry search_;
     Gtk::ScrolledWindow scroller_;
     Gtk::Box list_{Gtk::ORIENTATION_VERTICAL, 18};
+    Gtk::Label nothingFound_;
+    std::vector<Row> rows_;
     std::vector<std::unique_ptr<Preview>> previews_;
 };
 

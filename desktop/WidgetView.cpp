@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <gtkmm/cssprovider.h>
+#include <map>
 #include <utility>
 
 #include "PaintPicture.hpp"
@@ -16,29 +17,38 @@
 namespace zelto::desktop {
 namespace {
 
-constexpr double messageSeconds = 4;
+constexpr double flashSeconds = 1.5;
 constexpr double linkCornerRadius = 7;  // points
-
-/// One look for all, whatever the desktop's theme: nothing of a button but its behaviour.
-Glib::RefPtr<Gtk::CssProvider> plainStyle() {
-    static const auto style = [] {
-        auto provider = Gtk::CssProvider::create();
-        provider->load_from_data(
-            "button { padding: 0; margin: 0; border: none; min-width: 0; min-height: 0; background: none;"
-            " box-shadow: none; outline: none; transition: none; }"
-            "label { color: white; background-color: rgba(20, 20, 24, 0.92); border-radius: 10px;"
-            " padding: 6px; font-family: Inter; font-size: 11px; }");
-        return provider;
-    }();
-    return style;
-}
-
-void addPlainStyle(Gtk::Widget& widget) {
-    widget.get_style_context()->add_provider(plainStyle(), GTK_STYLE_PROVIDER_PRIORITY_USER);
-}
 
 int rounded(double value) {
     return static_cast<int>(std::lround(value));
+}
+
+/// One look for all, whatever the desktop's theme: nothing of a button but its behaviour.
+Glib::RefPtr<Gtk::CssProvider> plainStyle(double zoom) {
+    static std::map<double, Glib::RefPtr<Gtk::CssProvider>> styles;
+    auto& style = styles[zoom];
+    if (style) return style;
+    style = Gtk::CssProvider::create();
+    const auto points = [zoom](int length) { return std::to_string(rounded(length * zoom)) + "px"; };
+    style->load_from_data(
+        "button { padding: 0; margin: 0; border: none; min-width: 0; min-height: 0; background: none;"
+        " box-shadow: none; outline: none; transition: none; }"
+        "label { color: white; font-family: Inter; font-size: " +
+        points(11) +
+        "; }"
+        "label.message { background-color: rgba(20, 20, 24, 0.92); border-radius: " +
+        points(10) + "; padding: " + points(6) +
+        "; }"
+        "label.age { background-color: rgba(20, 20, 24, 0.8); border-radius: " +
+        points(7) + "; padding: " + points(1) + " " + points(5) + "; font-size: " + points(9) +
+        "; }"
+        "label.announcement { opacity: 0; font-size: 1px; }");
+    return style;
+}
+
+void addPlainStyle(Gtk::Widget& widget, double zoom) {
+    widget.get_style_context()->add_provider(plainStyle(zoom), GTK_STYLE_PROVIDER_PRIORITY_USER);
 }
 
 /// The outline that widgets have too.
@@ -52,12 +62,12 @@ void addOutline(
 }  // namespace
 
 struct WidgetView::Sources {
-    host::MainSource tick, message;
+    host::MainSource tick, message, flash;
 };
 
 TapArea::TapArea(double cornerRadius, bool showsHover)
     : cornerRadius_(cornerRadius), showsHover_(showsHover) {
-    addPlainStyle(*this);
+    addPlainStyle(*this, 1);
     set_can_focus(true);
     set_focus_on_click(false);
 }
@@ -115,13 +125,18 @@ void WidgetView::resize(widgetkit::WidgetFamily family) {
 
 void WidgetView::present(const widgetkit::ArchivedEntry& entry) {
     entry_ = entry;
+    explanation_.reset();
     layOutAgain();
 }
 
 void WidgetView::layOutAgain() {
     const Date now = seams_.now();
     const auto before = std::exchange(
-        displayList_, layout::layOut(entry_->view, {.size = size_, .now = now}, seams_.renderer.measuring()));
+        displayList_,
+        layout::layOut(
+            entry_->view,
+            {.size = size_, .now = now, .contrast = seams_.contrast},
+            seams_.renderer.measuring()));
     describe(now);
     if (before.links != displayList_.links) placeLinks();
     whole_.get_accessible()->set_role(displayList_.widgetURL ? Atk::ROLE_LINK : Atk::ROLE_PANEL);
@@ -150,7 +165,10 @@ void WidgetView::drawChanges(const layout::DisplayList& before) {
 
 /// What is read of it aloud.
 void WidgetView::describe(Date now) {
-    get_accessible()->set_description(ui::joined(ui::readingTexts(entry_->view, now)));
+    const std::string text = ui::joined(ui::readingTexts(entry_->view, now));
+    get_accessible()->set_description(text);
+    // Where the keys are is what is read.
+    whole_.get_accessible()->set_description(text);
 }
 
 void WidgetView::placeLinks() {
@@ -190,22 +208,92 @@ void WidgetView::get_preferred_height_vfunc(int& minimum, int& natural) const {
     minimum = natural = rounded(size_.height * zoom_);
 }
 
-void WidgetView::say(const std::string& text) {
-    if (!message_) {
-        message_ = std::make_unique<Gtk::Label>();
-        message_->set_line_wrap();
-        addPlainStyle(*message_);
-        put(*message_, 0, 0);
+Gtk::Label& WidgetView::labelFor(std::unique_ptr<Gtk::Label>& label, const char* style) {
+    if (!label) {
+        label = std::make_unique<Gtk::Label>();
+        label->set_line_wrap();
+        label->set_max_width_chars(1);
+        addPlainStyle(*label, zoom_);
+        label->get_style_context()->add_class(style);
+        put(*label, 0, 0);
     }
+    return *label;
+}
+
+void WidgetView::say(const std::string& text, double seconds) {
+    Gtk::Label& message = labelFor(message_, "message");
     const int width = rounded((size_.width - 24) * zoom_);
-    message_->set_text(text);
-    message_->set_size_request(width, -1);
-    message_->set_max_width_chars(1);
-    message_->show();
+    // Told to assistive technology each time that it comes.
+    message.hide();
+    message.get_accessible()->set_role(Atk::ROLE_NOTIFICATION);
+    message.set_text(text);
+    message.set_size_request(width, -1);
+    message.show();
     int least = 0, natural = 0;
-    message_->get_preferred_height_for_width(width, least, natural);
-    move(*message_, rounded(12 * zoom_), rounded(size_.height * zoom_) - natural - rounded(12 * zoom_));
-    sources_->message = host::MainSource::after(messageSeconds, [this] { message_->hide(); });
+    message.get_preferred_height_for_width(width, least, natural);
+    move(message, rounded(12 * zoom_), rounded(size_.height * zoom_) - natural - rounded(12 * zoom_));
+    sources_->message = host::MainSource::after(seconds, [this] { message_->hide(); });
+}
+
+void WidgetView::announce(const std::string& text) {
+    Gtk::Label& announcement = labelFor(announcement_, "announcement");
+    announcement.hide();
+    announcement.get_accessible()->set_role(Atk::ROLE_NOTIFICATION);
+    announcement.get_accessible()->set_name(text);
+    announcement.set_text(text);
+    announcement.set_size_request(1, 1);
+    announcement.show();
+}
+
+void WidgetView::explain(const std::string& text) {
+    if (entry_) return;
+    Gtk::Label& explanation = labelFor(explanation_, "explanation");
+    const int width = rounded((size_.width - 32) * zoom_);
+    explanation.set_text((name_.empty() ? "" : name_ + "\n") + text);
+    explanation.set_justify(Gtk::JUSTIFY_CENTER);
+    explanation.set_size_request(width, -1);
+    explanation.show();
+    int least = 0, natural = 0;
+    explanation.get_preferred_height_for_width(width, least, natural);
+    move(explanation, rounded(16 * zoom_), (rounded(size_.height * zoom_) - natural) / 2);
+    whole_.get_accessible()->set_description(text);
+}
+
+void WidgetView::setAge(const std::string& text) {
+    if (text.empty()) {
+        age_.reset();
+        return;
+    }
+    Gtk::Label& age = labelFor(age_, "age");
+    age.set_line_wrap(false);
+    age.set_max_width_chars(-1);
+    age.set_text(text);
+    age.show();
+    int least = 0, natural = 0;
+    age.get_preferred_width(least, natural);
+    move(age, (rounded(size_.width * zoom_) - natural) / 2, rounded(3 * zoom_));
+}
+
+void WidgetView::flash() {
+    isFlashing_ = true;
+    queue_draw();
+    sources_->flash = host::MainSource::after(flashSeconds, [this] {
+        isFlashing_ = false;
+        queue_draw();
+    });
+}
+
+bool WidgetView::on_focus(Gtk::DirectionType direction) {
+    if (direction != Gtk::DIR_TAB_FORWARD && direction != Gtk::DIR_TAB_BACKWARD)
+        return Gtk::Fixed::on_focus(direction);
+    std::vector<Gtk::Widget*> areas{&whole_};
+    for (const auto& link : links_) areas.push_back(link.get());
+    if (direction == Gtk::DIR_TAB_BACKWARD) std::ranges::reverse(areas);
+    const auto current = std::ranges::find_if(areas, [](Gtk::Widget* area) { return area->is_focus(); });
+    const auto next = current == areas.end() ? areas.begin() : current + 1;
+    if (next == areas.end()) return false;
+    (*next)->grab_focus();
+    return true;
 }
 
 void WidgetView::setSeen(bool isSeen) {
@@ -225,6 +313,13 @@ bool WidgetView::on_draw(const Cairo::RefPtr<Cairo::Context>& context) {
             context, 0, size_.width * zoom_, size_.height * zoom_, drawing::containerCornerRadius * zoom_);
         context->set_source_rgb(0.11, 0.11, 0.13);
         context->fill();
+    }
+    if (isFlashing_) {
+        addOutline(
+            context, 2, size_.width * zoom_, size_.height * zoom_, drawing::containerCornerRadius * zoom_);
+        context->set_source_rgb(0.31, 0.55, 0.97);
+        context->set_line_width(4);
+        context->stroke();
     }
     waitForTick();
     return Gtk::Fixed::on_draw(context);

@@ -11,6 +11,7 @@
 
 #include "drawing/Renderer.hpp"
 #include "layout/DisplayList.hpp"
+#include "layout/Layout.hpp"
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::desktop {
@@ -38,6 +39,7 @@ class WidgetView : public Gtk::Fixed {
         std::function<Date()> now;
         std::function<void(const std::string& url)> open;
         drawing::Corners corners = drawing::Corners::rounded;
+        layout::Contrast contrast = layout::Contrast::normal;
     };
     WidgetView(Seams seams, double zoom);
     ~WidgetView() override;
@@ -46,8 +48,16 @@ class WidgetView : public Gtk::Fixed {
     void name(const std::string& displayName);
     void resize(widgetkit::WidgetFamily family);
     void present(const widgetkit::ArchivedEntry& entry);
-    /// Says something briefly, over the picture.
-    void say(const std::string& text);
+    /// Says something for so many seconds, over the picture.
+    void say(const std::string& text, double seconds = 4);
+    /// Says something to assistive technology only.
+    void announce(const std::string& text);
+    /// Why there is no picture, until there is one.
+    void explain(const std::string& text);
+    /// How old the picture is; empty while it is not.
+    void setAge(const std::string& text);
+    /// Shows for a moment which one it is.
+    void flash();
     /// Whether anything of it is seen; a countdown stops otherwise.
     void setSeen(bool isSeen);
     /// What is drawn, for the ghost of a drag.
@@ -55,11 +65,14 @@ class WidgetView : public Gtk::Fixed {
 
   protected:
     bool on_draw(const Cairo::RefPtr<Cairo::Context>& context) override;
+    /// Tab comes to the widget itself and then to its links, wherever those lie.
+    bool on_focus(Gtk::DirectionType direction) override;
     /// The widget's own size, whatever a message would like.
     void get_preferred_width_vfunc(int& minimum, int& natural) const override;
     void get_preferred_height_vfunc(int& minimum, int& natural) const override;
 
   private:
+    Gtk::Label& labelFor(std::unique_ptr<Gtk::Label>& label, const char* style);
     void layOutAgain();
     void describe(Date now);
     void placeLinks();
@@ -80,8 +93,8 @@ class WidgetView : public Gtk::Fixed {
     double drawnScale_ = 0;
     TapArea whole_;
     std::vector<std::unique_ptr<TapArea>> links_;
-    std::unique_ptr<Gtk::Label> message_;
-    bool isSeen_ = true;
+    std::unique_ptr<Gtk::Label> message_, announcement_, explanation_, age_;
+    bool isSeen_ = true, isFlashing_ = false;
     struct Sources;
     std::unique_ptr<Sources> sources_;
 };

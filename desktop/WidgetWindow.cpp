@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <gtkmm/checkmenuitem.h>
+#include <gtkmm/radiomenuitem.h>
 #include <gtkmm/separatormenuitem.h>
 #include <utility>
 
@@ -13,14 +14,15 @@
 namespace zelto::desktop {
 namespace {
 
-constexpr double dragThreshold = 8;   // in the display's units
-constexpr double keysPatience = 0.5;  // seconds
+constexpr double dragThreshold = 8;  // in the display's units
 
 }  // namespace
 
 WidgetWindow::WidgetWindow(Seams seams, const host::PlacedWidget& widget)
-    : seams_(std::move(seams)), widget_(widget), view_(seams_.view, seams_.backend.zoom()) {
-    seams_.backend.prepare(*this, "zelto-widget", true);
+    : LowWindow(seams.backend, "zelto-widget"),
+      seams_(std::move(seams)),
+      widget_(widget),
+      view_(seams_.view, seams_.backend.zoom()) {
     set_title(widget.kind);
     view_.name(widget.kind);
     add_events(Gdk::BUTTON_PRESS_MASK | Gdk::ENTER_NOTIFY_MASK | Gdk::VISIBILITY_NOTIFY_MASK);
@@ -66,23 +68,49 @@ void WidgetWindow::makeMenu() {
         menu_.append(*Gtk::manage(item));
         return item;
     };
+    Gtk::RadioMenuItem::Group sizes;
     if (description_)
         for (const widgetkit::WidgetFamily family : description_->families) {
-            auto* item = new Gtk::CheckMenuItem(strings::nameOf(family));
-            item->set_draw_as_radio();
+            auto* item = new Gtk::RadioMenuItem(sizes, strings::nameOf(family));
             item->set_active(family == widget_.family);
-            append(item, [this, family] { setFamily(family); });
+            append(item, [this, item, family] {
+                if (item->get_active()) setFamily(family);
+            });
         }
     menu_.append(*Gtk::manage(new Gtk::SeparatorMenuItem));
+    addMonitors();
+    auto* lock = new Gtk::CheckMenuItem(strings::lockPositions);
+    lock->set_active(seams_.host.settings().locked.value_or(false));
+    append(lock, [this, lock] {
+        auto settings = seams_.host.settings();
+        settings.locked = lock->get_active() ? std::optional(true) : std::nullopt;
+        seams_.host.set(settings);
+    });
     append(new Gtk::MenuItem(strings::reload), [this] { reloadWidget(); });
+    if (const auto help = seams_.linkHelp()) append(new Gtk::MenuItem(strings::howToOpen), help);
     append(new Gtk::MenuItem(strings::addWidgets), [this] { seams_.showGallery(); });
     append(new Gtk::MenuItem(strings::remove), [this] { removeWidget(); });
     menu_.show_all();
 }
 
+void WidgetWindow::addMonitors() {
+    const auto& areas = seams_.backend.areas();
+    if (areas.size() < 2) return;
+    auto* monitors = Gtk::manage(new Gtk::Menu);
+    for (std::size_t i = 0; i < areas.size(); ++i) {
+        if (i == slot_.monitor) continue;
+        auto* item = Gtk::manage(new Gtk::MenuItem(strings::monitorName(areas[i].name, i)));
+        item->signal_activate().connect([this, i] { sendTo(i, slot_.cell); });
+        monitors->append(*item);
+    }
+    auto* moveTo = Gtk::manage(new Gtk::MenuItem(strings::moveTo));
+    moveTo->set_submenu(*monitors);
+    menu_.append(*moveTo);
+}
+
 bool WidgetWindow::on_button_press_event(GdkEventButton* event) {
     if (event->type != GDK_BUTTON_PRESS || event->button != GDK_BUTTON_SECONDARY)
-        return Gtk::Window::on_button_press_event(event);
+        return LowWindow::on_button_press_event(event);
     clicked();
     makeMenu();
     menu_.popup_at_pointer(reinterpret_cast<GdkEvent*>(event));
@@ -111,7 +139,7 @@ bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
             return true;
         };
     };
-    const auto moved = [&](std::int64_t columns, std::int64_t rows) {
+    const auto moved = [&](int columns, int rows) {
         return done([this, columns, rows] { step(columns, rows); });
     };
     const auto walked = [this](Gtk::DirectionType direction, Step beyond) {
@@ -121,6 +149,7 @@ bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
     const Key keys[] = {
         {GDK_KEY_Menu, none, done([this] { showMenu(); })},
         {GDK_KEY_F10, GDK_SHIFT_MASK, done([this] { showMenu(); })},
+        {GDK_KEY_z, GDK_CONTROL_MASK, done([this] { seams_.undo(); })},
         {GDK_KEY_Delete, none, done([this] { removeWidget(); })},
         {GDK_KEY_F5, none, done([this] { reloadWidget(); })},
         {GDK_KEY_Insert, none, done([this] { seams_.showGallery(); })},
@@ -145,29 +174,18 @@ bool WidgetWindow::on_key_press_event(GdkEventKey* event) {
     for (const Key& key : keys)
         if (key.symbol == event->keyval &&
             (event->state & static_cast<guint>(telling | key.modifier)) == static_cast<guint>(key.modifier))
-            return key.action() || Gtk::Window::on_key_press_event(event);
-    return Gtk::Window::on_key_press_event(event);
+            return key.action() || LowWindow::on_key_press_event(event);
+    return LowWindow::on_key_press_event(event);
 }
 
 bool WidgetWindow::walk(Gtk::DirectionType direction, Step beyond) {
     return view_.child_focus(direction) || seams_.walk(beyond);
 }
 
-void WidgetWindow::takeKeys(bool isFirst) {
-    if (!has_toplevel_focus()) {
-        seams_.backend.giveKeys(*this);
-        // Nothing is to keep it above others, whatever the compositor does.
-        keysLate_ = host::MainSource::after(keysPatience, [this] { seams_.backend.keysCame(*this); });
-    }
-    set_focus_visible(true);
+void WidgetWindow::takeKeysAt(bool isFirst) {
+    takeKeys();
     unset_focus();
     view_.child_focus(isFirst ? Gtk::DIR_TAB_FORWARD : Gtk::DIR_TAB_BACKWARD);
-}
-
-bool WidgetWindow::on_focus_in_event(GdkEventFocus* event) {
-    keysLate_.reset();
-    seams_.backend.keysCame(*this);
-    return Gtk::Window::on_focus_in_event(event);
 }
 
 /// A compositor closes what was on a monitor that went away; the widget comes back on another one.
@@ -199,11 +217,11 @@ void WidgetWindow::tellSeen() {
 bool WidgetWindow::on_enter_notify_event(GdkEventCrossing* event) {
     // Not from one part of it to another.
     if (event->detail != GDK_NOTIFY_INFERIOR) seams_.entered();
-    return Gtk::Window::on_enter_notify_event(event);
+    return LowWindow::on_enter_notify_event(event);
 }
 
 void WidgetWindow::on_size_allocate(Gtk::Allocation& allocation) {
-    Gtk::Window::on_size_allocate(allocation);
+    LowWindow::on_size_allocate(allocation);
     const std::pair size{get_allocated_width(), get_allocated_height()};
     if (seams_.backend.isTranslucent() || std::exchange(shaped_, size) == size) return;
     shapeToOutline(*this, seams_.backend.zoom());
@@ -230,14 +248,26 @@ host::Slot WidgetWindow::target(double dx, double dy) const {
     return backend.slotAt(monitor, point, widget_.family);
 }
 
+Landing WidgetWindow::landing(host::Slot slot) const {
+    if (slot == slot_) return Landing::free;
+    const auto inTheWay = seams_.host.inTheWay(widget_.id, slot);
+    return !inTheWay ? Landing::refused : *inTheWay == 0 ? Landing::free : Landing::swap;
+}
+
 void WidgetWindow::update(double dx, double dy) {
     if (!dragIcon_) {
         if (std::hypot(dx, dy) < dragThreshold) return;
+        if (isLocked()) {
+            drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
+            drag_->set_state(Gtk::EVENT_SEQUENCE_DENIED);
+            return;
+        }
         // From here on it is no tap.
         drag_->set_state(Gtk::EVENT_SEQUENCE_CLAIMED);
         dragIcon_ = std::make_unique<DragIcon>(seams_.backend, widget_.family, view_.picture());
     }
-    dragIcon_->place(target(dx, dy));
+    const host::Slot slot = target(dx, dy);
+    dragIcon_->place(slot, landing(slot));
 }
 
 void WidgetWindow::cancelDrag() {
@@ -252,15 +282,39 @@ void WidgetWindow::end(double dx, double dy) {
     moveTo(target(dx, dy));
 }
 
-void WidgetWindow::step(std::int64_t columns, std::int64_t rows) {
+void WidgetWindow::step(int columns, int rows) {
+    if (isLocked()) return;
     const host::Cell wanted{slot_.cell.column + columns, slot_.cell.row + rows};
-    // As far as the monitor goes.
+    // As far as the monitor goes, and then to the next one.
     const auto& backend = seams_.backend;
-    moveTo(backend.slotAt(slot_.monitor, backend.position(wanted), widget_.family));
+    const host::Slot slot = backend.slotAt(slot_.monitor, backend.position(wanted), widget_.family);
+    if (slot != slot_) {
+        moveTo(slot);
+        return;
+    }
+    const auto monitor = backend.beside(slot_.monitor, columns, rows);
+    if (!monitor) return;
+    const auto entered = [](int direction, std::int64_t tile) {
+        return direction > 0 ? 0 : direction < 0 ? host::farthestTile : tile;
+    };
+    sendTo(*monitor, {entered(columns, slot_.cell.column), entered(rows, slot_.cell.row)});
+}
+
+bool WidgetWindow::isLocked() {
+    const bool isLocked = seams_.host.settings().locked.value_or(false);
+    if (isLocked) view_.say(strings::locked);
+    return isLocked;
 }
 
 void WidgetWindow::moveTo(host::Slot slot) {
-    if (slot != slot_) tell(seams_.host.move(widget_.id, slot));
+    if (slot != slot_) tellMoved(seams_.host.move(widget_.id, slot));
+}
+
+void WidgetWindow::sendTo(std::size_t monitor, host::Cell cell) {
+    if (isLocked()) return;
+    const bool hadKeys = has_toplevel_focus();
+    tellMoved(seams_.host.send(widget_.id, monitor, cell));
+    if (hadKeys) keepKeys();
 }
 
 void WidgetWindow::stepFamily(int direction) {
@@ -273,7 +327,11 @@ void WidgetWindow::stepFamily(int direction) {
 }
 
 void WidgetWindow::setFamily(widgetkit::WidgetFamily family) {
-    tell(seams_.host.setFamily(widget_.id, family));
+    if (family == widget_.family) return;
+    if (seams_.host.setFamily(widget_.id, family))
+        view_.announce(strings::resized(name(), family));
+    else
+        view_.say(strings::noRoom);
 }
 
 void WidgetWindow::reloadWidget() {
@@ -285,8 +343,14 @@ void WidgetWindow::removeWidget() {
     static_cast<void>(seams_.host.remove(widget_.id));
 }
 
-void WidgetWindow::tell(const Result<void>& done) {
-    if (!done) view_.say(strings::noRoom);
+void WidgetWindow::tellMoved(const Result<void>& done) {
+    if (!done) {
+        view_.say(strings::noRoom);
+        return;
+    }
+    const std::string monitor =
+        strings::monitorName(seams_.backend.areas()[slot_.monitor].name, slot_.monitor);
+    view_.announce(strings::moved(name(), strings::place(monitor, slot_.cell.column, slot_.cell.row)));
 }
 
 }  // namespace zelto::desktop

@@ -3,13 +3,13 @@
 #include <functional>
 #include <gtkmm/gesturedrag.h>
 #include <gtkmm/menu.h>
-#include <gtkmm/window.h>
 #include <memory>
 #include <optional>
 #include <utility>
 
 #include "DisplayBackend.hpp"
 #include "DragIcon.hpp"
+#include "LowWindow.hpp"
 #include "Walking.hpp"
 #include "WidgetView.hpp"
 #include "host/MainLoop.hpp"
@@ -18,7 +18,7 @@
 namespace zelto::desktop {
 
 /// A placed widget's window: a tap opens links, a drag moves it on the grid, a menu and keys do the rest.
-class WidgetWindow : public Gtk::Window {
+class WidgetWindow : public LowWindow {
   public:
     struct Seams {
         host::WidgetHost& host;
@@ -33,6 +33,9 @@ class WidgetWindow : public Gtk::Window {
         /// Gives the keys to another widget; false where there is none that way.
         std::function<bool(Step)> walk;
         std::function<void()> showGallery;
+        /// Shows what to do for links to be opened; empty while they are.
+        std::function<std::function<void()>()> linkHelp;
+        std::function<void()> undo;
         /// The compositor closed the window, which is hidden now.
         std::function<void()> closed;
     };
@@ -43,17 +46,19 @@ class WidgetWindow : public Gtk::Window {
     /// What the extension calls it, and which families it offers.
     void describe(const widgetkit::WidgetDescription& description);
     /// Takes the keys, on its first place to tap or on its last.
-    void takeKeys(bool isFirst);
+    void takeKeysAt(bool isFirst);
     /// Looks again whether it is seen, and tells the host when that has changed.
     void tellSeen();
     WidgetView& view() { return view_; }
     const std::string& kind() const { return widget_.kind; }
+    /// What people call it.
+    std::string name() const { return description_ ? description_->displayName : widget_.kind; }
+    const host::Slot& slot() const { return slot_; }
 
   protected:
     bool on_key_press_event(GdkEventKey* event) override;
     bool on_button_press_event(GdkEventButton* event) override;
     bool on_delete_event(GdkEventAny* event) override;
-    bool on_focus_in_event(GdkEventFocus* event) override;
     bool on_enter_notify_event(GdkEventCrossing* event) override;
     bool on_visibility_notify_event(GdkEventVisibility* event) override;
     void on_size_allocate(Gtk::Allocation& allocation) override;
@@ -69,13 +74,17 @@ class WidgetWindow : public Gtk::Window {
     bool walk(Gtk::DirectionType direction, Step beyond);
     void clicked();
     void cancelDrag();
-    void step(std::int64_t columns, std::int64_t rows);
+    Landing landing(host::Slot slot) const;
+    void step(int columns, int rows);
     void moveTo(host::Slot slot);
+    void sendTo(std::size_t monitor, host::Cell cell);
+    bool isLocked();
     void stepFamily(int direction);
     void setFamily(widgetkit::WidgetFamily family);
     void reloadWidget();
     void removeWidget();
-    void tell(const Result<void>& done);
+    void tellMoved(const Result<void>& done);
+    void addMonitors();
 
     Seams seams_;
     host::PlacedWidget widget_;
@@ -83,7 +92,6 @@ class WidgetWindow : public Gtk::Window {
     /// Where its monitor was when it was placed.
     std::optional<MonitorArea> area_;
     std::optional<widgetkit::WidgetDescription> description_;
-    host::MainSource keysLate_;
     WidgetView view_;
     bool isCovered_ = false, isSeen_ = true;
     std::pair<int, int> shaped_;  // the size to which it is cut

@@ -109,9 +109,14 @@ TEST_P(DesktopOn, ADragMovesAWidgetOnTheGridAndOpensNothing) {
     drag(only(), 306, 234);
     ASSERT_TRUE(eventually([&] { return only().cell() == host::Cell{2, 1}; })) << desktop.log();
     EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
-    // Onto another widget, it stays.
+    // Onto another widget, they change places.
     drag(only(), 360, -180);
-    EXPECT_EQ(only().cell(), (host::Cell{2, 1}));
+    ASSERT_TRUE(eventually([&] { return only().cell() == host::Cell{4, 0}; })) << desktop.log();
+    EXPECT_EQ(desktop.widgets()[1].cell(), (host::Cell{2, 1}));
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
+    drag(only(), -360, 180);
+    ASSERT_TRUE(eventually([&] { return only().cell() == host::Cell{2, 1}; }));
+    EXPECT_TRUE(eventually([&] { return desktop.allSeen(); }));
     // The first link that arrives is that of a tap.
     focus(only());
     const auto stored = readFile(desktop.folder() / "config/zelto/desktop.json");

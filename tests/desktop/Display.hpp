@@ -54,11 +54,16 @@ class Monitors : public Display {
     virtual std::string second() const = 0;
 };
 
-enum class Manager { openbox, i3 };
-/// X11: a frame buffer in memory and a window manager, small or tiling.
-std::unique_ptr<Display> startX11(Manager manager = Manager::openbox);
+/// Small ones, one with a compositor; a tiling one; those of two desktops, one with its icons.
+enum class Manager { openbox, picom, fluxbox, i3, xfwm, kwin };
+/// X11: a frame buffer in memory and a window manager; with two monitors, side by side, a real server.
+std::unique_ptr<Display> startX11(Manager manager = Manager::openbox, int monitors = 1);
+/// Wayland without a layer for widgets: Weston, with an X server in it.
+std::unique_ptr<Display> startWeston();
 /// Wayland: a compositor without a screen; `scale` is its output's.
 std::unique_ptr<Compositor> startWayland(const std::string& scale = "1");
+/// One with two of them, side by side.
+std::unique_ptr<Compositor> startTwoOutputs();
 
 /// Wayland, with one monitor at first.
 std::unique_ptr<Monitors> startMonitors();

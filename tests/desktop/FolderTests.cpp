@@ -109,9 +109,9 @@ TEST_F(Folders, ABusThatComesBackFindsTheHostOnIt) {
     EXPECT_TRUE(eventually([this] { return desktop.call("list").has_value(); })) << desktop.log();
     EXPECT_EQ(
         desktop.log(),
-        "zelto-desktop: the message bus has gone away; other programs cannot reach the widgets until it is "
+        "warning: the message bus has gone away; other programs cannot reach the widgets until it is "
         "back\n"
-        "zelto-desktop: the message bus is back; other programs can reach the widgets\n");
+        "info: the message bus is back; other programs can reach the widgets\n");
     EXPECT_TRUE(desktop.stop());
 }
 
@@ -125,7 +125,7 @@ TEST_F(Folders, AnExtensionThatDiesIdleIsToldOf) {
         ADD_FAILURE() << each;
     EXPECT_TRUE(eventually([this] {
         return desktop.log() ==
-               "zelto-desktop: the widget extension died (signal 9, Killed) while nothing was asked; to be "
+               "warning: the widget extension died (signal 9, Killed) while nothing was asked; to be "
                "started "
                "when something is\n";
     })) << desktop.log();

@@ -22,4 +22,12 @@ inline std::vector<std::string> asNobody(
     return command;
 }
 
+/// A program's copy in a folder: others can come to it, and it is without what its file may do, which a
+/// container cannot give.
+inline std::string copyIn(const std::filesystem::path& folder, const std::filesystem::path& program) {
+    const auto copy = folder / program.filename();
+    std::filesystem::copy_file(program, copy);
+    return copy;
+}
+
 }  // namespace zelto::test

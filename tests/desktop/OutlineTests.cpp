@@ -83,7 +83,7 @@ TEST_F(Outline, TextsAreDrawnAndSaidSoWhereTheFontIsMissing) {
     desktop.start({}, {"FONTCONFIG_FILE=" + (desktop.folder() / "fonts/fonts.conf").string()});
     EXPECT_TRUE(eventually([&] { return desktop.entry(desktop.widgets()[0]).has_value(); }));
     EXPECT_TRUE(
-        desktop.log().starts_with("zelto-desktop: the font Inter is not installed; texts are drawn in Noto"))
+        desktop.log().starts_with("warning: the font Inter is not installed; texts are drawn in Noto"))
         << desktop.log();
 }
 

@@ -65,8 +65,7 @@ TEST_F(RealLife, AnEnormousSnapshotLeavesTenWidgetsRight) {
     // One cause, told once, when the fans have had their second chance.
     ASSERT_TRUE(eventually([this] { return !desktop.log().empty(); }));
     EXPECT_EQ(
-        desktop.log(),
-        "zelto-desktop: ZeltoFans, systemSmall: the widget extension died (signal 6, Aborted)\n");
+        desktop.log(), "warning: ZeltoFans, systemSmall: the widget extension died (signal 6, Aborted)\n");
 
     // A snapshot that the fans can show brings them back.
     WidgetSnapshot::sample().save(HomeLookup::fixed(desktop.folder()));

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <regex>
 #include <sstream>
 
 #include <poll.h>
@@ -114,6 +115,12 @@ bool RunningDesktop::stop() {
 
 namespace {
 
+/// A line of the log from its level on.
+std::string withoutTime(const std::string& line) {
+    static const std::regex time("^[0-9-]{10} [0-9:]{8} ");
+    return std::regex_replace(line, time, "");
+}
+
 /// Whether a line of the log says of the extension what is true of every program here.
 bool tellsWhatIsLacked(const std::string& line) {
     return std::ranges::any_of(lackedHere(), [&](const std::string& name) {
@@ -147,7 +154,7 @@ std::string RunningDesktop::log() const {
     std::istringstream lines(readFile(folder() / "log").value_or(""));
     std::string out;
     for (std::string line; std::getline(lines, line);)
-        if (!tellsWhatIsLacked(line)) out += line + "\n";
+        if (!tellsWhatIsLacked(line)) out += withoutTime(line) + "\n";
     return out;
 }
 

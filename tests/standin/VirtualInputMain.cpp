@@ -41,7 +41,23 @@ const wl_interface pointerManagerInterface{
 const wl_interface keyboardManagerInterface{
     "zwp_virtual_keyboard_manager_v1", 1, 1, keyboardManagerRequests, 0, nullptr};
 
+// KWin has one of its own for both.
+const wl_message fakeRequests[] = {
+    {"authenticate", "ss", plainTypes},
+    {"pointer_motion", "ff", plainTypes},
+    {"button", "uu", plainTypes},
+    {"axis", "uf", plainTypes},
+    {"touch_down", "2uff", plainTypes},
+    {"touch_motion", "2uff", plainTypes},
+    {"touch_up", "2u", plainTypes},
+    {"touch_cancel", "2", plainTypes},
+    {"touch_frame", "2", plainTypes},
+    {"pointer_motion_absolute", "3ff", plainTypes},
+    {"keyboard_key", "4uu", plainTypes}};
+const wl_interface fakeInterface{"org_kde_kwin_fake_input", 4, 11, fakeRequests, 0, nullptr};
+
 struct Globals {
+    wl_proxy* fake = nullptr;
     wl_proxy* pointers = nullptr;
     wl_proxy* keyboards = nullptr;
     wl_proxy* seat = nullptr;
@@ -51,11 +67,14 @@ void found(void* data, wl_registry* registry, std::uint32_t name, const char* in
     auto& globals = *static_cast<Globals*>(data);
     const auto bind = [&](wl_proxy*& proxy, const wl_interface& wanted) {
         if (std::strcmp(interface, wanted.name) == 0)
-            proxy = static_cast<wl_proxy*>(wl_registry_bind(registry, name, &wanted, 1));
+            proxy = static_cast<wl_proxy*>(
+                wl_registry_bind(registry, name, &wanted, static_cast<std::uint32_t>(wanted.version)));
     };
+    bind(globals.fake, fakeInterface);
     bind(globals.pointers, pointerManagerInterface);
     bind(globals.keyboards, keyboardManagerInterface);
-    bind(globals.seat, wl_seat_interface);
+    if (std::strcmp(interface, wl_seat_interface.name) == 0)
+        globals.seat = static_cast<wl_proxy*>(wl_registry_bind(registry, name, &wl_seat_interface, 1));
 }
 void gone(void*, wl_registry*, std::uint32_t) {}
 
@@ -74,6 +93,48 @@ int keymapFile(std::uint32_t& size) {
     return fd;
 }
 
+/// A key with its modifiers (1 shift, 4 control), by the kernel's codes.
+void fakeKey(wl_proxy* fake, std::uint32_t code, std::uint32_t modifiers) {
+    constexpr std::uint32_t shift = 42, control = 29;
+    const auto tell = [fake](std::uint32_t key, bool isDown) {
+        wl_proxy_marshal_flags(fake, 10, nullptr, 4, 0, key, isDown ? 1U : 0U);
+    };
+    if (modifiers & 1) tell(shift, true);
+    if (modifiers & 4) tell(control, true);
+    tell(code, true);
+    tell(code, false);
+    if (modifiers & 4) tell(control, false);
+    if (modifiers & 1) tell(shift, false);
+}
+
+int serveFake(wl_display* display, wl_proxy* fake) {
+    wl_proxy_marshal_flags(fake, 0, nullptr, 4, 0, "test", "test");
+    wl_display_roundtrip(display);
+    std::cout << "ready" << std::endl;
+    std::string word;
+    while (std::cin >> word) {
+        std::uint32_t first = 0, second = 0;
+        std::cin >> first;
+        if (word == "key" || word == "move") std::cin >> second;
+        if (word == "key")
+            fakeKey(fake, first, second);
+        else if (word == "move")
+            wl_proxy_marshal_flags(
+                fake,
+                9,
+                nullptr,
+                4,
+                0,
+                wl_fixed_from_int(static_cast<int>(first)),
+                wl_fixed_from_int(static_cast<int>(second)));
+        else
+            wl_proxy_marshal_flags(fake, 2, nullptr, 4, 0, first, word == "press" ? 1U : 0U);
+        wl_display_roundtrip(display);
+        std::cout << "ok" << std::endl;
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -86,6 +147,7 @@ int main(int argc, char** argv) {
     const wl_registry_listener listener{found, gone};
     wl_registry_add_listener(wl_display_get_registry(display), &listener, &globals);
     wl_display_roundtrip(display);
+    if (globals.fake) return serveFake(display, globals.fake);
     if (!globals.pointers || !globals.keyboards || !globals.seat) return 1;
     wl_proxy* pointer = wl_proxy_marshal_flags(
         globals.pointers,
