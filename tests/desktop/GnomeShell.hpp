@@ -29,7 +29,9 @@ class GnomeShell : public Display {
     void showOverview(bool isShown) const;
 
   private:
-    bool isThere() const;
+    std::string logFile() const;
+    Child startShell() const;
+    bool isReady() const;
     void click(Button button, const std::string& state) const;
     Finished call(std::vector<std::string> words) const;
 
