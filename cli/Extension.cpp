@@ -25,7 +25,7 @@ host::ExtensionProgram programFor(const ExtensionOptions& options) {
 
 // What goes wrong is told by the outcomes; nobody reads a log.
 Extension::Extension(const ExtensionOptions& options)
-    : supervisor_({.program = programFor(options)}, [](host::LogLevel, const std::string&) {}) {}
+    : supervisor_({.program = programFor(options)}, [](runloop::LogLevel, const std::string&) {}) {}
 
 host::Outcomes Extension::ask(std::vector<widgetkit::Request> requests) {
     const texts::Environment environment = texts::Environment::current();
@@ -36,7 +36,7 @@ host::Outcomes Extension::ask(std::vector<widgetkit::Request> requests) {
     const std::size_t count = requests.size();
     host::Outcomes all;
     supervisor_.ask(std::move(requests), [&all](host::Outcomes outcomes) { all.merge(outcomes); });
-    host::runMainLoopUntil([&] { return all.size() == count; });
+    runloop::runMainLoopUntil([&] { return all.size() == count; });
     return all;
 }
 

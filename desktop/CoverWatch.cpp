@@ -8,7 +8,7 @@
 #include <span>
 #include <utility>
 
-#include "host/MainLoop.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -97,7 +97,7 @@ struct CoverWatch::State {
             default: break;
         }
         if (!isNews || std::exchange(isDue, true)) return;
-        due = host::MainSource::after(together, [this] {
+        due = runloop::MainSource::after(together, [this] {
             isDue = false;
             look();
             changed();
@@ -199,7 +199,7 @@ struct CoverWatch::State {
     std::vector<OtherWindow> windows;  // from the lowest to the highest
     std::set<Window> followed;
     bool isDue = false;
-    host::MainSource due;
+    runloop::MainSource due;
 };
 
 CoverWatch::CoverWatch(GdkDisplay* display, std::function<void()> changed) {

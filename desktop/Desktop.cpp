@@ -5,6 +5,7 @@
 #include <set>
 #include <utility>
 
+#include "ActivationToken.hpp"
 #include "Strings.hpp"
 #include "system/PowerSources.hpp"
 
@@ -57,7 +58,7 @@ host::HostSeams Desktop::seams() {
         .onDisk =
             [this](std::function<Result<void>()> work, std::function<void(Result<void>)> then) {
                 disk_.run([work = std::move(work), then = std::move(then)] {
-                    host::postToMainThread([then, done = work()] { then(done); });
+                    runloop::postToMainThread([then, done = work()] { then(done); });
                 });
             },
         .refresh = [this]() -> std::optional<double> {
@@ -69,7 +70,7 @@ host::HostSeams Desktop::seams() {
         },
         .soon =
             [this](std::function<void()> function) {
-                soon_ = host::MainSource::after(0, std::move(function));
+                soon_ = runloop::MainSource::after(0, std::move(function));
             }};
 }
 
@@ -132,7 +133,7 @@ void Desktop::removed(const host::PlacedWidget& widget) {
         auto line = undoLines_.extract(id);
         // Not from within its own signal.
         if (!line.empty())
-            host::postToMainThread([gone = std::shared_ptr<UndoLine>(std::move(line.mapped()))] {});
+            runloop::postToMainThread([gone = std::shared_ptr<UndoLine>(std::move(line.mapped()))] {});
     };
     auto& line = undoLines_[widget.id];
     line = std::make_unique<UndoLine>(
@@ -164,7 +165,7 @@ void Desktop::undo(const std::optional<std::string>& id) {
         const std::shared_ptr<UndoLine> gone = std::move(line->second);
         undoLines_.erase(line);
         gone->hide();
-        host::postToMainThread([gone] {});
+        runloop::postToMainThread([gone] {});
     }
     const auto window = windows_.find(*back);
     if (hadKeys && window != windows_.end()) window->second->takeKeysAt(true);
@@ -173,7 +174,7 @@ void Desktop::undo(const std::optional<std::string>& id) {
 void Desktop::settingsChanged(const host::DesktopSettings& settings) {
     if (gallery_) gallery_->settingsChanged(settings);
     // Not while windows are being arranged, nor from within one of theirs.
-    appearance_ = host::MainSource::after(0, [this] { appearanceChanged(); });
+    appearance_ = runloop::MainSource::after(0, [this] { appearanceChanged(); });
 }
 
 Result<void> Desktop::setOption(const std::string& name, const std::string& value) {
@@ -270,7 +271,7 @@ void Desktop::close(const std::string& id) {
     windows_.erase(found);
     closed_ = {id, window->slot(), window->has_toplevel_focus()};
     window->hide();
-    host::postToMainThread([window] {});
+    runloop::postToMainThread([window] {});
 }
 
 void Desktop::shows(const host::PlacedWidget& widget, const widgetkit::ArchivedEntry& entry) {
@@ -337,15 +338,16 @@ void Desktop::add(const std::string& kind, widgetkit::WidgetFamily family, std::
 }
 
 void Desktop::openLink(const std::string& id, const std::string& url) {
-    const auto opened = links_.open(url);
+    const std::string token = activationToken();
+    const auto opened = links_.open(url, token);
     if (opened || opened.fault().kind != host::LinkFault::Kind::noProgram) {
         linkOpened(id, opened);
         return;
     }
     // Whoever is asked for may take a while to start.
-    app_.run([this, id, url, bus = options_.bus] {
-        const auto handed = host::LinkOpener::handToApp(bus, url);
-        host::postToMainThread([this, id, handed] { linkOpened(id, handed); });
+    app_.run([this, id, url, token, bus = options_.bus] {
+        const auto handed = host::LinkOpener::handToApp(bus, url, token);
+        runloop::postToMainThread([this, id, handed] { linkOpened(id, handed); });
     });
 }
 
@@ -386,7 +388,7 @@ void Desktop::showGallery() {
         gallery_->signal_delete_event().connect([this](GdkEventAny*) {
             // Not from within its own signal.
             const std::shared_ptr<GalleryWindow> closed = std::move(gallery_);
-            host::postToMainThread([closed] {});
+            runloop::postToMainThread([closed] {});
             return false;
         });
     }

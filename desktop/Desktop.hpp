@@ -16,12 +16,12 @@
 #include "host/ExtensionSupervisor.hpp"
 #include "host/Folders.hpp"
 #include "host/LinkOpener.hpp"
-#include "host/Log.hpp"
-#include "host/MainLoop.hpp"
-#include "host/PathWatch.hpp"
 #include "host/SessionWatch.hpp"
-#include "host/WallTimer.hpp"
 #include "host/ZoneWatch.hpp"
+#include "runloop/Log.hpp"
+#include "runloop/MainLoop.hpp"
+#include "runloop/PathWatch.hpp"
+#include "runloop/WallTimer.hpp"
 
 namespace zelto::desktop {
 
@@ -38,7 +38,7 @@ struct DesktopOptions {
     /// Widgets to be added, by kind and family.
     std::vector<std::pair<std::string, widgetkit::WidgetFamily>> additions;
     bool showsGallery = false, takesKeys = false;
-    host::Log log = [](host::LogLevel, const std::string&) {};
+    runloop::Log log = [](runloop::LogLevel, const std::string&) {};
     /// The bus of screen savers.
     bus::Address bus = bus::Address::session();
     /// Whether anybody sees a widget, from now on.
@@ -103,10 +103,10 @@ class Desktop : public host::HostObserver {
     DisplayBackend backend_;
     drawing::Renderer renderer_;
     host::LinkOpener links_;
-    host::WallTimer timer_;
+    runloop::WallTimer timer_;
     host::ZoneWatch zone_;
-    host::PathWatch paths_;
-    host::MainSource timerSource_, zoneSource_, zoneDataSource_, pathSource_, folderSettled_, soon_,
+    runloop::PathWatch paths_;
+    runloop::MainSource timerSource_, zoneSource_, zoneDataSource_, pathSource_, folderSettled_, soon_,
         appearance_;
     host::DiskThread disk_, app_;
     std::unique_ptr<FrameWatch> frames_;

@@ -1,16 +1,13 @@
 // zelto-desktop: the widgets on a desktop.
 
-#include <array>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <exception>
 #include <gtkmm/main.h>
 #include <locale>
 #include <malloc.h>
-#include <mutex>
 
 #include <CLI/CLI.hpp>
 #include <glib-unix.h>
@@ -20,7 +17,7 @@
 #include "foundation/ISO8601.hpp"
 #include "host/BusPresence.hpp"
 #include "host/HostLock.hpp"
-#include "host/LogLimiter.hpp"
+#include "runloop/Log.hpp"
 #include "texts/Environment.hpp"
 
 namespace {
@@ -32,25 +29,7 @@ void complain(const std::string& text) {
     std::fprintf(stderr, "zelto-desktop: %s\n", text.c_str());
 }
 
-void writeLog(host::LogLevel level, const std::string& line) {
-    static std::mutex mutex;
-    static host::LogLimiter limiter;
-    const std::lock_guard lock(mutex);
-    const auto passed = limiter.pass(line);
-    if (!passed) return;
-    constexpr std::array names{"info", "warning", "error"};
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
-    std::array<char, 32> time{};
-    std::strftime(time.data(), time.size(), "%F %T", &local);
-    std::fprintf(
-        stderr, "%s %s: %s\n", time.data(), names.at(static_cast<std::size_t>(level)), passed->c_str());
-}
-
-void logError(const std::string& line) {
-    writeLog(host::LogLevel::error, line);
-}
+using runloop::logToStandardError;
 
 /// For one that has left the bus and is writing its last.
 constexpr std::chrono::seconds lockPatience{3};
@@ -171,7 +150,8 @@ bool startToolkit() {
     // Nothing here is drawn by OpenGL, whose drivers would cost 20 MB and half of the start.
     setenv("GDK_GL", "disable", 0);
     gtk_disable_setlocale();
-    if (const auto trouble = desktop::chooseDisplay()) writeLog(host::LogLevel::warning, *trouble);
+    if (const auto trouble = desktop::chooseDisplay())
+        logToStandardError(runloop::LogLevel::warning, *trouble);
     if (!gtk_init_check(nullptr, nullptr)) return false;
     Gtk::Main::init_gtkmm_internals();
     // The toolkit's wrapper has numbers written with the locale's commas and dots, in files too.
@@ -189,7 +169,7 @@ bool startToolkit() {
 
 desktop::DesktopOptions settingsOf(const Options& options, Additions additions) {
     desktop::DesktopOptions out = options.desktop;
-    out.log = writeLog;
+    out.log = logToStandardError;
     out.folders = host::Folders::current();
     out.additions = std::move(additions);
     out.showsGallery = options.gallery;
@@ -240,7 +220,7 @@ int run(int argc, char** argv) {
     // Whoever has the name is the one host. Calls wait for the main loop, which runs once the desktop is
     // there.
     std::unique_ptr<desktop::Desktop> desktop;
-    host::BusPresence presence(address, actionsOn(desktop), writeLog);
+    host::BusPresence presence(address, actionsOn(desktop), logToStandardError);
     const auto joined = presence.join();
     if (!joined && joined.fault().kind == bus::ErrorKind::nameTaken)
         return handOver(app, address, *additions);
@@ -255,8 +235,8 @@ int run(int argc, char** argv) {
         return 1;
     }
     if (!joined) {
-        writeLog(
-            host::LogLevel::warning,
+        logToStandardError(
+            runloop::LogLevel::warning,
             "without a message bus, other programs cannot reach the widgets: " + joined.fault().text);
         presence.rejoin();
     }
@@ -283,7 +263,7 @@ int main(int argc, char** argv) {
     try {
         return run(argc, argv);
     } catch (const std::exception& error) {
-        logError(error.what());
+        logToStandardError(runloop::LogLevel::error, error.what());
         return 1;
     }
 }

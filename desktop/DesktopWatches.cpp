@@ -18,8 +18,8 @@ void Desktop::wakeAt(std::optional<Date> instant) {
     if (timer_.works())
         timer_.arm(instant);
     else if (instant)
-        timerSource_ =
-            host::MainSource::after(*instant - Date::now(), [this] { lookThen([this] { host_->wake(); }); });
+        timerSource_ = runloop::MainSource::after(
+            *instant - Date::now(), [this] { lookThen([this] { host_->wake(); }); });
 }
 
 void Desktop::lookThen(std::function<void()> then) {
@@ -33,14 +33,14 @@ void Desktop::watchClock() {
     if (!timer_.works())
         options_.log("the system has no timer of the wall clock to give; a clock that is set is not noticed");
     else
-        timerSource_ = host::MainSource::whenReadable(timer_.fd(), [this] {
+        timerSource_ = runloop::MainSource::whenReadable(timer_.fd(), [this] {
             switch (timer_.take()) {
-                case host::WallTimer::Event::clockSet: host_->environmentChanged(); break;
-                case host::WallTimer::Event::expired: lookThen([this] { host_->wake(); }); break;
-                case host::WallTimer::Event::none: break;
+                case runloop::WallTimer::Event::clockSet: host_->environmentChanged(); break;
+                case runloop::WallTimer::Event::expired: lookThen([this] { host_->wake(); }); break;
+                case runloop::WallTimer::Event::none: break;
             }
         });
-    zoneSource_ = host::MainSource::whenReadable(zone_.fd(), [this] {
+    zoneSource_ = runloop::MainSource::whenReadable(zone_.fd(), [this] {
         const auto changes = zone_.take();
         // What the extension has read of the zones stays with it: it is to start anew, also when the setting
         // is a file of its own; after an upgrade, once all is in place.
@@ -49,7 +49,7 @@ void Desktop::watchClock() {
             host_->environmentChanged();
         }
         if (changes.data)
-            zoneDataSource_ = host::MainSource::after(upgradeSeconds, [this] {
+            zoneDataSource_ = runloop::MainSource::after(upgradeSeconds, [this] {
                 supervisor_->restart();
                 host_->environmentChanged();
             });
@@ -60,7 +60,7 @@ void Desktop::watchPaths() {
     if (!paths_.works())
         options_.log("the system has no watch of files to give; what changes in them is seen when it is due");
     paths_.follow({}, {host_->layoutFile()});
-    pathSource_ = host::MainSource::whenReadable(paths_.fd(), [this] {
+    pathSource_ = runloop::MainSource::whenReadable(paths_.fd(), [this] {
         const auto changes = paths_.take();
         if (changes.files.contains(host_->layoutFile())) host_->takeOverEdits();
         if (!changes.folders) {
@@ -69,7 +69,7 @@ void Desktop::watchPaths() {
         }
         supervisor_->restart();
         // What is put into a new folder comes a little later than it.
-        folderSettled_ = host::MainSource::after(settledSeconds, [this] {
+        folderSettled_ = runloop::MainSource::after(settledSeconds, [this] {
             supervisor_->restart();
             host_->reloadAll();
         });

@@ -7,7 +7,7 @@
 #include <wayland-client.h>
 
 #include "foundation/Handle.hpp"
-#include "host/MainLoop.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -65,7 +65,7 @@ struct FrameWatch::State {
     std::function<void()> changed;
     std::map<GdkWindow*, Asked> windows;
     std::vector<std::function<void()>> waiting;
-    host::MainSource tooLate;
+    runloop::MainSource tooLate;
 };
 
 FrameWatch::FrameWatch(GdkDisplay* display, std::function<void()> changed) {
@@ -78,7 +78,7 @@ void FrameWatch::ask(const std::vector<GdkWindow*>& windows, std::function<void(
     if (!state_) return then();
     for (GdkWindow* window : windows) state_->ask(window);
     state_->waiting.push_back(std::move(then));
-    state_->tooLate = host::MainSource::after(patience, [this] { state_->giveUp(); });
+    state_->tooLate = runloop::MainSource::after(patience, [this] { state_->giveUp(); });
     state_->goOn();
 }
 

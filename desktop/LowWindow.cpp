@@ -19,13 +19,13 @@ void LowWindow::takeKeys() {
 void LowWindow::keepKeys() {
     backend_.giveKeys(*this);
     // Nothing is to keep it above others, whatever the compositor does.
-    keysLate_ = host::MainSource::after(keysPatience, [this] { backend_.keysCame(*this); });
+    keysLate_ = runloop::MainSource::after(keysPatience, [this] { backend_.keysCame(*this); });
 }
 
 void LowWindow::letKeysGo() {
     if (!has_toplevel_focus()) return;
     backend_.letKeysGo(*this);
-    keysLate_ = host::MainSource::after(keysPatience, [this] { backend_.keysCame(*this); });
+    keysLate_ = runloop::MainSource::after(keysPatience, [this] { backend_.keysCame(*this); });
 }
 
 bool LowWindow::on_focus_in_event(GdkEventFocus* event) {

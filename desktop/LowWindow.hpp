@@ -4,7 +4,7 @@
 #include <string>
 
 #include "DisplayBackend.hpp"
-#include "host/MainLoop.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::desktop {
 
@@ -27,7 +27,7 @@ class LowWindow : public Gtk::Window {
 
   private:
     const DisplayBackend& backend_;
-    host::MainSource keysLate_;
+    runloop::MainSource keysLate_;
 };
 
 }  // namespace zelto::desktop

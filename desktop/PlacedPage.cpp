@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "Strings.hpp"
-#include "host/MainLoop.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::desktop {
 
@@ -45,7 +45,8 @@ class PlacedPage::Line : public Gtk::Box {
             &addButton(*controls, strings::reload, [this] { static_cast<void>(host_.reload(widget_.id)); });
         remove_ = &addButton(*controls, strings::remove, [this] {
             // Not from within its own signal.
-            host::postToMainThread([&host = host_, id = widget_.id] { static_cast<void>(host.remove(id)); });
+            runloop::postToMainThread(
+                [&host = host_, id = widget_.id] { static_cast<void>(host.remove(id)); });
         });
         pack_start(*controls, Gtk::PACK_SHRINK);
         show_all();

@@ -65,7 +65,7 @@ UndoLine::UndoLine(
     backend.place(*this, slot);
     show();
     backend.keepBelow(*this);
-    over_ = host::MainSource::after(seconds, [this] { seams_.over(); });
+    over_ = runloop::MainSource::after(seconds, [this] { seams_.over(); });
 }
 
 bool UndoLine::on_key_press_event(GdkEventKey* event) {

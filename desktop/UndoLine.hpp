@@ -31,7 +31,7 @@ class UndoLine : public LowWindow {
   private:
     Seams seams_;
     Gtk::Button button_;
-    host::MainSource over_;
+    runloop::MainSource over_;
 };
 
 }  // namespace zelto::desktop

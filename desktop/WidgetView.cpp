@@ -8,9 +8,9 @@
 
 #include "PaintPicture.hpp"
 #include "drawing/Paths.hpp"
-#include "host/MainLoop.hpp"
 #include "layout/ChangedArea.hpp"
 #include "layout/Layout.hpp"
+#include "runloop/MainLoop.hpp"
 #include "ui/Reading.hpp"
 #include "ui/TimerText.hpp"
 
@@ -62,7 +62,7 @@ void addOutline(
 }  // namespace
 
 struct WidgetView::Sources {
-    host::MainSource tick, message, flash;
+    runloop::MainSource tick, message, flash;
 };
 
 TapArea::TapArea(double cornerRadius, bool showsHover)
@@ -232,7 +232,7 @@ void WidgetView::say(const std::string& text, double seconds) {
     int least = 0, natural = 0;
     message.get_preferred_height_for_width(width, least, natural);
     move(message, rounded(12 * zoom_), rounded(size_.height * zoom_) - natural - rounded(12 * zoom_));
-    sources_->message = host::MainSource::after(seconds, [this] { message_->hide(); });
+    sources_->message = runloop::MainSource::after(seconds, [this] { message_->hide(); });
 }
 
 void WidgetView::announce(const std::string& text) {
@@ -277,7 +277,7 @@ void WidgetView::setAge(const std::string& text) {
 void WidgetView::flash() {
     isFlashing_ = true;
     queue_draw();
-    sources_->flash = host::MainSource::after(flashSeconds, [this] {
+    sources_->flash = runloop::MainSource::after(flashSeconds, [this] {
         isFlashing_ = false;
         queue_draw();
     });
@@ -336,7 +336,7 @@ void WidgetView::waitForTick() {
             const Date change = ui::nextTimerChange(countdown->end, now);
             next = next ? std::min(*next, change) : change;
         }
-    if (next) sources_->tick = host::MainSource::after(*next - now, [this] { tick(); });
+    if (next) sources_->tick = runloop::MainSource::after(*next - now, [this] { tick(); });
 }
 
 void WidgetView::tick() {

@@ -9,7 +9,7 @@
 
 #include "Outline.hpp"
 #include "Strings.hpp"
-#include "host/MainLoop.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::desktop {
 namespace {
@@ -190,7 +190,7 @@ void WidgetWindow::takeKeysAt(bool isFirst) {
 
 /// A compositor closes what was on a monitor that went away; the widget comes back on another one.
 bool WidgetWindow::on_delete_event(GdkEventAny*) {
-    host::postToMainThread([this, isThere = std::weak_ptr(life_)] {
+    runloop::postToMainThread([this, isThere = std::weak_ptr(life_)] {
         if (isThere.expired()) return;
         hide();
         tellSeen();

@@ -12,8 +12,8 @@
 #include "LowWindow.hpp"
 #include "Walking.hpp"
 #include "WidgetView.hpp"
-#include "host/MainLoop.hpp"
 #include "host/WidgetHost.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::desktop {
 

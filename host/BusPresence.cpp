@@ -4,7 +4,7 @@
 
 namespace zelto::host {
 
-BusPresence::BusPresence(bus::Address address, DesktopActions actions, Log log)
+BusPresence::BusPresence(bus::Address address, DesktopActions actions, runloop::Log log)
     : address_(std::move(address)), actions_(std::move(actions)), log_(std::move(log)) {
     actions_.isSeen = [isSeen = isSeen_] { return isSeen->load(); };
 }
@@ -15,14 +15,14 @@ void BusPresence::setSeen(bool isSeen) {
 
 bus::Result<void> BusPresence::join() {
     const auto lost = [this] {
-        postToMainThread([this] {
+        runloop::postToMainThread([this] {
             if (!listener_) return;
             log_("the message bus has gone away; other programs cannot reach the widgets until it is back");
             listener_.reset();
             rejoin();
         });
     };
-    auto listener = listenAsDesktop(address_, actions_, postToMainThread, lost);
+    auto listener = listenAsDesktop(address_, actions_, runloop::postToMainThread, lost);
     if (!listener) return std::move(listener).fault();
     listener_.emplace(*std::move(listener));
     return {};
@@ -30,14 +30,14 @@ bus::Result<void> BusPresence::join() {
 
 void BusPresence::rejoin() {
     backoff_.failed();
-    retry_ = MainSource::after(backoff_.pause(), [this] { tryAgain(); });
+    retry_ = runloop::MainSource::after(backoff_.pause(), [this] { tryAgain(); });
 }
 
 void BusPresence::tryAgain() {
     const auto joined = join();
     if (joined) {
         log_.info("the message bus is back; other programs can reach the widgets");
-        backoff_ = Backoff(firstPause, longestPause);
+        backoff_ = runloop::Backoff(firstPause, longestPause);
         why_.clear();
         return;
     }

@@ -148,6 +148,8 @@ bus::Interface desktopInterface(const DesktopActions& actions) {
     out.methods.push_back(method("set", {"option", "value"}, {}, set));
     out.methods.push_back(method("quit", {}, {}, quit));
     out.properties.push_back({"seen", actions.isSeen});
+    // Nobody need call `reload` when the snapshot has changed.
+    out.properties.push_back({"watchesFiles", [] { return true; }});
     return out;
 }
 

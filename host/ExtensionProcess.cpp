@@ -14,8 +14,8 @@
 
 #include "foundation/Files.hpp"
 #include "foundation/Handle.hpp"
-#include "host/MainLoop.hpp"
 #include "records/JSONEncoder.hpp"
+#include "runloop/MainLoop.hpp"
 #include "widgetkit/ReplyReader.hpp"
 
 namespace zelto::host {
@@ -112,7 +112,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
         };
     }
     void unwatch() {
-        for (MainSource* source :
+        for (runloop::MainSource* source :
              {&readable, &writable, &errorsReadable, &deadlineTimer, &quietTimer, &exitTimer})
             source->reset();
     }
@@ -140,7 +140,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
         if (open.empty())
             flush();
         else
-            quietTimer = MainSource::after(together, whileThere(&State::flush));
+            quietTimer = runloop::MainSource::after(together, whileThere(&State::flush));
     }
 
     /// Moves whole lines to the requests that wait for them.
@@ -195,7 +195,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
         writable.reset();
         g_output_stream_close(g_subprocess_get_stdin_pipe(subprocess.get()), nullptr, nullptr);
         input = -1;
-        exitTimer = MainSource::after(exitGrace, whileThere(&State::outlivedItsOutput));
+        exitTimer = runloop::MainSource::after(exitGrace, whileThere(&State::outlivedItsOutput));
         whenGone(subprocess.get(), whileThere(&State::gone));
     }
     void gone() { over(describe(subprocess.get()) + stderrTail()); }
@@ -214,7 +214,8 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
         exitReason = std::move(reason);
         unwatch();
         // Not from within: whoever hears of it lets go of this object.
-        if (open.empty() && answered.empty() && endedIdle) postToMainThread(std::exchange(endedIdle, {}));
+        if (open.empty() && answered.empty() && endedIdle)
+            runloop::postToMainThread(std::exchange(endedIdle, {}));
         for (const auto& [id, place] : std::exchange(open, {}))
             answered.emplace(place, NoReply{exitReason, true});
         flush();
@@ -222,7 +223,8 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
 
     void flush() {
         if (open.empty())
-            for (MainSource* source : {&deadlineTimer, &quietTimer, &errorsReadable}) source->reset();
+            for (runloop::MainSource* source : {&deadlineTimer, &quietTimer, &errorsReadable})
+                source->reset();
         if (answered.empty()) return;
         const auto to = open.empty() ? std::exchange(deliver, nullptr) : deliver;
         if (to) to(std::exchange(answered, {}));
@@ -231,7 +233,7 @@ struct ExtensionProcess::State : std::enable_shared_from_this<State> {
     Subprocess subprocess;
     double deadline;  // of an exchange, in seconds
     int input, output, errors;
-    MainSource readable, writable, errorsReadable, deadlineTimer, quietTimer, exitTimer;
+    runloop::MainSource readable, writable, errorsReadable, deadlineTimer, quietTimer, exitTimer;
     widgetkit::ReplyReader reader;
     std::string pending;                       // what is still to be sent
     std::string received;                      // what is not a whole line yet
@@ -260,7 +262,7 @@ Result<ExtensionProcess> ExtensionProcess::start(const ExtensionProgram& program
         return Fault{.reason = "cannot start the widget extension " + words.front() + ": " + reason};
     }
     auto state = std::make_shared<State>(std::move(started), program.deadline);
-    state->readable = MainSource::whenReadable(state->output, state->whileThere(&State::receive));
+    state->readable = runloop::MainSource::whenReadable(state->output, state->whileThere(&State::receive));
     return ExtensionProcess(std::move(state));
 }
 
@@ -291,8 +293,8 @@ void ExtensionProcess::dismiss() && {
     state->unwatch();
     g_output_stream_close(g_subprocess_get_stdin_pipe(state->subprocess.get()), nullptr, nullptr);
     // The timer goes away with the process.
-    const auto timer = std::make_shared<MainSource>(
-        MainSource::after(dismissalGrace, [state] { g_subprocess_force_exit(state->subprocess.get()); }));
+    const auto timer = std::make_shared<runloop::MainSource>(runloop::MainSource::after(
+        dismissalGrace, [state] { g_subprocess_force_exit(state->subprocess.get()); }));
     whenGone(state->subprocess.get(), [timer] { timer->reset(); });
 }
 
@@ -312,14 +314,15 @@ void ExtensionProcess::exchange(
         }
     }
     if (state.open.empty()) {
-        state.quietTimer = MainSource::after(0, state.whileThere(&State::flush));
+        state.quietTimer = runloop::MainSource::after(0, state.whileThere(&State::flush));
         return;
     }
-    state.deadlineTimer = MainSource::after(state.deadline, state.whileThere(&State::deadlinePassed));
+    state.deadlineTimer =
+        runloop::MainSource::after(state.deadline, state.whileThere(&State::deadlinePassed));
     // Only who is waited for is listened to.
-    state.errorsReadable = MainSource::whenReadable(state.errors, state.whileThere(&State::listen));
+    state.errorsReadable = runloop::MainSource::whenReadable(state.errors, state.whileThere(&State::listen));
     if (state.input >= 0)
-        state.writable = MainSource::whenWritable(state.input, state.whileThere(&State::send));
+        state.writable = runloop::MainSource::whenWritable(state.input, state.whileThere(&State::send));
 }
 
 std::filesystem::path installedExtension() {

@@ -58,7 +58,7 @@ struct ExtensionSupervisor::Apart {
     Outcomes last = {};
 };
 
-ExtensionSupervisor::ExtensionSupervisor(ExtensionOptions options, Log log)
+ExtensionSupervisor::ExtensionSupervisor(ExtensionOptions options, runloop::Log log)
     : options_(std::move(options)),
       log_(std::move(log)),
       backoff_(options_.firstPause, options_.longestPause) {}
@@ -83,10 +83,10 @@ bool ExtensionSupervisor::needsStart() const {
 void ExtensionSupervisor::schedule() {
     idle_.reset();
     if (!waiting_.empty())
-        next_ = MainSource::after(
+        next_ = runloop::MainSource::after(
             needsStart() ? seconds(startableAt_ - Clock::now()) : 0, [this] { startRound(); });
     else if (process_)
-        idle_ = MainSource::after(seconds(options_.idle), [this] {
+        idle_ = runloop::MainSource::after(seconds(options_.idle), [this] {
             std::move(*process_).dismiss();
             process_.reset();
         });

@@ -26,10 +26,10 @@ Result<void, LinkFault> outcomeOf(bool isOpened, const std::string& url, GError*
 
 }  // namespace
 
-Result<void, LinkFault> LinkOpener::open(const std::string& url) const {
+Result<void, LinkFault> LinkOpener::open(const std::string& url, const std::string& token) const {
     if (!url.starts_with(std::string(scheme) + "://"))
         return LinkFault{LinkFault::Kind::refused, "a link that is not the app's is not opened: " + url};
-    return command_.empty() ? openWithHandler(url) : openWithCommand(url);
+    return command_.empty() ? openWithHandler(url, token) : openWithCommand(url);
 }
 
 Result<void, LinkFault> LinkOpener::openWithCommand(const std::string& url) const {
@@ -43,19 +43,24 @@ Result<void, LinkFault> LinkOpener::openWithCommand(const std::string& url) cons
     return outcomeOf(isStarted, url, error);
 }
 
-Result<void, LinkFault> LinkOpener::openWithHandler(const std::string& url) {
+Result<void, LinkFault> LinkOpener::openWithHandler(const std::string& url, const std::string& token) {
     const Handle<GAppInfo, g_object_unref> handler(g_app_info_get_default_for_uri_scheme(scheme));
     if (!handler) return LinkFault{LinkFault::Kind::noProgram, "no program opens " + url};
     std::string mutableURL = url;
     GList link{mutableURL.data(), nullptr, nullptr};
+    const Handle<GAppLaunchContext, g_object_unref> context(g_app_launch_context_new());
+    if (!token.empty())
+        for (const char* variable : {"XDG_ACTIVATION_TOKEN", "DESKTOP_STARTUP_ID"})
+            g_app_launch_context_setenv(context.get(), variable, token.c_str());
     GError* error = nullptr;
-    const bool isLaunched = g_app_info_launch_uris(handler.get(), &link, nullptr, &error);
+    const bool isLaunched = g_app_info_launch_uris(handler.get(), &link, context.get(), &error);
     return outcomeOf(isLaunched, url, error);
 }
 
-Result<void, LinkFault> LinkOpener::handToApp(const bus::Address& bus, const std::string& url) {
+Result<void, LinkFault> LinkOpener::handToApp(
+    const bus::Address& bus, const std::string& url, const std::string& token) {
     bus::Connection connection(bus, app);
-    const auto opened = connection.call<void>("open", appPatience, url);
+    const auto opened = connection.call<void>("open", appPatience, url, token);
     if (opened) return {};
     if (opened.fault().kind == bus::ErrorKind::peerAbsent)
         return LinkFault{LinkFault::Kind::noProgram, "no program opens " + url};

@@ -2,37 +2,15 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <functional>
 #include <span>
 
-#include "foundation/Files.hpp"
+#include "system/KernelValues.hpp"
 
 namespace zelto::system {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// A file of one line, without its end.
-std::optional<std::string> line(const fs::path& path) {
-    auto text = readFile(path);
-    if (text) text->erase(std::min(text->find('\n'), text->size()));
-    return text;
-}
-
-std::optional<std::int64_t> number(const fs::path& path) {
-    const auto text = line(path);
-    std::int64_t value = 0;
-    if (!text || text->empty()) return std::nullopt;
-    const auto [end, error] = std::from_chars(text->data(), text->data() + text->size(), value);
-    if (error != std::errc() || end != text->data() + text->size()) return std::nullopt;
-    return value;
-}
-
-bool isMachineBattery(const fs::path& folder) {
-    return line(folder / "type") == "Battery" && line(folder / "scope") != "Device" &&
-           number(folder / "present") != 0;
-}
 
 struct Charge {
     std::int64_t now = 0;
@@ -45,12 +23,12 @@ constexpr std::array<std::string_view, 3> quantities{"energy", "charge", "capaci
 /// What a battery holds in one unit; absent when it does not tell it, or tells that it can hold nothing.
 std::optional<Charge> charge(const fs::path& battery, std::string_view quantity) {
     if (quantity == "capacity") {
-        const auto percent = number(battery / "capacity");
+        const auto percent = kernelInteger(battery / "capacity");
         if (!percent) return std::nullopt;
         return Charge{*percent, 100};
     }
-    const auto now = number(battery / (std::string(quantity) + "_now"));
-    const auto full = number(battery / (std::string(quantity) + "_full"));
+    const auto now = kernelInteger(battery / (std::string(quantity) + "_now"));
+    const auto full = kernelInteger(battery / (std::string(quantity) + "_full"));
     if (!now || !full || *full < 1) return std::nullopt;
     return Charge{*now, *full};
 }
@@ -81,16 +59,17 @@ std::optional<Charge> heldBy(std::span<const fs::path> batteries) {
 
 }  // namespace
 
+bool isMachineBattery(const fs::path& supply) {
+    return kernelLine(supply / "type") == "Battery" && kernelLine(supply / "scope") != "Device" &&
+           kernelInteger(supply / "present") != 0;
+}
+
 std::optional<std::vector<PowerSourceDescription>> readPowerSources(const fs::path& classFolder) {
     std::error_code error;
-    fs::directory_iterator folder(classFolder, error);
-    if (error) return std::nullopt;
-
-    std::vector<fs::path> batteries;
-    for (; folder != fs::directory_iterator() && !error; folder.increment(error))
-        if (isMachineBattery(folder->path())) batteries.push_back(folder->path());
+    if (!fs::is_directory(classFolder, error)) return std::nullopt;
+    std::vector<fs::path> batteries = entriesOf(classFolder);
+    std::erase_if(batteries, std::not_fn(isMachineBattery));
     if (batteries.empty()) return std::vector<PowerSourceDescription>();
-    std::ranges::sort(batteries);
     // One that tells nothing of its charge would hide what the others tell.
     if (std::ranges::any_of(batteries, tellsCharge)) std::erase_if(batteries, std::not_fn(tellsCharge));
 
@@ -101,16 +80,14 @@ std::optional<std::vector<PowerSourceDescription>> readPowerSources(const fs::pa
         source["Max Capacity"] = held->full;
     }
     source["Is Charging"] = std::ranges::any_of(
-        batteries, [](const auto& battery) { return line(battery / "status") == "Charging"; });
+        batteries, [](const auto& battery) { return kernelLine(battery / "status") == "Charging"; });
     return std::vector{std::move(source)};
 }
 
 bool isOnBattery(const fs::path& classFolder) {
-    std::error_code error;
-    fs::directory_iterator folder(classFolder, error);
-    for (; !error && folder != fs::directory_iterator(); folder.increment(error))
-        if (isMachineBattery(folder->path()) && line(folder->path() / "status") == "Discharging") return true;
-    return false;
+    return std::ranges::any_of(entriesOf(classFolder), [](const fs::path& source) {
+        return isMachineBattery(source) && kernelLine(source / "status") == "Discharging";
+    });
 }
 
 }  // namespace zelto::system

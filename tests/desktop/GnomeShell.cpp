@@ -57,7 +57,8 @@ std::vector<std::string> withBuses(std::vector<std::string> variables, const std
 GnomeShell::GnomeShell()
     : variables_(withBuses(variablesIn(folder_.path()), folder_.path())),
       systemBus_(startBus(folder_.path(), variables_, "system-bus")),
-      bus_(startBus(folder_.path(), variables_, "bus")), shell_(startShell()) {
+      bus_(startBus(folder_.path(), variables_, "bus")),
+      shell_(startShell()) {
     // On a busy machine it now and then hangs for good while it starts, and answers nobody.
     if (!isReady()) shell_ = startShell();
     if (!isReady()) throw std::runtime_error(readFile(logFile()).value_or("no shell"));
@@ -86,13 +87,15 @@ Child GnomeShell::startShell() const {
     std::filesystem::remove(logFile());
     return Child(
         asNobody(
-            folder_.path(), {"gnome-shell",
-                             "--headless",
-                             "--wayland",
-                             "--virtual-monitor",
-                             std::to_string(width) + "x" + std::to_string(height),
-                             "--unsafe-mode"}),
-        variables_, logFile());
+            folder_.path(),
+            {"gnome-shell",
+             "--headless",
+             "--wayland",
+             "--virtual-monitor",
+             std::to_string(width) + "x" + std::to_string(height),
+             "--unsafe-mode"}),
+        variables_,
+        logFile());
 }
 
 bool GnomeShell::isReady() const {
@@ -119,7 +122,12 @@ std::vector<std::string> GnomeShell::environment() const {
 Finished GnomeShell::call(std::vector<std::string> words) const {
     words.insert(
         words.begin(),
-        {"/usr/bin/gdbus", "call", "--timeout", "10", "--address", "unix:path=" + (folder_.path() / "bus").string()});
+        {"/usr/bin/gdbus",
+         "call",
+         "--timeout",
+         "10",
+         "--address",
+         "unix:path=" + (folder_.path() / "bus").string()});
     return run(asNobody(folder_.path(), std::move(words)), "", variables_);
 }
 

@@ -35,7 +35,7 @@ struct Supervisor : testing::Test {
 
     void make() {
         supervisor = std::make_unique<ExtensionSupervisor>(
-            options, [this](LogLevel, const std::string& line) { log.push_back(line); });
+            options, [this](runloop::LogLevel, const std::string& line) { log.push_back(line); });
     }
     /// A program in the extension's place.
     void standIn(const std::string& script) {
@@ -47,7 +47,7 @@ struct Supervisor : testing::Test {
         const std::size_t count = requests.size();
         Outcomes got;
         supervisor->ask(std::move(requests), [&](Outcomes outcomes) { got.merge(outcomes); });
-        runMainLoopUntil([&] { return got.size() == count; });
+        runloop::runMainLoopUntil([&] { return got.size() == count; });
         return got;
     }
     std::string errorOf(std::vector<Request> requests = {{.request = RequestKind::bundle}}) {
@@ -82,7 +82,7 @@ TEST_F(Supervisor, GivesEachAskerItsOwn) {
         supervisor->ask(std::vector<Request>(count, bundle), [&](const Outcomes& outcomes) {
             sizes.push_back(outcomes.size());
         });
-    runMainLoopUntil([&] { return sizes.size() == 3; });
+    runloop::runMainLoopUntil([&] { return sizes.size() == 3; });
     EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 3, 2}));
 }
 
@@ -97,12 +97,12 @@ TEST_F(Supervisor, EndsAProcessThatNobodyNeeds) {
         mark.string() + "'");
     EXPECT_EQ(errorOf(), "");
     std::string said;
-    const auto source = MainSource::whenReadable(reader.get(), [&] {
+    const auto source = runloop::MainSource::whenReadable(reader.get(), [&] {
         std::array<char, 16> buffer;
         if (const auto count = read(reader.get(), buffer.data(), buffer.size()); count > 0)
             said.append(buffer.data(), static_cast<std::size_t>(count));
     });
-    runMainLoopUntil([&] { return said == "over\n"; });
+    runloop::runMainLoopUntil([&] { return said == "over\n"; });
     EXPECT_EQ(errorOf(), "");
     EXPECT_TRUE(log.empty());
 }
@@ -256,7 +256,7 @@ TEST_F(Supervisor, WhatIsAnsweredDoesNotWaitForAHang) {
     Outcomes got;
     supervisor->ask(
         {placeholder("A"), placeholder("Deadly")}, [&](Outcomes outcomes) { got.merge(outcomes); });
-    runMainLoopUntil([&] { return !got.empty(); });
+    runloop::runMainLoopUntil([&] { return !got.empty(); });
     EXPECT_TRUE(got.contains(0));
     EXPECT_FALSE(got.contains(1));
 }
@@ -291,7 +291,7 @@ TEST_F(Supervisor, AHangThatIsAskedAgainKeepsNobodyWaiting) {
     std::vector<std::string> order;
     supervisor->ask({placeholder("Deadly")}, [&](const Outcomes&) { order.emplace_back("deadly"); });
     supervisor->ask({placeholder("A")}, [&](const Outcomes&) { order.emplace_back("other"); });
-    runMainLoopUntil([&] { return order.size() == 2; });
+    runloop::runMainLoopUntil([&] { return order.size() == 2; });
     EXPECT_EQ(order, (std::vector<std::string>{"other", "deadly"}));
 }
 

@@ -16,7 +16,7 @@ TEST(Folders, FollowTheEnvironmentIfItIsAbsolute) {
         const std::map<std::string, std::optional<std::string>, std::less<>> variables{
             {"XDG_CONFIG_HOME", config}, {"XDG_CACHE_HOME", cache}, {"HOME", home}};
         const auto folders =
-            Folders::of([&](std::string_view name) { return variables.find(name)->second; }, "/home/ana");
+            Folders::of({[&](std::string_view name) { return variables.find(name)->second; }, "/home/ana"});
         return folders.configuration.string() + " " + folders.cache.string();
     };
     EXPECT_EQ(of(std::nullopt, std::nullopt), "/home/ana/.config/zelto /home/ana/.cache/zelto");

@@ -40,7 +40,7 @@ struct Hosted : testing::Test, HostObserver {
     void SetUp() override { make(); }
     void make() {
         standing.clear();
-        const auto note = [this](LogLevel, const std::string& line) { log.push_back(line); };
+        const auto note = [this](runloop::LogLevel, const std::string& line) { log.push_back(line); };
         host = std::make_unique<WidgetHost>(
             HostSeams{
                 .now = [this] { return now; },

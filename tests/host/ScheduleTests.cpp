@@ -211,7 +211,7 @@ TEST(Schedule, ForgetsWidgetsThatWereRemoved) {
 }
 
 TEST(Backoff, GrowsWithFailuresAndShrinksWithSuccesses) {
-    Backoff backoff(1, 60);
+    runloop::Backoff backoff(1, 60);
     std::vector<double> pauses;
     const auto note = [&] { pauses.push_back(backoff.pause()); };
     note();

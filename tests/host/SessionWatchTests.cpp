@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "foundation/Handle.hpp"
-#include "host/MainLoop.hpp"
 #include "host/SessionWatch.hpp"
+#include "runloop/MainLoop.hpp"
 #include "tests/support/PrivateBus.hpp"
 
 namespace zelto::host {
@@ -145,8 +145,8 @@ struct WatchedSession : testing::Test {
     }
     static void until(const std::function<bool()>& condition) {
         bool isLate = false;
-        const auto limit = MainSource::after(20, [&] { isLate = true; });
-        runMainLoopUntil([&] { return condition() || isLate; });
+        const auto limit = runloop::MainSource::after(20, [&] { isLate = true; });
+        runloop::runMainLoopUntil([&] { return condition() || isLate; });
         EXPECT_FALSE(isLate);
     }
     /// What is told of a change.
@@ -209,8 +209,8 @@ TEST(SessionWatch, WithoutABusEverythingIsSeen) {
     const auto nowhere = bus::Address::at("unix:path=/no/such/bus");
     const SessionWatch watch(nowhere, nowhere, {.changed = [&](bool) { isTold = true; }, .woke = [] {}});
     bool isOver = false;
-    const auto end = MainSource::after(0, [&] { isOver = true; });
-    runMainLoopUntil([&] { return isOver; });
+    const auto end = runloop::MainSource::after(0, [&] { isOver = true; });
+    runloop::runMainLoopUntil([&] { return isOver; });
     EXPECT_FALSE(isTold);
 }
 

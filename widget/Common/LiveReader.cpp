@@ -69,14 +69,8 @@ std::optional<CPUUsage> cpuUsage(const SystemReadings& system) {
 }
 
 double memoryUsage(const SystemReadings& system) {
-    const auto pages = system.virtualMemory();
-    const std::uint64_t physical = system.physicalMemory();
-    if (!pages || physical == 0) return 0;
-    const std::uint64_t app = pages->internal - std::min(pages->internal, pages->purgeable);
-    const double used = (static_cast<double>(app) + static_cast<double>(pages->wired) +
-                         static_cast<double>(pages->compressor)) *
-                        static_cast<double>(system.pageSize());
-    return std::min(used / static_cast<double>(physical), 1.0);
+    const auto memory = memoryUse(system);
+    return memory ? memory->fraction() : 0;
 }
 
 DiskUsage diskUsage(const SystemReadings& system) {

@@ -6,10 +6,10 @@
 #include <optional>
 #include <string>
 
-#include "host/Backoff.hpp"
 #include "host/DesktopInterface.hpp"
-#include "host/Log.hpp"
-#include "host/MainLoop.hpp"
+#include "runloop/Backoff.hpp"
+#include "runloop/Log.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::host {
 
@@ -17,7 +17,7 @@ namespace zelto::host {
 /// thread of the main loop.
 class BusPresence {
   public:
-    BusPresence(bus::Address address, DesktopActions actions, Log log);
+    BusPresence(bus::Address address, DesktopActions actions, runloop::Log log);
 
     /// Offers the service; the reason when that fails. Nothing is tried again then.
     bus::Result<void> join();
@@ -37,10 +37,10 @@ class BusPresence {
     /// Read on the bus's thread.
     std::shared_ptr<std::atomic<bool>> isSeen_ = std::make_shared<std::atomic<bool>>(true);
     DesktopActions actions_;
-    Log log_;
+    runloop::Log log_;
     std::optional<bus::Listener> listener_;
-    Backoff backoff_{firstPause, longestPause};
-    MainSource retry_;
+    runloop::Backoff backoff_{firstPause, longestPause};
+    runloop::MainSource retry_;
     std::string why_;  // the last attempt failed
 };
 

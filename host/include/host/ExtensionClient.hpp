@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "host/ExtensionProcess.hpp"
-#include "host/Log.hpp"
+#include "runloop/Log.hpp"
 #include "texts/Environment.hpp"
 
 namespace zelto::host {
@@ -34,7 +34,7 @@ struct ExtensionClient {
 struct AskerSeams {
     const ExtensionClient& client;
     std::function<Date()> now;
-    Log log;
+    runloop::Log log;
     /// An answer came, or failed to: something may be new, or due.
     std::function<void()> changed;
 };

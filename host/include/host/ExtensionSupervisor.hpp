@@ -12,10 +12,10 @@
 #include <utility>
 #include <vector>
 
-#include "host/Backoff.hpp"
 #include "host/ExtensionProcess.hpp"
-#include "host/Log.hpp"
-#include "host/MainLoop.hpp"
+#include "runloop/Backoff.hpp"
+#include "runloop/Log.hpp"
+#include "runloop/MainLoop.hpp"
 
 namespace zelto::host {
 
@@ -38,7 +38,7 @@ class ExtensionSupervisor {
     /// Gets what became of each request, once; in several calls when some take much longer than others.
     using Completion = std::function<void(Outcomes)>;
 
-    ExtensionSupervisor(ExtensionOptions options, Log log);
+    ExtensionSupervisor(ExtensionOptions options, runloop::Log log);
     ~ExtensionSupervisor();
     ExtensionSupervisor(const ExtensionSupervisor&) = delete;
     ExtensionSupervisor& operator=(const ExtensionSupervisor&) = delete;
@@ -77,15 +77,15 @@ class ExtensionSupervisor {
     void conclude(Aparts::iterator apart);
 
     const ExtensionOptions options_;
-    const Log log_;
+    const runloop::Log log_;
     std::deque<Work> waiting_;
     bool isBusy_ = false, isStale_ = false;
     std::set<Subject> deadly_;  // to be asked apart
-    Backoff backoff_;
+    runloop::Backoff backoff_;
     Clock::time_point startableAt_{};
     std::optional<ExtensionProcess> process_;
     Aparts apart_;
-    MainSource next_, idle_;
+    runloop::MainSource next_, idle_;
     std::shared_ptr<bool> alive_ = std::make_shared<bool>();  // as long as this object
 };
 

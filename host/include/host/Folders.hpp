@@ -1,10 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <functional>
-#include <optional>
-#include <string>
-#include <string_view>
+
+#include "foundation/PersonalFolders.hpp"
 
 namespace zelto::host {
 
@@ -13,12 +11,7 @@ struct Folders {
     std::filesystem::path configuration;  // the widgets' places
     std::filesystem::path cache;          // their last timelines
 
-    /// By XDG_CONFIG_HOME and XDG_CACHE_HOME; one that is missing or not absolute counts as the usual folder
-    /// in `home`.
-    static Folders of(
-        const std::function<std::optional<std::string>(std::string_view)>& variable,
-        const std::filesystem::path& home);
-
+    static Folders of(const PersonalFolders& personal);
     static Folders current();
 };
 

@@ -23,14 +23,17 @@ class LinkOpener {
     /// `command` is run with the link as its last argument; empty for the desktop's handler of the scheme.
     explicit LinkOpener(std::string command) : command_(std::move(command)) {}
 
-    Result<void, LinkFault> open(const std::string& url) const;
+    /// `token` is the desktop's for the tap, so that a window which the link opens comes to the front; it may
+    /// be empty.
+    Result<void, LinkFault> open(const std::string& url, const std::string& token = {}) const;
     /// Hands a link to the app that is on the bus, or that the bus can start: its method `open`. Waits for
     /// the answer, at most five seconds.
-    static Result<void, LinkFault> handToApp(const bus::Address& bus, const std::string& url);
+    static Result<void, LinkFault> handToApp(
+        const bus::Address& bus, const std::string& url, const std::string& token = {});
 
   private:
     Result<void, LinkFault> openWithCommand(const std::string& url) const;
-    static Result<void, LinkFault> openWithHandler(const std::string& url);
+    static Result<void, LinkFault> openWithHandler(const std::string& url, const std::string& token);
 
     std::string command_;
 };

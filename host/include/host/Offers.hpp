@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "host/Backoff.hpp"
 #include "host/ExtensionClient.hpp"
 #include "host/Schedule.hpp"
+#include "runloop/Backoff.hpp"
 
 namespace zelto::host {
 
@@ -38,7 +38,7 @@ class Offers {
     widgetkit::Confinement confinement_;
     bool isAsking_ = false;
     Date askAt_{};
-    Backoff backoff_{Schedule::firstPause, Schedule::longestPause};
+    runloop::Backoff backoff_{Schedule::firstPause, Schedule::longestPause};
 };
 
 }  // namespace zelto::host

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "host/ExtensionClient.hpp"
-#include "host/Log.hpp"
+#include "runloop/Log.hpp"
 
 namespace zelto::host {
 
@@ -13,7 +13,7 @@ namespace zelto::host {
 class Previews {
   public:
     /// `client` must outlive what was asked.
-    Previews(const ExtensionClient& client, Log log) : client_(client), log_(std::move(log)) {}
+    Previews(const ExtensionClient& client, runloop::Log log) : client_(client), log_(std::move(log)) {}
 
     /// The completion gets nothing, and the log a line, when the extension has none.
     void ask(
@@ -31,7 +31,7 @@ class Previews {
 
   private:
     const ExtensionClient& client_;
-    Log log_;
+    runloop::Log log_;
 };
 
 }  // namespace zelto::host

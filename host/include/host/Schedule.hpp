@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Backoff.hpp"
+#include "runloop/Backoff.hpp"
 #include "widgetkit/Messages.hpp"
 
 namespace zelto::host {
@@ -83,7 +83,7 @@ class Schedule {
         std::optional<Date> receivedAt = {};
         /// When to ask for the next timeline; absent for at once.
         std::optional<Date> askAt = {};
-        Backoff backoff{firstPause, longestPause};
+        runloop::Backoff backoff{firstPause, longestPause};
     };
     Date askingInstantOf(const Widget& widget) const;
     /// When the reloads that are due next go out.

@@ -11,10 +11,10 @@
 
 #include "host/DesktopLayoutStore.hpp"
 #include "host/FileNews.hpp"
-#include "host/Log.hpp"
 #include "host/Offers.hpp"
 #include "host/Previews.hpp"
 #include "host/Timelines.hpp"
+#include "runloop/Log.hpp"
 
 namespace zelto::host {
 
@@ -26,7 +26,7 @@ struct HostSeams {
     std::function<void(std::vector<widgetkit::Request>, std::function<void(Outcomes)>)> ask;
     /// Replaces the instant at which `wake` is to be called; absent for none.
     std::function<void(std::optional<Date>)> wakeAt;
-    Log log;
+    runloop::Log log;
     /// At once without it.
     OnDisk onDisk = [](const auto& work, const auto& then) { then(work()); };
     /// Seconds after which readings of the moment are asked for again while they are seen; absent for when

@@ -30,6 +30,9 @@ using PowerSourceDescription = std::map<std::string, PowerSourceValue>;
 /// names.
 std::optional<std::vector<PowerSourceDescription>> readPowerSources(const std::filesystem::path& classFolder);
 
+/// Whether a folder of the power-supply class is a battery that feeds the machine.
+bool isMachineBattery(const std::filesystem::path& supply);
+
 /// Whether one of the machine's batteries is being emptied.
 bool isOnBattery(const std::filesystem::path& classFolder);
 

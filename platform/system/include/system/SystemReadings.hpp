@@ -52,4 +52,15 @@ struct SystemReadings {
     static SystemReadings ofLinux(const std::filesystem::path& root = "/");
 };
 
+/// Memory in use, in bytes: what programs hold (internal less purgeable pages), what the kernel cannot give
+/// away, and what compressed memory takes.
+struct MemoryUse {
+    double used = 0;
+    std::uint64_t total = 0;
+
+    double fraction() const;
+};
+/// Absent when the machine does not tell it.
+std::optional<MemoryUse> memoryUse(const SystemReadings& system);
+
 }  // namespace zelto::system

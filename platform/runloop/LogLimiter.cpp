@@ -1,11 +1,11 @@
-#include "host/LogLimiter.hpp"
+#include "runloop/LogLimiter.hpp"
 
 #include <algorithm>
 #include <utility>
 
 #include "foundation/UTF8.hpp"
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 std::optional<std::string> LogLimiter::pass(std::string line, Clock::time_point now) {
     if (last_ != Clock::time_point{})
@@ -26,4 +26,4 @@ std::optional<std::string> LogLimiter::pass(std::string line, Clock::time_point 
     return line;
 }
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -1,10 +1,10 @@
-#include "host/MainLoop.hpp"
+#include "runloop/MainLoop.hpp"
 
 #include <algorithm>
 
 #include <glib-unix.h>
 
-namespace zelto::host {
+namespace zelto::runloop {
 namespace {
 
 /// A day, in seconds: whoever waits for longer looks again.
@@ -74,4 +74,4 @@ void MainSource::reset() {
     id_ = 0;
 }
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

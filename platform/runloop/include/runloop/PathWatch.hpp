@@ -10,7 +10,7 @@
 
 #include "foundation/FileDescriptor.hpp"
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 /// Notices that folders appear, go away or are replaced by others of their name, and that files change, also
 /// when they or their folders go and come again: `fd` is readable when something of that may have happened.
@@ -52,4 +52,4 @@ class PathWatch {
     std::vector<Path> paths_;
 };
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -5,7 +5,7 @@
 
 // The main loop of the thread that runs it: the windows' own, or that of a command that waits.
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 /// Runs a function on the main thread, later. May be called on any thread.
 void postToMainThread(std::function<void()> function);
@@ -45,4 +45,4 @@ class MainSource {
     std::unique_ptr<std::function<void()>> function_;
 };
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/LogLimiter.hpp"
+#include "runloop/LogLimiter.hpp"
 
 namespace zelto::host {
 namespace {
@@ -8,8 +8,8 @@ namespace {
 using namespace std::chrono_literals;
 
 TEST(LogLimiter, LetsABurstThroughAndThenSoManyAMinute) {
-    LogLimiter limiter(3, 2);
-    const auto start = LogLimiter::Clock::now();
+    runloop::LogLimiter limiter(3, 2);
+    const auto start = runloop::LogLimiter::Clock::now();
     for (int i = 0; i < 3; ++i) EXPECT_EQ(limiter.pass("a", start), "a");
     for (int i = 0; i < 5; ++i) EXPECT_EQ(limiter.pass("b", start + 10s), std::nullopt);
     EXPECT_EQ(limiter.pass("c", start + 30s), "c (5 lines before this one were left out)");
@@ -19,7 +19,7 @@ TEST(LogLimiter, LetsABurstThroughAndThenSoManyAMinute) {
 }
 
 TEST(LogLimiter, CutsALongLineAtACharacter) {
-    LogLimiter limiter;
+    runloop::LogLimiter limiter;
     const std::string text = std::string(999, 'x') + "éé";
     EXPECT_EQ(limiter.pass(text), std::string(999, 'x') + "…");
     EXPECT_EQ(limiter.pass(std::string(1000, 'x')), std::string(1000, 'x'));

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 /// Lets so many lines of log through at once, and so many more each minute; tells how many it left out. For
 /// one thread.
@@ -27,4 +27,4 @@ class LogLimiter {
     std::size_t leftOut_ = 0;
 };
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -1,4 +1,4 @@
-#include "host/WallTimer.hpp"
+#include "runloop/WallTimer.hpp"
 
 #include <algorithm>
 #include <cerrno>
@@ -9,7 +9,7 @@
 #include <sys/timerfd.h>
 #include <unistd.h>
 
-namespace zelto::host {
+namespace zelto::runloop {
 namespace {
 
 /// Farther than anybody waits, and within what the kernel counts.
@@ -42,4 +42,4 @@ WallTimer::Event WallTimer::take() {
     return wasSet || errno == ECANCELED ? Event::clockSet : Event::none;
 }
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

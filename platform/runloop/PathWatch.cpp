@@ -1,4 +1,4 @@
-#include "host/PathWatch.hpp"
+#include "runloop/PathWatch.hpp"
 
 #include <algorithm>
 #include <array>
@@ -9,7 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-namespace zelto::host {
+namespace zelto::runloop {
 namespace {
 
 constexpr std::uint32_t departures = IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
@@ -101,4 +101,4 @@ PathWatch::Changes PathWatch::take() {
     return changes;
 }
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -5,7 +5,7 @@
 #include "foundation/Date.hpp"
 #include "foundation/FileDescriptor.hpp"
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 /// An alarm by the wall clock, which also goes off when that clock is set or the computer wakes up: `fd` is
 /// then readable.
@@ -28,4 +28,4 @@ class WallTimer {
     bool wasSet_ = false;
 };
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 enum class LogLevel { info, warning, error };
 
@@ -22,4 +22,8 @@ class Log {
     std::function<void(LogLevel, const std::string&)> write_;
 };
 
-}  // namespace zelto::host
+/// Writes "2026-03-11 14:05:00 warning: line" to the standard error, the time as the machine's zone has it;
+/// leaves lines out where there are too many. On any thread.
+void logToStandardError(LogLevel level, const std::string& line);
+
+}  // namespace zelto::runloop

@@ -1,30 +1,30 @@
 #include <gtest/gtest.h>
 
-#include "host/WallTimer.hpp"
+#include "runloop/WallTimer.hpp"
 #include "tests/support/Readable.hpp"
 
 namespace zelto::host {
 namespace {
 
 TEST(WallTimer, GoesOffAtItsInstantAndNotWithoutOne) {
-    WallTimer timer;
-    EXPECT_EQ(timer.take(), WallTimer::Event::none);
+    runloop::WallTimer timer;
+    EXPECT_EQ(timer.take(), runloop::WallTimer::Event::none);
     timer.arm(std::nullopt);
     EXPECT_FALSE(test::canBeRead(timer.fd(), 0));
     const Date instant = Date::now() + 0.02;
     timer.arm(instant);
     EXPECT_TRUE(test::canBeRead(timer.fd(), 30'000));
     EXPECT_GE(Date::now(), instant);
-    EXPECT_EQ(timer.take(), WallTimer::Event::expired);
+    EXPECT_EQ(timer.take(), runloop::WallTimer::Event::expired);
     EXPECT_FALSE(test::canBeRead(timer.fd(), 0));
 }
 
 TEST(WallTimer, AnInstantThatHasPassedGoesOffAtOnce) {
-    WallTimer timer;
+    runloop::WallTimer timer;
     for (const double instant : {-1e300, 0.0, -978307200.0}) {
         timer.arm(Date{instant});
         EXPECT_TRUE(test::canBeRead(timer.fd(), 30'000)) << instant;
-        EXPECT_EQ(timer.take(), WallTimer::Event::expired);
+        EXPECT_EQ(timer.take(), runloop::WallTimer::Event::expired);
     }
     // Later than any clock goes.
     timer.arm(Date{1e300});

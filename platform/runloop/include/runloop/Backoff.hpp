@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace zelto::host {
+namespace zelto::runloop {
 
 /// Pauses that double with every failure, up to a longest one, and halve with every success.
 class Backoff {
@@ -20,4 +20,4 @@ class Backoff {
     double pause_ = 0;
 };
 
-}  // namespace zelto::host
+}  // namespace zelto::runloop

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "host/PathWatch.hpp"
+#include "runloop/PathWatch.hpp"
 #include "tests/support/Readable.hpp"
 #include "tests/support/TemporaryFolder.hpp"
 
@@ -12,7 +12,7 @@ namespace fs = std::filesystem;
 struct PathWatching : testing::Test {
     test::TemporaryFolder root;
     fs::path folder = root.path() / "home/Library/Zelto";
-    PathWatch watch;
+    runloop::PathWatch watch;
 
     /// Whether there is news, without a wait.
     bool isOther() { return test::canBeRead(watch.fd(), 0) && watch.take().folders; }
