@@ -349,4 +349,17 @@ void Listener::changed(std::string_view property) {
     state_->changed(property);
 }
 
+void Listener::send(std::string_view signal, const Values& arguments) {
+    if (!check(arguments)) return;
+    const std::string& service = state_->options.interface.service;
+    g_dbus_connection_emit_signal(
+        state_->connection.get(),
+        nullptr,
+        objectPathOf(service).c_str(),
+        service.c_str(),
+        std::string(signal).c_str(),
+        pack(arguments),
+        nullptr);
+}
+
 }  // namespace zelto::bus

@@ -89,11 +89,18 @@ struct Property {
     std::function<bool()> value;
 };
 
+/// What everybody on the bus whom it concerns is told without having asked.
+struct SignalDescription {
+    std::string_view name;
+    std::vector<Parameter> arguments;
+};
+
 /// An interface of the same name as the service, on the object whose path is that name with slashes.
 struct Interface {
     std::string service;
-    std::vector<Method> methods;
+    std::vector<Method> methods = {};
     std::vector<Property> properties = {};
+    std::vector<SignalDescription> signals = {};
 
     /// As the bus describes interfaces.
     std::string introspection() const;

@@ -38,6 +38,8 @@ class Listener {
 
     /// Tells everybody on the bus that a property has another value.
     void changed(std::string_view property);
+    /// Sends one of the interface's signals, whose arguments are of the types that it describes.
+    void send(std::string_view signal, const Values& arguments);
 
   private:
     struct State;
