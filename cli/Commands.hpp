@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -69,6 +70,30 @@ struct ReloadOptions {
     std::string bus;   // an address; the session bus when empty
 };
 void reload(const ReloadOptions& options);
+
+struct AppOptions {
+    std::string bus;  // an address; the session bus when empty
+    bool json = false;
+    /// Until it ends; 0 for no end.
+    std::int64_t minutes = 0;
+    std::string zone, link, option, value;
+    std::string home, machine;
+};
+void awakeOn(const AppOptions& options);
+void awakeOff(const AppOptions& options);
+void awakeToggle(const AppOptions& options);
+void awakeStatus(const AppOptions& options);
+void clockList(const AppOptions& options);
+void clockAdd(const AppOptions& options);
+void clockRemove(const AppOptions& options);
+void careShow(const AppOptions& options);
+void careRun(const AppOptions& options);
+void appStatus(const AppOptions& options);
+/// Prints a snapshot made now; needs no agent.
+void appSnapshot(const AppOptions& options);
+void appOpen(const AppOptions& options);
+void appSet(const AppOptions& options);
+void appQuit(const AppOptions& options);
 
 /// What the exit statuses of the helper's commands mean, for people.
 std::string helperExitTexts();

@@ -117,6 +117,73 @@ void addSnapshot(CLI::App& app, std::string& file) {
     check->callback([&] { snapshotCheck(file); });
 }
 
+/// A command of the app's: what it may be told besides the bus is the caller's to add.
+CLI::App* addAppVerb(
+    CLI::App& command, const char* name, const char* description, AppOptions& options,
+    void (*run)(const AppOptions&)) {
+    CLI::App* verb = command.add_subcommand(name, description);
+    verb->add_option("--bus", options.bus, "The bus's address, instead of the session bus")
+        ->type_name("ADDRESS");
+    verb->callback([&options, run] { run(options); });
+    return verb;
+}
+
+void addJSON(CLI::App* verb, AppOptions& options) {
+    verb->add_flag("--json", options.json, "As JSON");
+}
+
+void addAwake(CLI::App& app, AppOptions& options) {
+    CLI::App* command = app.add_subcommand("awake", "Keep the machine awake");
+    command->require_subcommand(1);
+    addAppVerb(
+        *command, "on", "Keep it awake, until it is turned off where no time is given", options, awakeOn)
+        ->add_option("--minutes", options.minutes, "For so long")
+        ->check(CLI::Range(1, 10'080))
+        ->type_name("N");
+    addAppVerb(*command, "off", "Let it sleep again", options, awakeOff);
+    addAppVerb(*command, "toggle", "Keep it awake for an hour, or let it sleep", options, awakeToggle);
+    addJSON(
+        addAppVerb(
+            *command, "status", "Say what keeps it awake, also of other programs", options, awakeStatus),
+        options);
+}
+
+void addClock(CLI::App& app, AppOptions& options) {
+    CLI::App* command = app.add_subcommand("clock", "The cities of the world clock");
+    command->require_subcommand(1);
+    addJSON(addAppVerb(*command, "list", "List their time zones", options, clockList), options);
+    for (CLI::App* verb :
+         {addAppVerb(*command, "add", "Add one at the end; prints its zone", options, clockAdd),
+          addAppVerb(*command, "remove", "Remove one", options, clockRemove)})
+        verb->add_option("zone", options.zone, "Such as Asia/Tokyo, or tokyo")->required();
+}
+
+void addCare(CLI::App& app, AppOptions& options) {
+    CLI::App* command = app.add_subcommand("care", "The analysis of the machine, which only advises");
+    command->require_subcommand(1);
+    addJSON(addAppVerb(*command, "show", "Print what the last one found", options, careShow), options);
+    addJSON(addAppVerb(*command, "run", "Analyse now, and print what is found", options, careRun), options);
+}
+
+void addApp(CLI::App& app, AppOptions& options) {
+    CLI::App* command = app.add_subcommand("app", "The app behind the widgets (zelto-agent)");
+    command->require_subcommand(1);
+    addJSON(
+        addAppVerb(*command, "status", "Say how it is; holds nothing personal", options, appStatus), options);
+    CLI::App* snapshot = command->add_subcommand("snapshot", "Print a snapshot made now, without the app");
+    snapshot->add_option("--home", options.home, "Whose home, instead of yours")->type_name("DIR");
+    snapshot->add_option("--machine", options.machine, "Where proc and sys are, instead of /")
+        ->type_name("DIR");
+    snapshot->callback([&options] { appSnapshot(options); });
+    addAppVerb(*command, "open", "Do what a link of the widgets asks for", options, appOpen)
+        ->add_option("link", options.link, "Such as zelto://awake?minutes=30")
+        ->required();
+    CLI::App* set = addAppVerb(*command, "set", "Change a setting", options, appSet);
+    set->add_option("setting", options.option, "awake-ends-at-lock or awake-ends-on-low-battery")->required();
+    set->add_option("value", options.value, "on or off")->required();
+    addAppVerb(*command, "quit", "End it", options, appQuit);
+}
+
 void addDesktop(CLI::App& app, int& status) {
     CLI::App* command = app.add_subcommand(
         "desktop",
@@ -180,6 +247,11 @@ int run(int argc, char** argv) {
     addDesktop(app, status);
     addReload(app, reloadOptions);
     addHelper(app, helperOptions);
+    AppOptions appOptions;
+    addAwake(app, appOptions);
+    addClock(app, appOptions);
+    addCare(app, appOptions);
+    addApp(app, appOptions);
     try {
         app.parse(argc, argv);
         return status;
