@@ -83,7 +83,8 @@ std::optional<std::string> Child::line(std::chrono::milliseconds allowed) {
 }
 
 void Child::kill(int signal) {
-    ::kill(pid_, signal);
+    // What is over has no number any more; that of nobody would be everybody's.
+    if (pid_ > 0) ::kill(pid_, signal);
 }
 
 int Child::wait() {

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <functional>
+
+#include "runloop/MainLoop.hpp"
+
+namespace zelto::test {
+
+/// Runs the main loop until a condition holds; false when it has not within half a minute.
+inline bool runUntil(const std::function<bool()>& condition) {
+    bool isLate = false;
+    const auto limit = runloop::MainSource::after(30, [&] { isLate = true; });
+    runloop::runMainLoopUntil([&] { return condition() || isLate; });
+    return condition();
+}
+
+/// Runs it until all that was posted by now has been done.
+inline void runWhatWaits() {
+    bool isDone = false;
+    runloop::postToMainThread([&] { isDone = true; });
+    runloop::runMainLoopUntil([&] { return isDone; });
+}
+
+}  // namespace zelto::test
