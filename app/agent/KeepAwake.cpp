@@ -172,7 +172,7 @@ void KeepAwake::judge() {
         judgement_.reset();
         return;
     }
-    judgement_ = runloop::MainSource::after(grace, [this] {
+    judgement_ = runloop::MainSource::after(seams_.grace, [this] {
         std::string why;
         for (const std::string& each : holders().refused) why += (why.empty() ? "" : "; ") + each;
         stop("nobody here can do it (" + why + ")");

@@ -164,6 +164,12 @@ struct Client::State : std::enable_shared_from_this<Client::State> {
 
 namespace {
 
+/// What another program tells of its objects may be anything.
+bool isAddress(const Target& target) {
+    return g_dbus_is_name(target.service.c_str()) && g_variant_is_object_path(target.path.c_str()) &&
+           g_dbus_is_interface_name(target.interface.c_str()) && g_dbus_is_member_name(target.method.c_str());
+}
+
 /// A call that is under way, with whom to tell.
 struct Pending {
     std::weak_ptr<void> life;
@@ -195,7 +201,9 @@ Client::~Client() {
 void Client::call(
     const Target& target, const std::string& signature, Data::List arguments, Reply reply,
     std::chrono::milliseconds deadline, bool startsService) {
-    const auto packed = std::make_shared<Result<Variant>>(variantOf(Data(std::move(arguments)), signature));
+    const auto packed = std::make_shared<Result<Variant>>(
+        isAddress(target) ? variantOf(Data(std::move(arguments)), signature)
+                          : Error{ErrorKind::badPayload, "no object could be at " + target.path});
     state_->whenOpen([state = state_.get(),
                       life = std::weak_ptr<void>(state_),
                       target,
@@ -228,6 +236,7 @@ Client::Subscription Client::follow(SignalMatch match, std::function<void(const 
     const auto each = std::make_shared<Followed>();
     using Came = std::function<void(const Signal&)>;
     const auto shared = std::make_shared<Came>(std::move(came));
+    if (!match.path.empty() && !g_variant_is_object_path(match.path.c_str())) return each;
     each->start = [match = std::move(match), shared](GDBusConnection* connection) {
         const auto orAny = [](const std::string& text) { return text.empty() ? nullptr : text.c_str(); };
         return g_dbus_connection_signal_subscribe(

@@ -17,6 +17,9 @@ std::optional<std::string> LogLimiter::pass(std::string line, Clock::time_point 
         return std::nullopt;
     }
     left_ -= 1;
+    // What others said must not look like lines of ours.
+    std::ranges::replace_if(
+        line, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
     if (line.size() > longestLine) {
         line.resize(validUTF8Prefix(std::string_view(line).substr(0, longestLine)));
         line += "…";

@@ -6,10 +6,14 @@
 
 namespace zelto::test {
 
-/// Runs the main loop until a condition holds; false when it has not within half a minute.
+/// Runs the main loop until a condition holds, which may be one of another process; false when it has not
+/// within half a minute.
 inline bool runUntil(const std::function<bool()>& condition) {
     bool isLate = false;
     const auto limit = runloop::MainSource::after(30, [&] { isLate = true; });
+    runloop::MainSource look;
+    const std::function<void()> again = [&] { look = runloop::MainSource::after(0.005, again); };
+    again();
     runloop::runMainLoopUntil([&] { return condition() || isLate; });
     return condition();
 }

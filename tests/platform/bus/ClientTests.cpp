@@ -87,6 +87,9 @@ TEST_F(Asking, GetsAnAnswerOrTheReasonWhyNot) {
     const auto late = ask({service, object, service, "hang"}, "()", {}, 50ms);
     ASSERT_FALSE(late);
     EXPECT_EQ(late.fault().kind, ErrorKind::deadlinePassed);
+    const auto nowhere = ask({service, "no path", service, "greet"}, "(s)", {"Ana"});
+    ASSERT_FALSE(nowhere);
+    EXPECT_EQ(nowhere.fault().kind, ErrorKind::badPayload);
 }
 
 TEST_F(Asking, RefusesArgumentsOfAnotherShape) {

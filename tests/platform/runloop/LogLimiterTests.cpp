@@ -18,6 +18,11 @@ TEST(LogLimiter, LetsABurstThroughAndThenSoManyAMinute) {
     EXPECT_EQ(limiter.pass("f", start + 3600s), "f");
 }
 
+TEST(LogLimiter, ALineIsOneLine) {
+    runloop::LogLimiter limiter;
+    EXPECT_EQ(limiter.pass("a\nb\tc\x1B[31m"), "a b c [31m");
+}
+
 TEST(LogLimiter, CutsALongLineAtACharacter) {
     runloop::LogLimiter limiter;
     const std::string text = std::string(999, 'x') + "éé";

@@ -30,6 +30,8 @@ class KeepAwake {
         runloop::Log log;
         /// Called when it was turned on or off, or its end is another.
         std::function<void()> changed = [] {};
+        /// Seconds for which nobody may hold before it counts as over: daemons are started anew.
+        double grace = 10;
     };
     explicit KeepAwake(Seams seams);
     KeepAwake(const KeepAwake&) = delete;
@@ -50,9 +52,6 @@ class KeepAwake {
         std::vector<std::string> held, refused;
     };
     Holders holders() const;
-
-    /// Seconds for which nobody may hold before it counts as over: daemons are started anew.
-    static constexpr double grace = 10;
 
   private:
     /// Somebody who can be asked.
