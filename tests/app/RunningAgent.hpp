@@ -41,20 +41,26 @@ class RunningAgent {
     const std::filesystem::path& folder() const { return folder_.path(); }
     void useSystemBus(const std::string& address) { systemBus_ = address; }
 
-    void launch() {
-        process_.emplace(
-            std::vector<std::string>{
-                programFolder() / "zelto-agent",
-                "--bus",
-                session_.address(),
-                "--system-bus",
-                systemBus_,
-                "--home",
-                (folder_.path() / "home").string(),
-                "--machine",
-                machine_.root().string()},
-            environment(),
-            folder_.path() / "log");
+    void launch() { process_.emplace(command(), environment(), folder_.path() / "log"); }
+    /// Lets the bus start it when it is wanted.
+    void install() const {
+        const auto program = folder_.write("agent-program", "exec " + words() + "\n");
+        folder_.write(
+            "services/com.kavra.zelto.service",
+            "[D-BUS Service]\nName=com.kavra.zelto\nExec=/usr/bin/env -i " + variables() + " /bin/sh " +
+                program.string() + "\n");
+        // The bus looks again.
+        run(
+            {"/usr/bin/gdbus",
+             "call",
+             "--address",
+             session_.address(),
+             "--dest",
+             "org.freedesktop.DBus",
+             "--object-path",
+             "/org/freedesktop/DBus",
+             "--method",
+             "org.freedesktop.DBus.ReloadConfig"});
     }
     /// Waits until it answers.
     bool start() {
@@ -102,10 +108,35 @@ class RunningAgent {
     }
 
   private:
+    std::vector<std::string> command() const {
+        return {
+            programFolder() / "zelto-agent",
+            "--bus",
+            session_.address(),
+            "--system-bus",
+            systemBus_,
+            "--home",
+            (folder_.path() / "home").string(),
+            "--machine",
+            machine_.root().string()};
+    }
+    std::string words() const {
+        std::string out;
+        for (const std::string& word : command()) out += "'" + word + "' ";
+        return out + "2>> '" + (folder_.path() / "log").string() + "'";
+    }
+    std::string variables() const {
+        std::string out;
+        for (const std::string& variable : environment()) out += variable + " ";
+        return out;
+    }
     std::filesystem::path pagesFile() const { return folder_.path() / "pages"; }
 
     TemporaryFolder folder_;
-    PrivateBus session_;
+    PrivateBus session_{
+        "<type>session</type><servicedir>" + (folder_.path() / "services").string() +
+        R"(</servicedir><policy context="default"><allow user="*"/><allow own="*"/>)"
+        R"(<allow send_destination="*" eavesdrop="true"/><allow eavesdrop="true"/></policy>)"};
     MachineTree machine_{MachineTree::Files{
         {"proc/stat", "cpu  100 0 50 850 0 0 0 0 0 0\n"},
         {"proc/meminfo",

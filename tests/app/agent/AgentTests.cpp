@@ -238,6 +238,15 @@ TEST_F(RunningApp, IsOneForASession) {
     EXPECT_EQ(say({"app", "status"}), "zelto: zelto-agent is not running, and the bus cannot start it\n");
 }
 
+TEST_F(RunningApp, IsStartedByTheBusWhenItIsWanted) {
+    agent.install();
+    EXPECT_EQ(say({"clock", "add", "tokyo"}), "Asia/Tokyo\n") << agent.log();
+    EXPECT_TRUE(agent.becomes([](const WidgetSnapshot& now) { return now.clockZones.size() == 1; }));
+    EXPECT_EQ(say({"app", "quit"}), "");
+    EXPECT_EQ(say({"clock", "list"}), "Asia/Tokyo\n") << agent.log();
+    EXPECT_EQ(say({"app", "quit"}), "");
+}
+
 TEST_F(RunningApp, EndsWithItsSession) {
     ASSERT_TRUE(agent.start());
     const_cast<test::PrivateBus&>(agent.session()).end();
