@@ -8,6 +8,7 @@
 #include "bus/Listener.hpp"
 #include "records/JSONEncoder.hpp"
 #include "tests/app/LoginManager.hpp"
+#include "tests/app/MockService.hpp"
 #include "tests/app/RunningAgent.hpp"
 
 namespace zelto::agent {
@@ -102,6 +103,25 @@ TEST_F(RunningApp, MeasuresAgainWhenSomebodyLooks) {
     EXPECT_TRUE(agent.becomes(
         [](const WidgetSnapshot& now) { return now.cpu == 0.6 && now.cpuHistory.size() == 1; }));
     EXPECT_EQ(host.reloads, 0);
+}
+
+TEST_F(RunningApp, ADaemonThatIsSlowHoldsUpNobody) {
+    const test::PrivateBus system;
+    constexpr const char* upower = "org.freedesktop.UPower";
+    const test::MockService daemon(system.address(), upower, "/org/freedesktop/UPower", upower);
+    daemon.property(upower, "OnBattery", "<true>");
+    daemon.method(upower, "EnumerateDevices", "", "ao", "import time; time.sleep(10); ret = []");
+    agent.useSystemBus(system.address());
+    agent.machine().add({{supply + "BAT0/type", "Battery\n"}, {supply + "BAT0/capacity", "35\n"}});
+    const Host host(agent, true);
+    ASSERT_TRUE(agent.start());
+    EXPECT_TRUE(runUntil([&] { return daemon.calls().find("EnumerateDevices") != std::string::npos; }));
+    EXPECT_EQ(say({"clock", "add", "tokyo"}), "Asia/Tokyo\n");
+    // Until it answers, the kernel's files are believed.
+    EXPECT_TRUE(agent.becomes([](const WidgetSnapshot& now) {
+        return now.battery && now.battery->percent == 35 && now.clockZones.size() == 1;
+    }));
+    EXPECT_NE(say({"app", "status"}).find("battery by the power daemon: no"), std::string::npos);
 }
 
 TEST_F(RunningApp, TellsAHostThatDoesNotWatchTheFile) {

@@ -172,6 +172,21 @@ TEST_F(KeepingAwake, WhereNobodyCanItIsOverAndSaysSo) {
     EXPECT_NE(log.front().find("nobody here can do it (logind: it is not there"), std::string::npos);
 }
 
+TEST_F(KeepingAwake, IsAskedForAgainWhenItsHolderIsBack) {
+    auto saver = screenSaver();
+    connect("unix:path=/nonexistent/bus");
+    KeepAwake awake(seams());
+    awake.start(std::nullopt);
+    EXPECT_TRUE(runUntil([&] { return heldBy(awake).size() == 1; }));
+    saver->kill();
+    EXPECT_TRUE(runUntil([&] { return heldBy(awake).empty(); }));
+    EXPECT_TRUE(awake.isOn());
+    saver = screenSaver();
+    // It has its name before it has its methods, and is asked once each time that it comes.
+    EXPECT_TRUE(runUntil([&] { return !awake.holders().refused.empty(); }));
+    EXPECT_TRUE(awake.isOn());
+}
+
 TEST_F(KeepingAwake, TellsWhoElseKeepsTheMachineAwake) {
     bool isTold = false;
     std::vector<AwakeOther> others;
