@@ -1,5 +1,6 @@
 #include "sources/Machine.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 #include "sources/StartupDisk.hpp"
@@ -9,6 +10,9 @@ namespace zelto::sources {
 namespace {
 
 using shared::WidgetSnapshot;
+
+/// Seconds; a little less than the time between two readings of everything.
+constexpr double costlyPause = 295;
 
 Change memoryChange(const system::SystemReadings& readings) {
     const auto memory = system::memoryUse(readings);
@@ -58,8 +62,16 @@ std::vector<Part> Machine::parts() {
 }
 
 std::function<Change()> Machine::beginFans() {
-    return [this]() -> Change {
-        return [this, readings = readFans(seams_.root)](WidgetSnapshot& snapshot) {
+    const Date now = seams_.now();
+    // Reading these stops the whole machine for a moment, whatever thread does it.
+    const bool isCostly = std::ranges::any_of(
+        lastFans_, [](const FanReading& each) { return each.key.starts_with("dell_smm"); });
+    const bool isEarly = fansReadAt_ && now - *fansReadAt_ >= 0 && now - *fansReadAt_ < costlyPause;
+    if (isCostly && isEarly) return []() -> Change { return [](WidgetSnapshot&) {}; };
+    return [this, now]() -> Change {
+        return [this, now, readings = readFans(seams_.root)](WidgetSnapshot& snapshot) {
+            lastFans_ = readings;
+            fansReadAt_ = now;
             const auto before = fanMemory_.highest();
             snapshot.fans = fanMemory_.fans(readings);
             // Nobody but the firmware and the person's own tools drives them: the widget says which of both.

@@ -68,6 +68,28 @@ TEST_F(WholeMachine, FillsWhatItHas) {
     EXPECT_EQ(kept.size(), 1U);
 }
 
+TEST_F(WholeMachine, ReadsFansThatStopTheMachineEveryFiveMinutesAtMost) {
+    const auto speed = [&](const std::string& chip, const std::string& rpm) {
+        tree.add({{"sys/class/hwmon/hwmon0/name", chip}, {"sys/class/hwmon/hwmon0/fan1_input", rpm}});
+    };
+    speed("dell_smm\n", "2100\n");
+    Machine dell(seams());
+    read(dell);
+    speed("dell_smm\n", "2500\n");
+    now = now + 294;
+    read(dell);
+    EXPECT_EQ(snapshot.fans.front().actual, 2100);
+    now = now + 1;
+    read(dell);
+    EXPECT_EQ(snapshot.fans.front().actual, 2500);
+    speed("thinkpad\n", "2600\n");
+    Machine other(seams());
+    read(other);
+    speed("thinkpad\n", "2700\n");
+    read(other);
+    EXPECT_EQ(snapshot.fans.front().actual, 2700);
+}
+
 TEST_F(WholeMachine, BelievesTheDaemonAndTheKernelsLimit) {
     tree.add(
         {{supply + "BAT0/type", "Battery\n"},

@@ -55,6 +55,8 @@ class Machine {
 
     Seams seams_;
     Graphics graphics_;
+    std::vector<FanReading> lastFans_;
+    std::optional<Date> fansReadAt_;
     FanMemory fanMemory_;
     MinuteMean watts_, minutes_;
 };
