@@ -217,14 +217,14 @@ Result<std::string> Agent::removeClock(const std::string& name) {
 
 Result<void> Agent::set(const std::string& option, const std::string& value) {
     Settings settings = settings_;
-    if (const auto done = change(settings, option, value); !done) return done;
+    if (auto done = change(settings, option, value); !done) return done;
     return store(settings);
 }
 
 Result<void> Agent::store(const Settings& settings) {
     // What could not be read is a person's, who may want to mend it.
     if (settingsFault_) return Fault{.reason = *settingsFault_ + "; mend or remove it first"};
-    if (const auto saved = settingsStore_.save(settings); !saved) return saved;
+    if (auto saved = settingsStore_.save(settings); !saved) return saved;
     settings_ = settings;
     settingsChanged();
     return {};

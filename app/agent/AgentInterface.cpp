@@ -75,7 +75,7 @@ std::vector<bus::Method> careMethods(const Get& agent) {
 
 }  // namespace
 
-bus::Interface agentInterface(Get agent, std::function<void()> quit) {
+bus::Interface agentInterface(const Get& agent, std::function<void()> quit) {
     const auto open = [agent](ReplyBlock<Done> reply, const std::string& link, const std::string& token) {
         const auto shared = std::make_shared<ReplyBlock<Done>>(std::move(reply));
         agent().open(link, token, [shared](const Result<void>& done) { (*shared)(onBus(done)); });

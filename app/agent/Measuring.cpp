@@ -50,8 +50,10 @@ void Measuring::refresh(const std::string& part) {
 void Measuring::begin(State& state, const std::shared_ptr<Round>& round) {
     if (std::exchange(state.isRunning, true)) return;
     runloop::runAside(
-        life_, [this, &state, work = state.part.begin(), round]() mutable -> std::function<void()> {
-            // The round ends on the main thread, whatever becomes of it.
+        life_,
+        [this, &state, work = state.part.begin(), round = std::shared_ptr<Round>(round)]() mutable
+        -> std::function<void()> {
+            // Given away wholly: the round ends on the main thread, not with this function on its own.
             return [this, &state, change = work(), round = std::move(round)] {
                 state.isRunning = state.isSlow = false;
                 seams_.change(change);

@@ -13,10 +13,10 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <umockdev.h>
 #include <vector>
 
 #include <sys/wait.h>
-#include <umockdev.h>
 #include <unistd.h>
 
 namespace {
@@ -69,8 +69,8 @@ class Machine {
         }
         words.push_back(nullptr);
         char* none[] = {nullptr};
-        gchar* path = umockdev_testbed_add_devicev(
-            testbed_, "power_supply", name.c_str(), nullptr, words.data(), none);
+        gchar* path =
+            umockdev_testbed_add_devicev(testbed_, "power_supply", name.c_str(), nullptr, words.data(), none);
         devices_[name] = path;
         g_free(path);
     }

@@ -13,6 +13,6 @@ inline constexpr std::string_view agentService = "com.kavra.zelto";
 
 /// What others may ask of an agent that is there by the time that they are answered. Its signal `changed`
 /// tells what is another: "snapshot", "awake", "clocks" or "care".
-bus::Interface agentInterface(std::function<Agent&()> agent, std::function<void()> quit);
+bus::Interface agentInterface(const std::function<Agent&()>& agent, std::function<void()> quit);
 
 }  // namespace zelto::agent
