@@ -44,7 +44,7 @@ void askSession(bus::Client& sessionBus, const std::shared_ptr<Round>& round) {
             if (!paths) return;
             for (const bus::Data& path : paths.value()[0].list()) {
                 const auto other = std::make_shared<AwakeOther>();
-                const auto ask = [&](const char* method, std::function<void(const bus::Data&)> told) {
+                const auto ask = [&](const char* method, const std::function<void(const bus::Data&)>& told) {
                     sessionBus.call(
                         {service, path.text().value_or(""), "org.gnome.SessionManager.Inhibitor", method},
                         "()",
