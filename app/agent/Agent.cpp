@@ -18,6 +18,8 @@ constexpr double minute = 60;
 constexpr int refreshMinutes = 5;
 /// Percent at which a battery that is being emptied ends keeping awake.
 constexpr std::int64_t lowBattery = 15;
+constexpr const char* login = "org.freedesktop.login1";
+constexpr const char* loginSession = "org.freedesktop.login1.Session";
 
 std::string runningKernel() {
     utsname name{};
@@ -35,6 +37,14 @@ sources::Machine::Seams machineSeams(const AgentOptions& options) {
     seams.fanSpeeds = loadFanSpeeds(file);
     seams.keepFanSpeeds = [file](const sources::FanMemory::Speeds& speeds) { storeFanSpeeds(file, speeds); };
     return seams;
+}
+
+/// Of a settings' fault, "/home/ana/…/app.json: clockZones[1]: 'Atlantis' is not …", what is nobody's secret.
+std::string placeOf(const std::string& fault) {
+    const std::string file = "app.json: ";
+    const auto at = fault.find(file);
+    if (at == std::string::npos) return "app.json";
+    return fault.substr(at, fault.find(": ", at + file.size()) - at) + " is not valid";
 }
 
 }  // namespace
@@ -89,9 +99,18 @@ Agent::Agent(AgentOptions options)
       }()),
       measuring_(
           {.parts = machine_.parts(),
-           .change = [this](const sources::Change& change) { keeper_.change(change); },
+           .change =
+               [this](const sources::Change& change) {
+                   keeper_.change(change);
+                   judgeBattery(keeper_.snapshot().battery);
+               },
            .log = options_.log}) {
-    readSettings();
+    if (auto settings = settingsStore_.load()) {
+        settings_ = *std::move(settings);
+    } else {
+        settingsFault_ = settings.fault().text();
+        options_.log(*settingsFault_ + "; the settings are as usual");
+    }
     keeper_.note([this](WidgetSnapshot& snapshot) {
         snapshot.clockZones = settings_.zones();
         snapshot.awakeActive = false;
@@ -109,7 +128,11 @@ Agent::Agent(AgentOptions options)
     refresh();
 }
 
-Agent::~Agent() {
+void Agent::finish() {
+    keeper_.change([](WidgetSnapshot& snapshot) {
+        snapshot.awakeActive = false;
+        snapshot.awakeEnd.reset();
+    });
     keeper_.flush();
 }
 
@@ -143,7 +166,12 @@ void Agent::perform(const Link& link, const std::string& token, const Done& done
         }
         done({});
     } else if (const auto* tab = std::get_if<OpenLink>(&link)) {
-        opens("file://" + (options_.pages / (tab->tab + ".html")).string());
+        const auto page = std::filesystem::absolute(options_.pages / (tab->tab + ".html"));
+        std::error_code error;
+        if (std::filesystem::exists(page, error))
+            opens(addressOfFile(page));
+        else
+            refuse("there is no window yet, and the page of that tab is missing");
     } else if (const auto* meeting = std::get_if<JoinLink>(&link)) {
         opens(meeting->page);
     } else if (std::holds_alternative<ClipLink>(link)) {
@@ -169,15 +197,18 @@ void Agent::toggleAwake() {
 }
 
 void Agent::awakeStatus(std::function<void(const AwakeStatus&)> told) {
-    askWhoElse(system_, session_, [this, told = std::move(told)](std::vector<AwakeOther> others) {
-        const auto [held, refused] = awake_.isOn() ? awake_.holders() : KeepAwake::Holders{};
-        told(
-            {.active = awake_.isOn(),
-             .end = awake_.end(),
-             .heldBy = held,
-             .refusedBy = refused,
-             .others = std::move(others)});
-    });
+    const auto tell =
+        [this, told = std::move(told), life = std::weak_ptr(life_)](std::vector<AwakeOther> others) {
+            if (life.expired()) return;
+            const auto [held, refused] = awake_.isOn() ? awake_.holders() : KeepAwake::Holders{};
+            told(
+                {.active = awake_.isOn(),
+                 .end = awake_.end(),
+                 .heldBy = held,
+                 .refusedBy = refused,
+                 .others = std::move(others)});
+        };
+    askWhoElse(system_, session_, tell);
 }
 
 void Agent::awakeChanged() {
@@ -187,6 +218,7 @@ void Agent::awakeChanged() {
     });
     followPower();
     followLock();
+    judgeBattery(keeper_.snapshot().battery);
     options_.changed("awake");
 }
 
@@ -246,6 +278,7 @@ void Agent::settingsChanged() {
     keeper_.change([this](WidgetSnapshot& snapshot) { snapshot.clockZones = settings_.zones(); });
     followPower();
     followLock();
+    judgeBattery(keeper_.snapshot().battery);
     options_.changed("clocks");
 }
 
@@ -299,19 +332,28 @@ void Agent::sampleProcessor() {
 }
 
 void Agent::followPower() {
-    const bool isWanted = measures_ || (awake_.isOn() && settings_.awakeEndsOnLowBattery());
-    if (!isWanted)
+    const bool isMinded = awake_.isOn() && settings_.awakeEndsOnLowBattery();
+    if (!measures_ && !isMinded)
         power_.reset();
     else if (!power_)
         power_ = std::make_unique<sources::PowerWatch>(system_, [this] { powerChanged(); });
+    // Without the daemon nobody tells.
+    if (!isMinded || measures_)
+        batteryLook_.reset();
+    else
+        lookAtBattery();
+}
+
+void Agent::lookAtBattery() {
+    batteryLook_ = runloop::MainSource::after(refreshMinutes * minute, [this] { lookAtBattery(); });
+    measuring_.refresh("battery");
 }
 
 void Agent::powerChanged() {
     const auto reading = power_->reading();
     const auto now = reading ? sources::batteryOf(*reading) : std::nullopt;
-    if (now && !now->pluggedIn && !now->charging && now->percent < lowBattery &&
-        settings_.awakeEndsOnLowBattery())
-        awake_.stop("the battery is low");
+    judgeBattery(now);
+    if (now) machine_.sawPower(*now);
     // Watts and minutes are others each time, and can wait for the next reading of everything.
     const auto& shown = keeper_.snapshot().battery;
     const bool isSame = now.has_value() == shown.has_value() &&
@@ -320,30 +362,52 @@ void Agent::powerChanged() {
     if (measures_ && !isSame) measuring_.refresh("battery");
 }
 
+void Agent::judgeBattery(const std::optional<WidgetSnapshot::Battery>& battery) {
+    if (awake_.isOn() && settings_.awakeEndsOnLowBattery() && battery && !battery->pluggedIn &&
+        !battery->charging && battery->percent < lowBattery)
+        stopAwakeSoon("the battery is low");
+}
+
+void Agent::stopAwakeSoon(const std::string& why) {
+    runloop::postToMainThread([this, why, life = std::weak_ptr(life_)] {
+        if (!life.expired()) awake_.stop(why);
+    });
+}
+
 void Agent::followLock() {
     if (!awake_.isOn() || !settings_.awakeEndsAtLock()) {
         lock_.clear();
         return;
     }
     if (!lock_.empty()) return;
-    for (const char* interface : {"org.freedesktop.ScreenSaver", "org.gnome.ScreenSaver"})
-        lock_.push_back(
-            session_.follow({"", "", interface, "ActiveChanged"}, [this](const bus::Signal& signal) {
-                if (signal.arguments[0].flag() == true) awake_.stop("the session was locked");
+    for (const char* desktop : {"freedesktop", "gnome", "cinnamon", "mate", "xfce"})
+        lock_.push_back(session_.follow(
+            {"", "", std::string("org.") + desktop + ".ScreenSaver", "ActiveChanged"},
+            [this](const bus::Signal& signal) {
+                if (signal.arguments[0].flag() == true) stopAwakeSoon("the session was locked");
             }));
-    constexpr const char* login = "org.freedesktop.login1";
+    lock_.push_back(system_.follow({login, "", loginSession, "Lock"}, [this](const bus::Signal& signal) {
+        sessionLocked(signal.path);
+    }));
     lock_.push_back(system_.follow(
-        {login, "", "org.freedesktop.login1.Session", "Lock"}, [this](const bus::Signal& signal) {
-            // Others' sessions are locked too.
-            system_.call(
-                {login, signal.path, "org.freedesktop.DBus.Properties", "Get"},
-                "(ss)",
-                {"org.freedesktop.login1.Session", "User"},
-                [this](const bus::Result<bus::Data>& user) {
-                    if (user && user.value()[0][0].integer() == getuid())
-                        awake_.stop("the session was locked");
-                });
+        {login, "", "org.freedesktop.DBus.Properties", "PropertiesChanged"},
+        [this](const bus::Signal& signal) {
+            if (signal.arguments[0].text() == loginSession &&
+                signal.arguments[1]["LockedHint"].flag() == true)
+                sessionLocked(signal.path);
         }));
+}
+
+void Agent::sessionLocked(const std::string& session) {
+    // Others' sessions are locked too.
+    system_.call(
+        {login, session, "org.freedesktop.DBus.Properties", "Get"},
+        "(ss)",
+        {loginSession, "User"},
+        [this, life = std::weak_ptr(life_)](const bus::Result<bus::Data>& user) {
+            if (!life.expired() && user && user.value()[0][0].integer() == getuid())
+                stopAwakeSoon("the session was locked");
+        });
 }
 
 AgentStatus Agent::status() const {
@@ -357,7 +421,7 @@ AgentStatus Agent::status() const {
         .slowParts = measuring_.slow(),
         .awake = awake_.isOn(),
         .lastAnalysis = analysis_.last() ? std::optional(analysis_.last()->date) : std::nullopt,
-        .settingsFault = settingsFault_};
+        .settingsFault = settingsFault_ ? std::optional(placeOf(*settingsFault_)) : std::nullopt};
 }
 
 }  // namespace zelto::agent

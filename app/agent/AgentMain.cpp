@@ -90,18 +90,19 @@ int run(int argc, char** argv) {
             &isOver);
     running = std::make_unique<agent::Agent>(std::move(options));
     runloop::runMainLoopUntil([&isOver] { return isOver; });
-    running.reset();
-    return 0;
+    running->finish();
+    // Closed first: what was answered last is sent then.
+    { const bus::Listener closing = *std::move(listener); }
+    std::fflush(nullptr);
+    // A reading that hangs in the kernel would find what is taken down under it.
+    _exit(0);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     try {
-        const int status = run(argc, argv);
-        // A reading that hangs in the kernel would be waited for, or find what is taken down under it.
-        std::fflush(nullptr);
-        _exit(status);
+        return run(argc, argv);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "zelto-agent: %s\n", error.what());
         return 1;

@@ -47,25 +47,33 @@ void Analysis::begin() {
     // Asking costs the daemons minutes of work and the network: once a day, and on mains.
     const bool updates = (!battery || battery->pluggedIn) &&
                          isOlderThanADay(report_ ? report_->updatesAsked : std::nullopt, seams_.now());
-    runloop::runAside(life_, [this, updates, read = seams_.readFiles]() -> std::function<void()> {
-        return [this, updates, files = read()] {
-            seams_.ask(updates, [this, updates, files, life = std::weak_ptr(life_)](sources::CareFacts told) {
-                if (!life.expired()) finish(files, std::move(told), updates);
-            });
-        };
+    const auto isAsked = std::make_shared<bool>(false);
+    const auto ask = [this, updates, isAsked](const sources::CareFacts& files) {
+        if (std::exchange(*isAsked, true)) return;
+        filesLate_.reset();
+        seams_.ask(updates, [this, updates, files, life = std::weak_ptr(life_)](sources::CareFacts told) {
+            if (!life.expired()) finish(files, std::move(told), updates);
+        });
+    };
+    filesLate_ = runloop::MainSource::after(seams_.longestWait, [this, ask] {
+        seams_.log("the analysis goes on without what files tell: reading them takes long");
+        ask({});
+    });
+    runloop::runAside(life_, [ask, read = seams_.readFiles]() -> std::function<void()> {
+        return [ask, files = read()] { ask(files); };
     });
 }
 
 void Analysis::finish(const sources::CareFacts& files, sources::CareFacts facts, bool askedUpdates) {
     CareReport report{.date = seams_.now()};
-    if (askedUpdates) {
-        report.updatesAsked = report.date;
-    } else if (report_) {
-        report.updatesAsked = report_->updatesAsked;
-        if (report_->securityUpdates)
-            facts.updates = {*report_->securityUpdates, report_->otherUpdates.value_or(0)};
-        facts.firmwareUpdates = report_->firmwareUpdates;
-    }
+    // Asked or not: at most once a day, also where it failed.
+    report.updatesAsked = askedUpdates ? std::optional(report.date)
+                          : report_    ? report_->updatesAsked
+                                       : std::nullopt;
+    // What was told counts until something else is.
+    if (report_ && !facts.updates && report_->securityUpdates)
+        facts.updates = {*report_->securityUpdates, report_->otherUpdates.value_or(0)};
+    if (report_ && !facts.firmwareUpdates) facts.firmwareUpdates = report_->firmwareUpdates;
     if (facts.updates) {
         report.securityUpdates = facts.updates->security;
         report.otherUpdates = facts.updates->others;
@@ -74,7 +82,8 @@ void Analysis::finish(const sources::CareFacts& files, sources::CareFacts facts,
     facts.memoryAvailable = files.memoryAvailable;
     facts.memoryWaiting = files.memoryWaiting;
     facts.volumes = files.volumes;
-    if (files.firewall) facts.firewall = files.firewall;
+    // Of two that are installed, one that is on is enough.
+    if (files.firewall && facts.firewall != true) facts.firewall = files.firewall;
     facts.secureBoot = files.secureBoot;
     facts.chip = files.chip;
     facts.restartRequired = files.restartRequired;

@@ -33,4 +33,9 @@ void openPage(
         new Opened(std::move(opened)));
 }
 
+std::string addressOfFile(const std::filesystem::path& file) {
+    const Handle<gchar, g_free> address(g_filename_to_uri(file.c_str(), nullptr, nullptr));
+    return address ? address.get() : "";
+}
+
 }  // namespace zelto::agent

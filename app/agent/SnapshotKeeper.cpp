@@ -49,7 +49,9 @@ SnapshotKeeper::SnapshotKeeper(Seams seams) : seams_(std::move(seams)) {
     if (mark && mark->size() == announced_.size()) std::ranges::copy(*mark, announced_.begin());
     const auto bytes = readFile(seams_.file, WidgetSnapshot::largestDocument);
     auto stored = bytes ? records::decodeJSON<WidgetSnapshot>(*bytes) : Fault{};
-    if (stored && isOurs(*stored)) snapshot_ = *std::move(stored);
+    // What was read longer ago is not so any more.
+    if (stored && isOurs(*stored) && std::abs(seams_.now() - stored->date) < fresh)
+        snapshot_ = *std::move(stored);
 }
 
 bool SnapshotKeeper::isOurs(const WidgetSnapshot& snapshot) const {
@@ -113,10 +115,11 @@ bool SnapshotKeeper::isAnothers() {
 void SnapshotKeeper::announce(Date date) {
     announced_ = {date.sinceReference, announced_[0]};
     const auto document = records::encodeJSON(std::vector<double>(announced_.begin(), announced_.end()));
-    static_cast<void>(writeFileAtomically(
+    const auto written = writeFileAtomically(
         seams_.mark,
         document.value_or("[]"),
-        {.durability = Durability::processDeath, .readers = Readers::owner}));
+        {.durability = Durability::processDeath, .readers = Readers::owner});
+    if (!written) seams_.log(seams_.mark.string() + " cannot be written: " + written.fault().reason);
 }
 
 void SnapshotKeeper::write() {
@@ -131,6 +134,10 @@ void SnapshotKeeper::write() {
         seams_.log("the snapshot cannot be written: a text in it is not UTF-8, or a number is none");
         return;
     }
+    // Somebody may have removed the folder, or opened the file to others.
+    makePrivateFolder(seams_.file.parent_path());
+    makePrivateFolder(seams_.mark.parent_path());
+    makePrivate(seams_.file);
     // Announced before it is there: whoever is killed in between has announced one too many.
     announce(snapshot_.date);
     // What power loss takes is gathered anew.

@@ -35,10 +35,14 @@ Finding memory(const CareFacts& facts) {
     if (!facts.memoryAvailable) return std::nullopt;
     const double waiting = facts.memoryWaiting.value_or(0);
     const std::string rest = percent(*facts.memoryAvailable) + " da memória estão livres";
-    if (*facts.memoryAvailable < 0.10 || waiting > 20)
+    if (*facts.memoryAvailable < 0.10)
         return Item{"Memória", attention, "Só " + rest + ": feche programas que não usa."};
-    if (*facts.memoryAvailable <= 0.20 || waiting > 5)
-        return Item{"Memória", info, rest + ". Feche programas que não usa."};
+    if (waiting > 5)
+        return Item{
+            "Memória",
+            waiting > 20 ? attention : info,
+            "Programas esperam por memória: feche os que não usa."};
+    if (*facts.memoryAvailable <= 0.20) return Item{"Memória", info, rest + ". Feche programas que não usa."};
     return Item{"Memória", ok, rest + "."};
 }
 

@@ -71,7 +71,11 @@ void addVolumes(const fs::path& root, CareFacts& facts) {
 
 std::optional<bool> firewall(const fs::path& root) {
     const auto configuration = readFile(root / "etc/ufw/ufw.conf");
-    if (!configuration) return std::nullopt;
+    // One that runs tells so itself.
+    std::error_code error;
+    if (!configuration)
+        return fs::exists(root / "usr/lib/systemd/system/firewalld.service", error) ? std::optional(false)
+                                                                                    : std::nullopt;
     return ("\n" + *configuration).find("\nENABLED=yes") != std::string::npos;
 }
 
@@ -107,12 +111,16 @@ bool isOlder(std::string_view left, std::string_view right) {
     return left.size() < right.size();
 }
 
-/// "amd64" of "6.1.0-13-amd64": kernels of another flavour are no successors.
+/// "rt-amd64" of "6.1.0-13-rt-amd64", what follows the last number: kernels of another flavour are no
+/// successors.
 std::string_view flavourOf(std::string_view kernel) {
-    const auto dash = kernel.rfind('-');
-    if (dash == std::string_view::npos || dash + 1 == kernel.size()) return "";
-    const std::string_view last = kernel.substr(dash + 1);
-    return last.front() >= '0' && last.front() <= '9' ? "" : last;
+    std::string_view flavour;
+    for (std::string_view rest = kernel; !rest.empty();) {
+        const std::string_view word = rest.substr(0, rest.find('-'));
+        rest.remove_prefix(std::min(word.size() + 1, rest.size()));
+        if (!word.empty() && word.front() >= '0' && word.front() <= '9') flavour = rest;
+    }
+    return flavour;
 }
 
 std::optional<bool> newerKernel(const fs::path& root, const std::string& running) {

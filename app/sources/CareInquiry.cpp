@@ -8,7 +8,8 @@
 namespace zelto::sources {
 namespace {
 
-constexpr std::chrono::seconds patience{60};
+/// For an answer, and for a list of updates, which the network may hold up.
+constexpr std::chrono::seconds patience{20}, listPatience{60};
 constexpr const char* properties = "org.freedesktop.DBus.Properties";
 
 constexpr const char* systemd = "org.freedesktop.systemd1";
@@ -16,23 +17,6 @@ constexpr const char* systemdObject = "/org/freedesktop/systemd1";
 constexpr const char* systemdManager = "org.freedesktop.systemd1.Manager";
 constexpr const char* packageKit = "org.freedesktop.PackageKit";
 constexpr const char* transactionInterface = "org.freedesktop.PackageKit.Transaction";
-
-void addDrives(const bus::Data::Map& objects, CareFacts& facts) {
-    facts.drivesKnown = true;
-    for (const auto& [path, interfaces] : objects) {
-        const std::string name = interfaces["org.freedesktop.UDisks2.Drive"]["Model"].text().value_or(path);
-        const bus::Data& ata = interfaces["org.freedesktop.UDisks2.Drive.Ata"];
-        const bus::Data& nvme = interfaces["org.freedesktop.UDisks2.NVMe.Controller"];
-        if (ata["SmartFailing"].flag() == true) facts.failingDrives.push_back(name);
-        const auto& warnings = nvme["SmartCriticalWarning"].list();
-        if (warnings.empty()) continue;
-        // "degraded" alone mostly means that as much was written as the maker warrants.
-        const bool isWornOnly = std::ranges::all_of(warnings, [](const bus::Data& warning) {
-            return warning.text() == "degraded" || warning.text() == "spare";
-        });
-        (isWornOnly ? facts.wornDrives : facts.failingDrives).push_back(name);
-    }
-}
 
 }  // namespace
 
@@ -117,9 +101,40 @@ void CareInquiry::askDrives(const std::shared_ptr<Round>& round) {
          "GetManagedObjects"},
         "()",
         {},
-        [](CareFacts& facts, const bus::Result<bus::Data>& results) {
-            if (results) addDrives(results.value()[0].map(), facts);
+        [this, weak = std::weak_ptr(round)](CareFacts&, const bus::Result<bus::Data>& results) {
+            if (results) judgeDrives(weak.lock(), results.value()[0].map());
         });
+}
+
+void CareInquiry::judgeDrives(const std::shared_ptr<Round>& round, const bus::Data::Map& objects) {
+    constexpr const char* controller = "org.freedesktop.UDisks2.NVMe.Controller";
+    round->facts.drivesKnown = true;
+    for (const auto& [path, interfaces] : objects) {
+        const std::string name = interfaces["org.freedesktop.UDisks2.Drive"]["Model"].text().value_or(path);
+        const bus::Data& ata = interfaces["org.freedesktop.UDisks2.Drive.Ata"];
+        if (ata["SmartFailing"].flag() == true || ata["SmartNumAttributesFailing"].integer().value_or(0) > 0)
+            round->facts.failingDrives.push_back(name);
+        const auto& warnings = interfaces[controller]["SmartCriticalWarning"].list();
+        if (warnings.empty()) continue;
+        const bool mayBeWorn = std::ranges::all_of(warnings, [](const bus::Data& warning) {
+            return warning.text() == "degraded" || warning.text() == "spare";
+        });
+        if (!mayBeWorn) {
+            round->facts.failingDrives.push_back(name);
+            continue;
+        }
+        // Mostly that as much was written as the maker warrants; what the daemon keeps tells of errors.
+        call(
+            round,
+            system_,
+            {"org.freedesktop.UDisks2", path, controller, "SmartGetAttributes"},
+            "(a{sv})",
+            {bus::Data::Map()},
+            [name](CareFacts& facts, const bus::Result<bus::Data>& attributes) {
+                const bool isWorn = attributes && attributes.value()[0]["media_errors"].integer() == 0;
+                (isWorn ? facts.wornDrives : facts.failingDrives).push_back(name);
+            });
+    }
 }
 
 void CareInquiry::askFirewall(const std::shared_ptr<Round>& round) {
@@ -153,7 +168,10 @@ void CareInquiry::askFirmware(const std::shared_ptr<Round>& round) {
                 "(s)",
                 {*id},
                 [](CareFacts& known, const bus::Result<bus::Data>& upgrades) {
-                    if (upgrades && !upgrades.value()[0].list().empty()) ++*known.firmwareUpdates;
+                    if (!upgrades && upgrades.fault().kind != bus::ErrorKind::refused)
+                        known.firmwareUpdates.reset();
+                    else if (upgrades && !upgrades.value()[0].list().empty() && known.firmwareUpdates)
+                        ++*known.firmwareUpdates;
                 });
         }
     };
@@ -207,7 +225,7 @@ void CareInquiry::followUpdates(const std::shared_ptr<Round>& round, const std::
             if (signal.name == "Finished" || signal.name == "Destroy") listing->end();
         });
     // A daemon may die in the middle of its list.
-    listing->tooLate = runloop::MainSource::after(patience.count(), [listing] { listing->end(); });
+    listing->tooLate = runloop::MainSource::after(listPatience.count(), [listing] { listing->end(); });
     call(
         round,
         system_,

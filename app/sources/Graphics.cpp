@@ -62,6 +62,9 @@ std::optional<double> Graphics::read() {
     std::optional<double> busiest;
     std::optional<Uses> uses;
     const auto now = seams_.clock();
+    // The mean of hours that nobody looked at is not the load of now.
+    constexpr std::chrono::minutes longest{10};
+    if (readAt_ && now - *readAt_ > longest) readAt_.reset();
     for (const fs::path& card : entriesOf(seams_.root / "sys/class/drm")) {
         const fs::path device = card / "device";
         if (!isCard(card.filename().string()) || isAsleep(device)) continue;
@@ -79,8 +82,8 @@ std::optional<double> Graphics::read() {
         }
         if (load) busiest = std::max(busiest.value_or(0), std::clamp(*load, 0.0, 1.0));
     }
+    readAt_ = uses ? std::optional(now) : std::nullopt;
     before_ = uses ? *std::move(uses) : Uses();
-    readAt_ = now;
     return busiest;
 }
 
@@ -131,12 +134,15 @@ std::optional<double> Graphics::loadOf(
     std::map<std::string, double> loads;
     for (const auto& [client, engines] : found->second)
         for (const auto& [engine, use] : engines) {
-            // A program that has come since then began with nothing.
+            // A program that has come since then began with nothing, but the engine's own count did not.
             Use old;
             if (before != before_.end())
-                if (const auto same = before->second.find(client); same != before->second.end())
-                    if (const auto its = same->second.find(engine); its != same->second.end())
-                        old = its->second;
+                for (const auto& [other, its] : before->second)
+                    if (const auto same = its.find(engine); same != its.end()) {
+                        old.total = same->second.total;
+                        if (other == client) old.used = same->second.used;
+                    }
+            if (use.total && !old.total) continue;
             const double time = use.total ? *use.total - old.total.value_or(0) : nanoseconds;
             if (time > 0) loads[engine] += std::max(use.used - old.used, 0.0) / time / use.engines;
         }

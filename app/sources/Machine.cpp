@@ -47,18 +47,41 @@ std::vector<Part> Machine::parts() {
         return [read = std::move(read)] { return read; };
     };
     return {
-        {"memory", always([this] { return memoryChange(seams_.readings); })},
-        {"graphics", always([this]() -> Change {
+        {"memory",
+         always([this] { return memoryChange(seams_.readings); }),
+         [](WidgetSnapshot& snapshot) { snapshot.memory = 0; }},
+        {"graphics",
+         always([this]() -> Change {
              const auto load = graphics_.read();
              return [load](WidgetSnapshot& snapshot) { snapshot.gpu = load; };
-         })},
-        {"temperature", always([this] { return chipChange(seams_.root); })},
-        {"fans", [this] { return beginFans(); }},
-        {"disk", always([this]() -> Change {
+         }),
+         [](WidgetSnapshot& snapshot) { snapshot.gpu.reset(); }},
+        {"temperature",
+         always([this] { return chipChange(seams_.root); }),
+         [](WidgetSnapshot& snapshot) { snapshot.chipTemperature.reset(); }},
+        {"fans",
+         [this] { return beginFans(); },
+         [](WidgetSnapshot& snapshot) {
+             snapshot.fans.clear();
+             snapshot.fanMode.reset();
+         }},
+        {"disk",
+         always([this]() -> Change {
              const auto disk = readStartupDisk(seams_.root, seams_.readings);
              return [disk](WidgetSnapshot& snapshot) { snapshot.disk = disk; };
-         })},
-        {"battery", [this] { return beginPower(); }}};
+         }),
+         [](WidgetSnapshot& snapshot) { snapshot.disk.reset(); }},
+        {"battery",
+         [this] { return beginPower(); },
+         [](WidgetSnapshot& snapshot) { snapshot.battery.reset(); }}};
+}
+
+void Machine::sawPower(const WidgetSnapshot::Battery& battery) {
+    watts_.add(seams_.now(), battery.watts);
+    minutes_.add(
+        seams_.now(),
+        battery.minutesRemaining ? std::optional(static_cast<double>(*battery.minutesRemaining))
+                                 : std::nullopt);
 }
 
 std::function<Change()> Machine::beginFans() {

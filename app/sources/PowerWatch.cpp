@@ -66,10 +66,11 @@ void PowerWatch::ask(const std::string& path) {
         {device},
         [this, path, round = round_](const bus::Result<bus::Data>& results) {
             if (round != round_ || !devices_->contains(path)) return;
-            // One that went away in between tells nothing.
+            // One that went away in between tells nothing; one that is slow is asked again when it says
+            // something.
             if (results)
                 devices_->at(path) = results.value()[0].map();
-            else
+            else if (results.fault().kind == bus::ErrorKind::refused)
                 devices_->erase(path);
             if (reading()) changed_();
         });
@@ -82,7 +83,11 @@ void PowerWatch::took(const bus::Signal& signal) {
         if (const auto flag = arguments[1]["OnBattery"].flag()) isOnBattery_ = flag;
     } else if (signal.name == "PropertiesChanged") {
         const auto found = devices_->find(signal.path);
-        if (found == devices_->end() || found->second.empty()) return;
+        if (found == devices_->end()) return;
+        if (found->second.empty()) {
+            ask(signal.path);
+            return;
+        }
         for (const auto& [name, value] : arguments[1].map()) found->second.insert_or_assign(name, value);
     } else if (const auto path = arguments[0].text(); path && signal.name == "DeviceAdded") {
         if (devices_->size() < mostDevices) ask(*path);

@@ -72,6 +72,8 @@ void MainSource::reset() {
     if (id_ != 0)
         if (GSource* source = g_main_context_find_source_by_id(nullptr, id_)) g_source_destroy(source);
     id_ = 0;
+    // With what it holds, which may be the source's owner. What is being called has a copy.
+    function_.reset();
 }
 
 }  // namespace zelto::runloop

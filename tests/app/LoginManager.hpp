@@ -90,7 +90,10 @@ class LoginManager {
                 "echo ready >&3\n"
                 "wait\n");
         return Child(
-            {"unshare",
+            {"setpriv",
+             "--pdeathsig",
+             "KILL",
+             "unshare",
              "--mount",
              "--propagation",
              "private",

@@ -154,7 +154,8 @@ TEST_F(RunningApp, TakesSettingsOverThatAPersonEdits) {
     EXPECT_TRUE(agent.becomes([](const WidgetSnapshot& now) { return now.clockZones.size() == 1; }));
     write(R"({"clockZones":["Asia/Tokyo","Atlantis"]})");
     EXPECT_TRUE(runUntil([&] {
-        return say({"app", "status"}).find("clockZones[1]: 'Atlantis'") != std::string::npos;
+        return say({"app", "status"}).find("settings: app.json: clockZones[1] is not valid") !=
+               std::string::npos;
     }));
     EXPECT_EQ(agent.snapshot()->clockZones.size(), 1U);
     // What a person may want to mend is not written over.
@@ -295,8 +296,13 @@ TEST_F(RunningApp, SnapshotsAreMadeWithoutAnAgentToo) {
 TEST_F(RunningApp, SaysNothingPersonalOfItself) {
     ASSERT_TRUE(agent.start());
     say({"clock", "add", "tokyo"});
+    static_cast<void>(writeFileAtomically(
+        agent.folder() / "config/zelto/app.json", R"({"clockZones":["Asia/Tokyo","Atlantis"]})"));
+    EXPECT_TRUE(runUntil([&] {
+        return say({"app", "status"}).find("clockZones[1] is not valid") != std::string::npos;
+    }));
     const std::string status = say({"app", "status"}) + say({"app", "status", "--json"});
-    for (const std::string& word : {std::string("Tokyo"), agent.folder().string()})
+    for (const std::string& word : {std::string("Tokyo"), std::string("Atlantis"), agent.folder().string()})
         EXPECT_EQ(status.find(word), std::string::npos) << status;
 }
 
@@ -382,6 +388,29 @@ TEST_F(RunningAwake, EndsWhenTheSessionIsLockedWhereThatIsSet) {
     EXPECT_TRUE(shows(false, std::nullopt));
     EXPECT_TRUE(isHeld(false));
     EXPECT_NE(agent.log().find("no longer kept awake: the session was locked"), std::string::npos);
+}
+
+TEST_F(RunningAwake, EndsOnALowBatteryAlsoWithoutThePowerDaemon) {
+    agent.machine().add(
+        {{supply + "BAT0/type", "Battery\n"},
+         {supply + "BAT0/status", "Discharging\n"},
+         {supply + "BAT0/capacity", "14\n"}});
+    EXPECT_EQ(say({"app", "set", "awake-ends-on-low-battery", "off"}), "");
+    say({"awake", "on"});
+    EXPECT_TRUE(isHeld(true));
+    EXPECT_EQ(say({"app", "set", "awake-ends-on-low-battery", "on"}), "");
+    EXPECT_TRUE(isHeld(false));
+    EXPECT_NE(agent.log().find("no longer kept awake: the battery is low"), std::string::npos);
+}
+
+TEST_F(RunningAwake, SaysWhenItEndsThatNothingIsKeptAwake) {
+    say({"awake", "on", "--minutes", "30"});
+    EXPECT_TRUE(shows(true, 30));
+    EXPECT_EQ(say({"app", "quit"}), "");
+    EXPECT_EQ(agent.process().wait(), 0);
+    EXPECT_FALSE(agent.snapshot()->awakeActive);
+    ASSERT_TRUE(agent.start());
+    EXPECT_TRUE(shows(true, 30));
 }
 
 TEST_F(RunningAwake, IsLetGoByDeathAndTakenAgain) {

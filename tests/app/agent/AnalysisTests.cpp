@@ -1,3 +1,5 @@
+#include <future>
+
 #include <gtest/gtest.h>
 
 #include "agent/Analysis.hpp"
@@ -19,6 +21,7 @@ struct Analysing : testing::Test {
     std::vector<bool> asked;  // with updates or not
     std::vector<std::string> log;
     int reports = 0;
+    double longestWait = 10;
 
     Analysis analysis() {
         return Analysis(
@@ -32,7 +35,8 @@ struct Analysing : testing::Test {
                      answered(daemons);
                  },
              .battery = [this] { return battery; },
-             .reported = [this](const CareReport&) { ++reports; }});
+             .reported = [this](const CareReport&) { ++reports; },
+             .longestWait = longestWait});
     }
     static std::string run(Analysis& analysis) {
         std::optional<std::string> out;
@@ -67,8 +71,9 @@ TEST_F(Analysing, AsksForUpdatesOnceADayAndOnMains) {
     daemons.updates.reset();
     now = now + 86'000;
     EXPECT_EQ(run(analysis), "ok Memória\nattention Segurança\n");
+    // Also where asking once more told nothing.
     now = now + 500;
-    EXPECT_EQ(run(analysis), "ok Memória\n");
+    EXPECT_EQ(run(analysis), "ok Memória\nattention Segurança\n");
     EXPECT_EQ(asked, (std::vector{false, true, false, true}));
 }
 
@@ -86,6 +91,29 @@ TEST_F(Analysing, RunsByItselfOnceADay) {
     now = now - 200'000;
     analysis.daily();
     EXPECT_TRUE(test::runUntil([&] { return reports == 3; }));
+}
+
+TEST_F(Analysing, GoesOnWithoutFilesThatHang) {
+    daemons.startSeconds = 10;
+    longestWait = 0.05;
+    std::promise<void> gate;
+    const auto isOpen = gate.get_future().share();
+    Analysis analysis(
+        {.file = folder.path() / "state/care.json",
+         .log = [this](runloop::LogLevel, const std::string& line) { log.push_back(line); },
+         .readFiles =
+             [isOpen] {
+                 isOpen.wait();
+                 return CareFacts{.memoryAvailable = 0.5};
+             },
+         .ask = [this](bool, const std::function<void(CareFacts)>& answered) { answered(daemons); },
+         .battery = [] { return std::nullopt; },
+         .reported = [](const CareReport&) {},
+         .longestWait = longestWait});
+    EXPECT_EQ(run(analysis), "ok Inicialização\n");
+    ASSERT_EQ(log.size(), 1U);
+    gate.set_value();
+    EXPECT_EQ(run(analysis), "ok Memória\nok Inicialização\n");
 }
 
 TEST_F(Analysing, IsKnownAfterARestart) {

@@ -54,7 +54,8 @@ struct Parts : testing::Test {
                            gate->pass();
                            return read();
                        };
-                   }}},
+                   },
+                   [](WidgetSnapshot& changed) { changed.memory = 100; }}},
              .change = [this](const sources::Change& change) { change(snapshot); },
              .log = [this](runloop::LogLevel, const std::string& line) { log.push_back(line); }});
     }
@@ -77,7 +78,8 @@ TEST_F(Parts, ThatHangHoldUpNoOthersAndAreReadOnceAtATime) {
     measuring.refresh([&] { ++rounds; });
     EXPECT_TRUE(runUntil([&] { return rounds == 1; }));
     EXPECT_EQ(snapshot.cpu, 1);
-    EXPECT_EQ(snapshot.memory, 0);
+    // What it was is not so any more.
+    EXPECT_EQ(snapshot.memory, 100);
     EXPECT_EQ(measuring.slow(), std::vector<std::string>{"stuck"});
     measuring.refresh([&] { ++rounds; });
     EXPECT_TRUE(runUntil([&] { return rounds == 2; }));
@@ -86,10 +88,28 @@ TEST_F(Parts, ThatHangHoldUpNoOthersAndAreReadOnceAtATime) {
     // Told once.
     EXPECT_EQ(log, std::vector<std::string>{"reading the stuck takes long; the rest goes on without it"});
     gate->open();
-    EXPECT_TRUE(runUntil([&] { return snapshot.memory == 1; }));
+    EXPECT_TRUE(runUntil([&] { return snapshot.memory == 101; }));
     EXPECT_TRUE(measuring.slow().empty());
     measuring.refresh("stuck");
+    EXPECT_TRUE(runUntil([&] { return snapshot.memory == 102; }));
+}
+
+TEST_F(Parts, ThatHangAreNamedAlsoWhenRoundsFollowEachOther) {
+    auto measuring = this->measuring();
+    int rounds = 0;
+    for (int i = 0; i < 3; ++i) measuring.refresh([&] { ++rounds; });
+    EXPECT_TRUE(runUntil([&] { return rounds == 3; }));
+    EXPECT_TRUE(runUntil([&] { return !measuring.slow().empty(); }));
+}
+
+TEST_F(Parts, AskedForWhileTheyAreReadAreReadOnceMore) {
+    auto measuring = this->measuring();
+    measuring.refresh("stuck");
+    measuring.refresh("stuck");
+    measuring.refresh("stuck");
+    gate->open();
     EXPECT_TRUE(runUntil([&] { return snapshot.memory == 2; }));
+    EXPECT_EQ(begun, 2);
 }
 
 TEST_F(Parts, ThatHangWhenAllOfItEndsFindNobody) {

@@ -175,6 +175,30 @@ TEST_F(Keeping, MakesPrivateWhatIsOpenToOthers) {
     EXPECT_EQ(mode(file.parent_path()), 0700);
 }
 
+TEST_F(Keeping, StaysPrivateAndComesBackWhateverOthersDo) {
+    auto keeper = this->keeper();
+    setCPU(keeper, 0.5);
+    std::filesystem::remove_all(file.parent_path());
+    now = now + 1;
+    setCPU(keeper, 0.6);
+    EXPECT_EQ(stored()->cpu, 0.6);
+    another(now - 1000);
+    std::filesystem::permissions(file, static_cast<std::filesystem::perms>(0644));
+    now = now + 1;
+    setCPU(keeper, 0.7);
+    EXPECT_EQ(stored()->cpu, 0.7);
+    EXPECT_EQ(mode(file), 0600);
+}
+
+TEST_F(Keeping, WhatWasReadLongAgoIsNotTheBeginning) {
+    {
+        auto first = keeper();
+        setCPU(first, 0.4);
+    }
+    now = now + 900;
+    EXPECT_EQ(keeper().snapshot().cpu, 0);
+}
+
 TEST_F(Keeping, SaysWhyItCannotWriteAndGoesOn) {
     std::filesystem::create_directories(file);
     auto keeper = this->keeper();

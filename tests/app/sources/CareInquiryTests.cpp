@@ -82,13 +82,25 @@ TEST_F(Inquiry, DrivesThatFailAndThoseThatAreOnlyWorn) {
         "nvme = lambda w: {'org.freedesktop.UDisks2.NVMe.Controller': {'SmartCriticalWarning': dbus.Array(w, "
         "signature='s')}}\n"
         "ret = {'/a': drive('Old', ata(True)), '/b': drive('Good', ata(False)), '/c': drive('New', nvme([])),"
-        " '/d': drive('Written', nvme(['degraded'])), '/e': drive('Hot', nvme(['temperature']))}");
+        " '/d': drive('Written', nvme(['degraded'])), '/e': drive('Hot', nvme(['temperature'])),"
+        " '/f': drive('Errors', nvme(['spare'])), '/g': drive('Silent', nvme(['spare']))}");
+    constexpr const char* controller = "org.freedesktop.UDisks2.NVMe.Controller";
+    for (const auto& [path, errors] : {std::pair{"/d", "0"}, {"/f", "3"}}) {
+        disks.object(path, controller, "{}");
+        disks.method(
+            controller,
+            "SmartGetAttributes",
+            "a{sv}",
+            "a{sv}",
+            std::string("ret = {'media_errors': dbus.UInt64(") + errors + ")}",
+            path);
+    }
     const auto facts = ask();
     EXPECT_EQ(facts.drivesKnown, true);
-    EXPECT_EQ(facts.failingDrives, (std::vector<std::string>{"Old", "Hot"}));
+    EXPECT_EQ(facts.failingDrives, (std::vector<std::string>{"Old", "Hot", "Errors", "Silent"}));
     EXPECT_EQ(facts.wornDrives, std::vector<std::string>{"Written"});
     // No drive is asked itself, which could wake it.
-    EXPECT_EQ(disks.calls().find("Smart"), std::string::npos);
+    EXPECT_EQ(disks.calls().find("SmartUpdate"), std::string::npos);
 }
 
 TEST_F(Inquiry, AFirewallThatIsOnOrOff) {

@@ -32,9 +32,9 @@ TEST(CareItems, JudgeEachAreaByItsTable) {
         {{.memoryAvailable = 0.09},
          "attention Memória: Só 9 % da memória estão livres: feche programas que não usa.\n"},
         {{.memoryAvailable = 0.5, .memoryWaiting = 6},
-         "info Memória: 50 % da memória estão livres. Feche programas que não usa.\n"},
+         "info Memória: Programas esperam por memória: feche os que não usa.\n"},
         {{.memoryAvailable = 0.5, .memoryWaiting = 21},
-         "attention Memória: Só 50 % da memória estão livres: feche programas que não usa.\n"},
+         "attention Memória: Programas esperam por memória: feche os que não usa.\n"},
         {{.volumes = {{"/", 0.5}, {"/home", 0.16}}}, "ok Discos: Há espaço livre bastante.\n"},
         {{.volumes = {{"/", 0.5}, {"/home", 0.15}}}, "info Discos: Restam 15 % em /home: libere espaço.\n"},
         {{.volumes = {{"/", 0.04}, {"/home", 0.15}}}, "attention Discos: Restam 4 % em /: libere espaço.\n"},
@@ -140,6 +140,8 @@ TEST(CareFiles, ANewerKernelOfTheSameKindWaitsForARestart) {
     EXPECT_EQ(isNewer("6.1.0-9-amd64", {"6.1.0-9-amd64", "6.1.0-13-amd64"}), true);
     EXPECT_EQ(isNewer("6.1.0-13-amd64", {"6.1.0-9-amd64", "6.1.0-13-amd64"}), false);
     EXPECT_EQ(isNewer("6.1.0-9-amd64", {"6.1.0-9-amd64", "6.1.0-13-rt"}), false);
+    EXPECT_EQ(isNewer("6.1.0-9-amd64", {"6.1.0-9-amd64", "6.1.0-13-rt-amd64"}), false);
+    EXPECT_EQ(isNewer("6.5.6-200.fc39.x86_64", {"6.5.6-200.fc39.x86_64", "6.5.6-300.fc39.x86_64"}), true);
     // What is left of a kernel that was removed, and a machine that runs one from elsewhere.
     EXPECT_EQ(isNewer("6.1.0-9-amd64", {"6.1.0-9-amd64", "6.1.0-13-amd64"}, false), false);
     EXPECT_EQ(isNewer("6.6.1-mine", {"6.1.0-9-amd64"}), std::nullopt);

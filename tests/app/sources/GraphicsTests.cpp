@@ -108,6 +108,31 @@ TEST_F(Cards, DriversThatCountCyclesTellOfHowMany) {
     now += 10s;
     program(100, cycles(4000, 60'000));
     EXPECT_DOUBLE_EQ(graphics.read().value_or(-1), 0.3);
+    // One that has come since: the engine counts from the machine's start all the same.
+    now += 10s;
+    program(100, cycles(4000, 70'000));
+    machine.add(
+        {{"proc/200/fdinfo/7",
+          "drm-pdev:\t0000:00:00.0\ndrm-client-id:\t10\ndrm-cycles-rcs:\t5000\n"
+          "drm-total-cycles-rcs:\t70000\n"}});
+    machine.link("proc/200/fd/7", "/dev/dri/renderD128");
+    EXPECT_DOUBLE_EQ(graphics.read().value_or(-1), 0.5);
+}
+
+TEST_F(Cards, WhatWasUsedWhileNobodyLookedIsNoLoadOfNow) {
+    card(0, "i915");
+    program(100, engines("1", 0, 0));
+    graphics.read();
+    now += 3600s;
+    program(100, engines("1", 3'000'000'000'000, 0));
+    EXPECT_EQ(graphics.read(), std::nullopt);
+    // Nor what was used before the card slept.
+    machine.add({{"sys/devices/pci0000:00/0000:00:00.0/power/runtime_status", "suspended\n"}});
+    now += 10s;
+    EXPECT_EQ(graphics.read(), std::nullopt);
+    machine.add({{"sys/devices/pci0000:00/0000:00:00.0/power/runtime_status", "active\n"}});
+    now += 10s;
+    EXPECT_EQ(graphics.read(), std::nullopt);
 }
 
 TEST(VendorLibrary, IsOpenedAskedAndClosedAgain) {

@@ -65,7 +65,9 @@ class Agent {
     explicit Agent(AgentOptions options);
     Agent(const Agent&) = delete;
     Agent& operator=(const Agent&) = delete;
-    ~Agent();
+
+    /// Writes what waits to be written, and that nothing is kept awake any more, which ends with the process.
+    void finish();
 
     using Done = std::function<void(Result<void>)>;
     /// Does what a link asks for. `token` is the desktop's for the tap; it may be empty.
@@ -103,7 +105,12 @@ class Agent {
     void sampleProcessor();
     void followPower();
     void powerChanged();
+    void lookAtBattery();
+    void judgeBattery(const std::optional<shared::WidgetSnapshot::Battery>& battery);
     void followLock();
+    void sessionLocked(const std::string& session);
+    /// Later, on the main thread: what it ends may be what has just told.
+    void stopAwakeSoon(const std::string& why);
 
     const AgentOptions options_;
     bus::Client session_, system_;
@@ -120,11 +127,12 @@ class Agent {
     sources::ProcessorHistory processor_;
     bool measures_ = false;
     int minutes_ = 0;
-    runloop::MainSource minute_, secondSample_;
+    runloop::MainSource minute_, secondSample_, batteryLook_;
     runloop::PathWatch paths_;
     runloop::MainSource pathSource_;
     std::vector<bus::Client::Subscription> lock_;
     std::unique_ptr<HostWatch> host_;
+    std::shared_ptr<int> life_ = std::make_shared<int>(0);
 };
 
 /// A snapshot as it would be written now, without an agent: takes half a second.

@@ -9,6 +9,7 @@
 #include "foundation/Date.hpp"
 #include "records/Record.hpp"
 #include "runloop/Log.hpp"
+#include "runloop/MainLoop.hpp"
 #include "shared/WidgetSnapshotFields.hpp"
 #include "sources/Care.hpp"
 
@@ -37,6 +38,8 @@ class Analysis {
         std::function<void(bool updates, std::function<void(sources::CareFacts)> answered)> ask;
         std::function<std::optional<shared::WidgetSnapshot::Battery>()> battery;
         std::function<void(const CareReport&)> reported;
+        /// Seconds for which files are waited for: a folder of a network that is gone never answers.
+        double longestWait = 10;
     };
     explicit Analysis(Seams seams);
     Analysis(const Analysis&) = delete;
@@ -56,6 +59,7 @@ class Analysis {
     std::optional<CareReport> report_;
     bool isRunning_ = false;
     std::vector<std::function<void(const CareReport&)>> waiting_;
+    runloop::MainSource filesLate_;
     std::shared_ptr<int> life_ = std::make_shared<int>(0);
 };
 

@@ -24,7 +24,8 @@ class Measuring {
     explicit Measuring(Seams seams);
 
     /// Reads all parts but those that are still being read. `done` is called when all have answered, or the
-    /// longest wait is over; what comes later changes the snapshot by itself.
+    /// longest wait is over; what comes later changes the snapshot by itself. What is being read for longer
+    /// than that counts as absent until it comes.
     void refresh(std::function<void()> done);
     /// Reads one part, by its name.
     void refresh(const std::string& part);
@@ -38,12 +39,14 @@ class Measuring {
     struct State {
         sources::Part part;
         bool isRunning = false, isSlow = false;
+        /// Asked for once more while it was being read: what it tells may be older than the question.
+        bool isWantedAgain = false;
+        runloop::MainSource tooLate = {};
     };
     void begin(State& state, const std::shared_ptr<Round>& round);
 
     const Seams seams_;
     std::vector<State> states_;
-    runloop::MainSource tooLate_;
     std::shared_ptr<int> life_ = std::make_shared<int>(0);
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <string>
 
@@ -11,5 +12,8 @@ namespace zelto::agent {
 /// the tap, so that the window comes to the front; it may be empty. Answers when the program has been
 /// started, or with the reason why not.
 void openPage(const std::string& address, const std::string& token, std::function<void(Result<void>)> opened);
+
+/// A file as such an address: "file:///…", with what an address may not hold written as %XX.
+std::string addressOfFile(const std::filesystem::path& file);
 
 }  // namespace zelto::agent

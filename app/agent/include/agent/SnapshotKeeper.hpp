@@ -27,7 +27,7 @@ class SnapshotKeeper {
         /// Called when the file has another snapshot.
         std::function<void()> written = [] {};
     };
-    /// Begins with the file's snapshot where that was written here.
+    /// Begins with the file's snapshot where that was written here, and is fresh.
     explicit SnapshotKeeper(Seams seams);
 
     const shared::WidgetSnapshot& snapshot() const { return snapshot_; }

@@ -41,6 +41,7 @@ class CareInquiry {
         std::optional<std::vector<std::string>> CareFacts::*services);
     void askStart(const std::shared_ptr<Round>& round);
     void askDrives(const std::shared_ptr<Round>& round);
+    void judgeDrives(const std::shared_ptr<Round>& round, const bus::Data::Map& objects);
     void askFirewall(const std::shared_ptr<Round>& round);
     void askFirmware(const std::shared_ptr<Round>& round);
     void askUpdates(const std::shared_ptr<Round>& round);

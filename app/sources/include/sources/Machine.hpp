@@ -23,6 +23,8 @@ struct Part {
     /// On the main thread: what is to be read. The reading may wait for long, and runs on any thread, of one
     /// part never twice at a time; the change is made on the main thread.
     std::function<std::function<Change()>()> begin;
+    /// What is so while it cannot be read: nothing that was read before is still true.
+    Change absent = [](shared::WidgetSnapshot&) {};
 };
 
 /// This machine's parts of the snapshot: memory, graphics, temperature, fans, disk, battery. The processor,
@@ -48,6 +50,8 @@ class Machine {
 
     /// They live as long as this object.
     std::vector<Part> parts();
+    /// What the power daemon told between two readings, for the means of a minute.
+    void sawPower(const shared::WidgetSnapshot::Battery& battery);
 
   private:
     std::function<Change()> beginFans();
