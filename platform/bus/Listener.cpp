@@ -161,6 +161,8 @@ struct Listener::State {
             g_signal_handlers_disconnect_by_data(connection.get(), this);
             if (filter != 0) g_dbus_connection_remove_filter(connection.get(), filter);
             if (registration != 0) g_dbus_connection_unregister_object(connection.get(), registration);
+            // The answer to the call that ends the program may still be on its way.
+            g_dbus_connection_flush_sync(connection.get(), nullptr, nullptr);
             g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
         }
         g_main_context_pop_thread_default(context.get());

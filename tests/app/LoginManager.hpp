@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include <unistd.h>
+
 #include "tests/support/Child.hpp"
 #include "tests/support/Process.hpp"
 #include "tests/support/TemporaryFolder.hpp"
@@ -21,6 +23,11 @@ class LoginManager {
     using Daemons = std::vector<std::pair<std::string, std::string>>;
     explicit LoginManager(const Daemons& more = {}) : daemons_(start(more)) {
         if (daemons_.line() != "ready") throw std::runtime_error("no login manager");
+    }
+
+    /// Whether this user may make a mount namespace, which not even root may everywhere.
+    static bool isPossible() {
+        return getuid() == 0 && run({"/usr/bin/unshare", "--mount", "/bin/true"}).status == 0;
     }
 
     const std::string& address() const { return address_; }
