@@ -303,20 +303,21 @@ void Agent::measure(bool isWanted) {
         keeper_.renew();
     });
     refresh();
-    if (!analysis_.last()) analysis_.daily();
     minute_ = runloop::MainSource::after(minute, [this] { everyMinute(); });
 }
 
 void Agent::everyMinute() {
     minute_ = runloop::MainSource::after(minute, [this] { everyMinute(); });
     sampleProcessor();
-    if (++minutes_ % refreshMinutes != 0) return;
-    refresh();
-    analysis_.daily();
+    if (++minutes_ % refreshMinutes == 0) refresh();
 }
 
 void Agent::refresh() {
-    measuring_.refresh([this] { keeper_.renew(); });
+    measuring_.refresh([this] {
+        keeper_.renew();
+        // Once it is known whether the machine is on its battery.
+        if (measures_) analysis_.daily();
+    });
 }
 
 void Agent::sampleProcessor() {

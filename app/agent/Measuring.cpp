@@ -7,19 +7,14 @@
 
 namespace zelto::agent {
 
-/// Done when nobody holds it any more, or before.
+/// Done when no part holds it any more.
 struct Measuring::Round {
     explicit Round(std::function<void()> wanted) : done(std::move(wanted)) {}
     Round(const Round&) = delete;
     Round& operator=(const Round&) = delete;
-    ~Round() { end(); }
-    void end() {
-        tooLate.reset();
-        if (const auto called = std::exchange(done, nullptr)) called();
-    }
+    ~Round() { done(); }
 
     std::function<void()> done;
-    runloop::MainSource tooLate = {};
 };
 
 Measuring::Measuring(Seams seams) : seams_(std::move(seams)) {
@@ -30,39 +25,37 @@ void Measuring::refresh(std::function<void()> done) {
     const auto round = std::make_shared<Round>([done = std::move(done), life = std::weak_ptr(life_)] {
         if (!life.expired()) done();
     });
-    for (State& state : states_) begin(state, round);
-    round->tooLate = runloop::MainSource::after(longestWait, [weak = std::weak_ptr(round)] {
-        if (const auto late = weak.lock()) late->end();
-    });
+    for (State& state : states_) {
+        // One that is being read already answers this round too; one that hangs holds up none.
+        if (!state.isSlow) state.rounds.push_back(round);
+        begin(state);
+    }
 }
 
 void Measuring::refresh(const std::string& part) {
     const auto found = std::ranges::find(states_, part, [](const State& state) { return state.part.name; });
     if (found == states_.end()) return;
     found->isWantedAgain = found->isRunning;
-    begin(*found, nullptr);
+    begin(*found);
 }
 
-void Measuring::begin(State& state, const std::shared_ptr<Round>& round) {
+void Measuring::begin(State& state) {
     if (std::exchange(state.isRunning, true)) return;
-    // Told when the round goes on without it, so a little earlier.
-    state.tooLate = runloop::MainSource::after(longestWait * 0.9, [this, &state] {
+    state.tooLate = runloop::MainSource::after(longestWait, [this, &state] {
         state.isSlow = true;
         seams_.log("reading the " + state.part.name + " takes long; the rest goes on without it");
         seams_.change(state.part.absent);
+        state.rounds.clear();
     });
-    runloop::runAside(
-        life_,
-        [this, &state, work = state.part.begin(), round = std::shared_ptr<Round>(round)]() mutable
-        -> std::function<void()> {
-            // Given away wholly: the round ends on the main thread, not with this function on its own.
-            return [this, &state, change = work(), round = std::move(round)] {
-                state.tooLate.reset();
-                state.isRunning = state.isSlow = false;
-                seams_.change(change);
-                if (std::exchange(state.isWantedAgain, false)) begin(state, nullptr);
-            };
-        });
+    runloop::runAside(life_, [this, &state, work = state.part.begin()]() -> std::function<void()> {
+        return [this, &state, change = work()] {
+            state.tooLate.reset();
+            state.isRunning = state.isSlow = false;
+            seams_.change(change);
+            state.rounds.clear();
+            if (std::exchange(state.isWantedAgain, false)) begin(state);
+        };
+    });
 }
 
 std::vector<std::string> Measuring::slow() const {

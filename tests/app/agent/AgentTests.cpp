@@ -169,6 +169,18 @@ TEST_F(RunningApp, TakesSettingsOverThatAPersonEdits) {
         "{\"version\":1,\"clockZones\":[\"Europe\\/Lisbon\"],\"awake\":{\"endsAtLock\":true}}\n");
 }
 
+TEST_F(RunningApp, TheFirstAnalysisOnABatteryAsksForNoUpdates) {
+    agent.machine().add(
+        {{supply + "BAT0/type", "Battery\n"},
+         {supply + "BAT0/status", "Discharging\n"},
+         {supply + "BAT0/capacity", "60\n"}});
+    const Host host(agent, true);
+    ASSERT_TRUE(agent.start());
+    const auto report = [&] { return say({"care", "show", "--json"}); };
+    EXPECT_TRUE(runUntil([&] { return report().find("\"items\"") != std::string::npos; }));
+    EXPECT_EQ(report().find("updatesAsked"), std::string::npos) << report();
+}
+
 TEST_F(RunningApp, AnalysesTheMachineWhenItIsAsked) {
     ASSERT_TRUE(agent.start());
     EXPECT_EQ(say({"care", "show"}), "zelto: nothing has been analysed yet\n");

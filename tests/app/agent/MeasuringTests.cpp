@@ -94,6 +94,19 @@ TEST_F(Parts, ThatHangHoldUpNoOthersAndAreReadOnceAtATime) {
     EXPECT_TRUE(runUntil([&] { return snapshot.memory == 102; }));
 }
 
+TEST_F(Parts, ThatAreBeingReadAnswerTheNextRoundToo) {
+    auto measuring = this->measuring();
+    measuring.refresh("stuck");
+    std::vector<double> known;
+    measuring.refresh([&] { known.push_back(snapshot.memory); });
+    test::runWhatWaits();
+    EXPECT_TRUE(known.empty());
+    gate->open();
+    EXPECT_TRUE(runUntil([&] { return !known.empty(); }));
+    EXPECT_EQ(known, std::vector{1.0});
+    EXPECT_EQ(begun, 1);
+}
+
 TEST_F(Parts, ThatHangAreNamedAlsoWhenRoundsFollowEachOther) {
     auto measuring = this->measuring();
     int rounds = 0;

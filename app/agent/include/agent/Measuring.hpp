@@ -23,9 +23,8 @@ class Measuring {
     };
     explicit Measuring(Seams seams);
 
-    /// Reads all parts but those that are still being read. `done` is called when all have answered, or the
-    /// longest wait is over; what comes later changes the snapshot by itself. What is being read for longer
-    /// than that counts as absent until it comes.
+    /// Reads all parts. `done` is called when each has answered or is read for longer than the longest wait;
+    /// such a part counts as absent until it comes, and changes the snapshot then by itself.
     void refresh(std::function<void()> done);
     /// Reads one part, by its name.
     void refresh(const std::string& part);
@@ -42,8 +41,10 @@ class Measuring {
         /// Asked for once more while it was being read: what it tells may be older than the question.
         bool isWantedAgain = false;
         runloop::MainSource tooLate = {};
+        /// Those that wait for it.
+        std::vector<std::shared_ptr<Round>> rounds = {};
     };
-    void begin(State& state, const std::shared_ptr<Round>& round);
+    void begin(State& state);
 
     const Seams seams_;
     std::vector<State> states_;
