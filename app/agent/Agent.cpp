@@ -381,12 +381,11 @@ void Agent::followLock() {
         return;
     }
     if (!lock_.empty()) return;
-    for (const char* desktop : {"freedesktop", "gnome", "cinnamon", "mate", "xfce"})
-        lock_.push_back(session_.follow(
-            {"", "", std::string("org.") + desktop + ".ScreenSaver", "ActiveChanged"},
-            [this](const bus::Signal& signal) {
-                if (signal.arguments[0].flag() == true) stopAwakeSoon("the session was locked");
-            }));
+    // Each desktop's has a name of its own, and all have this signal.
+    lock_.push_back(session_.follow({"", "", "", "ActiveChanged"}, [this](const bus::Signal& signal) {
+        if (signal.interface.ends_with(".ScreenSaver") && signal.arguments[0].flag() == true)
+            stopAwakeSoon("the session was locked");
+    }));
     lock_.push_back(system_.follow({login, "", loginSession, "Lock"}, [this](const bus::Signal& signal) {
         sessionLocked(signal.path);
     }));

@@ -160,7 +160,7 @@ void CareInquiry::askFirmware(const std::shared_ptr<Round>& round) {
             constexpr std::int64_t updatable = 1 << 1;
             const auto id = device["DeviceId"].text();
             if (!id || (device["Flags"].integer().value_or(0) & updatable) == 0) continue;
-            // An error means that there is nothing newer.
+            // That there is nothing newer it says by an error of its own.
             call(
                 weak.lock(),
                 system_,

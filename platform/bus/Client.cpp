@@ -250,13 +250,13 @@ Client::Subscription Client::follow(SignalMatch match, std::function<void(const 
             [](GDBusConnection*,
                const gchar*,
                const gchar* path,
-               const gchar*,
+               const gchar* interface,
                const gchar* name,
                GVariant* arguments,
                gpointer called) {
                 // It may end itself.
                 const auto kept = *static_cast<std::shared_ptr<Came>*>(called);
-                if (const auto data = dataOf(arguments, nullptr)) (*kept)({path, name, *data});
+                if (const auto data = dataOf(arguments, nullptr)) (*kept)({path, interface, name, *data});
             },
             new std::shared_ptr<Came>(shared),
             [](gpointer called) { delete static_cast<std::shared_ptr<Came>*>(called); });

@@ -28,9 +28,8 @@ class Host {
                                               {.service = "com.kavra.zelto.desktop",
                                                .methods = {bus::method(
                                                    "reload", {"kind"}, {},
-                                                   [this](const std::string& kind) -> bus::Result<void> {
+                                                   [this](const std::string&) -> bus::Result<void> {
                                                        ++reloads;
-                                                       lastKind_ = kind;
                                                        return {};
                                                    })},
                                                .properties = propertiesOf(watches)},
@@ -50,7 +49,6 @@ class Host {
         return out;
     }
     std::atomic<bool> isSeen_;
-    std::string lastKind_;
     bus::Listener listener_;
 };
 

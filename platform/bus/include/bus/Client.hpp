@@ -22,7 +22,7 @@ struct SignalMatch {
 };
 
 struct Signal {
-    std::string path, name;
+    std::string path, interface, name;
     Data arguments;  // a list
 };
 
